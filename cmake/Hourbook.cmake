@@ -1,0 +1,65 @@
+# How every target of the project is made. A folder is a link target; what it may include follows from LIBS.
+
+add_library(hourbook_options INTERFACE)
+target_compile_options(hourbook_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
+target_compile_definitions(hourbook_options INTERFACE
+  QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_MESSAGELOGCONTEXT)
+target_include_directories(hourbook_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(HOURBOOK_WERROR)
+  target_compile_options(hourbook_options INTERFACE -Werror)
+endif()
+if(CMAKE_BUILD_TYPE STREQUAL "Debug")
+  # -g1: backtraces keep their lines, objects stay small
+  target_compile_options(hourbook_options INTERFACE -g1)
+endif()
+if(HOURBOOK_SANITIZE)
+  target_compile_options(hourbook_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  target_link_options(hourbook_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# Two precompiled headers, one without and one with widgets; every library reuses the one that suits it.
+add_library(hourbook_pch_core OBJECT ${PROJECT_SOURCE_DIR}/cmake/pch.cpp)
+target_link_libraries(hourbook_pch_core PUBLIC hourbook_options Qt6::Core)
+target_precompile_headers(hourbook_pch_core PRIVATE ${PROJECT_SOURCE_DIR}/cmake/pch_core.h)
+add_library(hourbook_pch_widgets OBJECT ${PROJECT_SOURCE_DIR}/cmake/pch.cpp)
+target_link_libraries(hourbook_pch_widgets PUBLIC hourbook_options Qt6::Widgets)
+target_precompile_headers(hourbook_pch_widgets PRIVATE ${PROJECT_SOURCE_DIR}/cmake/pch_widgets.h)
+if(HOURBOOK_TESTS)
+  add_library(hourbook_pch_test OBJECT ${PROJECT_SOURCE_DIR}/cmake/pch.cpp)
+  target_link_libraries(hourbook_pch_test PUBLIC hourbook_options Qt6::Widgets Qt6::Test GTest::gmock)
+  target_precompile_headers(hourbook_pch_test PRIVATE ${PROJECT_SOURCE_DIR}/cmake/pch_test.h)
+endif()
+
+# hourbook_library(NAME [WIDGETS] SOURCES ... [LIBS public link targets ...] [PRIVATE_LIBS ...])
+function(hourbook_library name)
+  cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;LIBS;PRIVATE_LIBS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC hourbook_options Qt6::Core ${ARG_LIBS} PRIVATE ${ARG_PRIVATE_LIBS})
+  if(ARG_WIDGETS)
+    target_link_libraries(${name} PUBLIC Qt6::Widgets)
+    target_precompile_headers(${name} REUSE_FROM hourbook_pch_widgets)
+  else()
+    target_precompile_headers(${name} REUSE_FROM hourbook_pch_core)
+  endif()
+endfunction()
+
+# hourbook_tests(NAME SOURCES ... LIBS ... [TIMEOUT seconds]): a GoogleTest program; each of its tests is a ctest.
+function(hourbook_tests name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 60)
+  endif()
+  if(HOURBOOK_SANITIZE)
+    math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 4")
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} tests_support Qt6::Widgets Qt6::Test GTest::gmock)
+  target_precompile_headers(${name} REUSE_FROM hourbook_pch_test)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT ${ARG_TIMEOUT}
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
+endfunction()
+if(HOURBOOK_TESTS)
+  include(GoogleTest)
+endif()

@@ -1,0 +1,1 @@
+// Carries the precompiled headers; a target reuses them instead of building its own.

@@ -1,0 +1,7 @@
+#pragma once
+#include "pch_core.h"
+
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>

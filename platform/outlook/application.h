@@ -1,0 +1,78 @@
+#pragma once
+#include "platform/outlook/items.h"
+
+namespace platform::outlook {
+
+/// What the platform is configured with: the calendars, which of them is open, and the mailbox's name.
+struct Profile {
+  QList<std::shared_ptr<calendar::Store>> stores;
+  QString openFolder;  // id of the folder that is open in the window; empty: no window is open
+  QString version = QStringLiteral("11.0.0.8169");
+  QString draftFolder;  // where `MailItem.Save` keeps drafts
+};
+
+class MAPIFolder {
+ public:
+  MAPIFolder(std::shared_ptr<calendar::Store> store, calendar::FolderInfo info);
+  int DefaultItemType() const;  // olAppointmentItem or olMailItem
+  QString Name() const { return info_.name; }
+  QString ParentName() const { return info_.storeName; }  // Parent.Name
+  bool ReadOnly() const { return info_.readOnly; }
+  QString Id() const { return info_.id; }
+  outlook::Items Items() const;
+  std::shared_ptr<calendar::Store> store() const { return store_; }
+
+ private:
+  std::shared_ptr<calendar::Store> store_;
+  calendar::FolderInfo info_;
+};
+
+class Explorer {
+ public:
+  explicit Explorer(std::shared_ptr<MAPIFolder> folder) : folder_(std::move(folder)) {}
+  std::shared_ptr<MAPIFolder> CurrentFolder() const { return folder_; }
+  void Activate() { active = true; }
+  bool active = false;
+
+ private:
+  std::shared_ptr<MAPIFolder> folder_;
+};
+
+class Application;
+
+class NameSpace {
+ public:
+  explicit NameSpace(const Application& application) : application_(application) {}
+  /// olFolderCalendar: the first folder that holds appointments; olFolderInbox: the first that does not.
+  /// Failure errNotFound when there is none.
+  std::shared_ptr<MAPIFolder> GetDefaultFolder(int type) const;
+
+ private:
+  const Application& application_;
+};
+
+class Explorers {
+ public:
+  int Count() const { return static_cast<int>(list.size()); }
+  std::shared_ptr<Explorer> Item(int position) const;
+  std::shared_ptr<Explorer> Add(std::shared_ptr<MAPIFolder> folder, int displayMode);
+  QList<std::shared_ptr<Explorer>> list;
+};
+
+class Application {
+ public:
+  explicit Application(Profile profile);
+  QString Version() const;
+  std::shared_ptr<NameSpace> GetNamespace(const QString& type) const;  // "MAPI"
+  /// nullptr when no window is open.
+  std::shared_ptr<Explorer> ActiveExplorer() const;
+  outlook::Explorers& Explorers() { return explorers_; }
+  std::shared_ptr<MailItem> CreateItem(int type) const;  // olMailItem
+  const Profile& profile() const { return profile_; }
+
+ private:
+  Profile profile_;
+  outlook::Explorers explorers_;
+};
+
+}  // namespace platform::outlook

@@ -1,0 +1,95 @@
+#pragma once
+#include "platform/basic/value.h"
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+// What a database driver must do. SQL is of the kind that the product sends: Access's and, on a server, the
+// server's; a driver turns it into its engine's own. Parameters stand as "?". All failures are platform::Failure
+// with the engine's number and text, and name the database.
+namespace platform::sql {
+
+enum class Type { Boolean, Integer, Long, Single, Double, Currency, Date, Text, Memo };
+
+struct Column {
+  QString name;
+  Type type = Type::Text;
+  int size = 0;            // characters, for Text
+  bool autoIncrement = false;
+  bool primaryKey = false;
+  bool allowZeroLength = true;
+  QString caption;
+};
+
+struct Relation {
+  QString name, table, foreignTable, field;
+};
+
+struct Result {
+  QList<Column> columns;  // name and type as far as the engine tells; of a statement without rows, none
+  QList<QList<basic::Value>> rows;
+  int affected = 0;
+  qint64 lastId = 0;  // of an insert into a table with an auto-increment key
+};
+
+/// A connection string taken apart: keys without regard to case, values as they stand.
+class ConnectionString {
+ public:
+  ConnectionString() = default;
+  explicit ConnectionString(const QString& text);
+  QString value(const QString& key) const { return values_.value(key.toLower()); }
+  bool has(const QString& key) const { return values_.contains(key.toLower()); }
+  QString provider() const { return value(QStringLiteral("Provider")); }
+
+ private:
+  QMap<QString, QString> values_;
+};
+
+/// An open connection. Closed when destroyed. Each statement stands by itself (is committed when `execute` returns).
+class Session {
+ public:
+  virtual ~Session() = default;
+  virtual Result execute(const QString& sql, const QList<basic::Value>& parameters = {}) = 0;
+  virtual QStringList tables() = 0;
+  virtual QList<Column> columns(const QString& table) = 0;  // empty when there is no such table
+};
+
+class Driver {
+ public:
+  virtual ~Driver() = default;
+  virtual std::unique_ptr<Session> connect(const ConnectionString& connection) = 0;
+};
+
+/// What else the file-database engine must do, for creating, upgrading and compacting.
+class FileEngine {
+ public:
+  virtual ~FileEngine() = default;
+  virtual void createDatabase(const QString& path) = 0;  // fails when the file exists
+  virtual void createTable(Session& session, const QString& table, const QList<Column>& columns) = 0;
+  virtual void addColumn(Session& session, const QString& table, const Column& column) = 0;
+  virtual void addRelation(Session& session, const Relation& relation) = 0;
+  virtual QList<Relation> relations(Session& session) = 0;
+  virtual void setCaption(Session& session, const QString& table, const QString& column,
+                          const QString& caption) = 0;
+  /// Writes a compacted copy; fails when others hold the source open for writing or the target exists.
+  virtual void compact(const QString& source, const QString& target) = 0;
+};
+
+/// Drivers by provider name ("Microsoft.Jet.OLEDB.4.0", without regard to case).
+class Drivers {
+ public:
+  void add(const QString& provider, std::shared_ptr<Driver> driver) {
+    drivers_.insert(provider.toLower(), std::move(driver));
+  }
+  /// Failure 3706 ("Provider cannot be found. It may not be properly installed.") when there is none.
+  Driver& find(const QString& provider) const;
+
+ private:
+  QMap<QString, std::shared_ptr<Driver>> drivers_;
+};
+
+}  // namespace platform::sql
