@@ -5,8 +5,12 @@
 #include <QStringList>
 
 // The controls of a form as the product's code sees them: members, not pixels. A form's widgets follow them
-// (platform/forms/widgets). As with the controls they stand in for, a change made by code raises the same event
-// as the user's: setting `ListIndex` or a check box's `Value` clicks, setting `Text` changes.
+// (platform/forms/widgets). As with the controls they stand in for, a change made by code raises the same
+// event as the user's: setting `ListIndex` or a check box's `Value` clicks, setting `Text` changes.
+//
+// Order: the state is changed first, then the widget is told, then the event is raised. A handler may set the
+// control again; the inner event comes first and the outer setter does nothing after its own. A handler may
+// destroy the control. A value that a control cannot hold is Failure 380 and changes nothing.
 namespace platform::forms {
 
 class Control : public QObject {
@@ -25,13 +29,17 @@ class Control : public QObject {
   /// Blue-green-red order; -1 as long as nobody has set it.
   qint32 BackColor() const { return backColor_; }
   void setBackColor(qint32 color);
-  /// Place and size in twips. A layout may own the control, then these are what the layout last gave it.
+  /// Place and size in twips. A layout may own the control, then these are what the layout last gave it. Code
+  /// that lays a control itself writes them through `place` or `setTop`, which the widget follows.
   int Left = 0, Top = 0, Width = 0, Height = 0;
+  void place(int left, int top, int width, int height);
+  void setTop(int top) { place(Left, top, Width, Height); }
   QString FontName;
   double FontSize = 0;
 
  Q_SIGNALS:
   void propertyChanged();  // for the widget that follows
+  void placed();           // likewise
 
  private:
   bool visible_ = true, enabled_ = true;
@@ -65,7 +73,7 @@ class CheckBox : public Control {
  public:
   using Control::Control;
   int Value() const { return value_; }
-  void setValue(int value);  // 0 or 1; raises Click when it changes
+  void setValue(int value);  // 0 or 1, others are Failure 380; raises Click when it changes
  Q_SIGNALS:
   void Click();
 
@@ -92,7 +100,7 @@ class ScrollBar : public Control {
   using Control::Control;
   int Value() const { return value_; }
   void setValue(int value);  // kept within Min and Max; raises Change when it differs
-  int Min = 0, Max = 32767;
+  int Min = 0, Max = 32767;  // Min may be the greater one: the bar then runs the other way round
  Q_SIGNALS:
   void Change();
 
@@ -100,19 +108,20 @@ class ScrollBar : public Control {
   int value_ = 0;
 };
 
-/// Drop-down. `DropdownList` takes no free text: setting `Text` to something that is not in the list is Failure 383.
+/// Drop-down. `DropdownList` takes no free text: setting `Text` to something that is not in the list (the
+/// empty text included) is Failure 383. Texts are equal with regard to case.
 class ComboBox : public Control {
   Q_OBJECT
  public:
   enum class Style { DropdownCombo, DropdownList };
   explicit ComboBox(QString name, Style style = Style::DropdownList, QObject* parent = nullptr);
   Style style() const { return style_; }
-  void Clear();
+  void Clear();  // entries, text and choice, without an event
   void AddItem(const QString& text);
   int ListCount() const { return static_cast<int>(items_.size()); }
   QString List(int index) const;  // "" outside of the list
   int ListIndex() const { return index_; }
-  void setListIndex(int index);  // -1 for none; raises Click, also when the index stays the same
+  void setListIndex(int index);  // -1 for none and no text; raises Click, also when the index stays the same
   QString Text() const { return text_; }
   void setText(const QString& text);  // raises Change when it differs; selects an equal entry without a click
  Q_SIGNALS:
@@ -132,7 +141,8 @@ class OptionButton : public Control {
  public:
   using Control::Control;
   bool Value() const { return value_; }
-  void setValue(bool on);  // raises Click when it becomes true
+  void setValue(
+      bool on);  // raises Click when it becomes true; the others of the same parent become false first
  Q_SIGNALS:
   void Click();
 
@@ -149,7 +159,7 @@ class TabStrip : public Control {
   int Count() const { return static_cast<int>(tabs_.size()); }
   QString TabCaption(int index) const { return tabs_.value(index); }  // index from 0
   int Index() const { return index_; }  // of the selected tab; 0 as long as there is one, -1 without tabs
-  void setIndex(int index);             // raises Click when it changes
+  void setIndex(int index);             // raises Click when it changes; Failure 380 for what is no tab
  Q_SIGNALS:
   void Click();
   void tabsChanged();
@@ -171,6 +181,7 @@ class DTPicker : public Control {
   basic::Date value_;
 };
 
+/// Does not tick again while a handler of its own tick is still at work (a question it asks, say).
 class Timer : public Control {
   Q_OBJECT
  public:
@@ -187,6 +198,7 @@ class Timer : public Control {
   void restart();
   int interval_ = 0;
   bool on_ = false;
+  bool ticking_ = false;
   int id_ = 0;
 };
 
