@@ -2,8 +2,10 @@
 #include "platform/dialogs/dialogs.h"
 
 #include <QList>
+#include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace platform::dialogs {
 
@@ -13,13 +15,14 @@ struct Shown {
   Kind kind;
   QString title;
   QString text;
-  int options;  // MsgBox: options; Alert: buttons
-  int icon;     // Alert only
-  QString answer;
+  int options;               // MsgBox: options; Alert: buttons
+  int icon;                  // Alert only
+  QString answer;            // "OK", "Yes", "No", or what was typed
+  QString defaultText = {};  // InputBox only
 };
 
-/// Answers from a queue, in order. A question that nobody scripted goes to `onUnexpected`, which a test sets to
-/// fail the test (tests/support does); it is then answered like a closed box.
+/// Answers from a queue, in order. A question that nobody scripted goes to `onUnexpected`, which a test sets
+/// to fail the test (tests/support does); it is then answered like a closed box.
 class ScriptedDialogs : public Dialogs {
  public:
   /// Expects a message box or assistant message whose text contains `part`, answered with `answer`.
@@ -43,6 +46,9 @@ class ScriptedDialogs : public Dialogs {
     int code;
     QString typed;
   };
+  std::optional<Answer> takeAnswer(bool input, const QString& text);
+  int answerBox(Shown box);
+
   QList<Answer> queue_;
 };
 

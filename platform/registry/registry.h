@@ -5,8 +5,16 @@
 
 namespace platform::registry {
 
-/// Values under HKEY_CURRENT_USER. A key is a path with "\" ("Software\Norrdalen\Hourbook for Outlook\Settings").
-/// Codes are the system's: 0 is success, 2 "not found", 5 "access denied".
+// The system's own return codes, as far as they occur here.
+inline constexpr int codeSuccess = 0;
+inline constexpr int codeNotFound = 2;
+inline constexpr int codeAccessDenied = 5;
+inline constexpr int codeInvalidData = 13;
+inline constexpr int codeWriteFault = 29;
+
+/// Values under HKEY_CURRENT_USER. A key is a path with "\" ("Software\Norrdalen\Hourbook for
+/// Outlook\Settings"). Codes are the system's: 0 is success, 2 "not found", 5 "access denied", 13 "invalid
+/// data", 29 "write fault". Key and value names compare without regard to case.
 class Registry {
  public:
   virtual ~Registry() = default;

@@ -11,13 +11,14 @@ class MemoryRegistry : public Registry {
   int openKey(const QString& key) override;
   int setValue(const QString& key, const QString& name, const basic::Value& value) override;
   int value(const QString& key, const QString& name, basic::Value* out) override;
-  QString lastError() const override { return {}; }
+  QString lastError() const override { return lastError_; }
 
   int failOpenWith = 0;   // not 0: every openKey answers this
   int failWriteWith = 0;  // not 0: every setValue answers this
 
  private:
   QHash<QString, QHash<QString, basic::Value>> keys_;
+  QString lastError_;
 };
 
 }  // namespace platform::registry
