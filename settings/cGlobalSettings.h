@@ -1,0 +1,43 @@
+#pragma once
+#include "database/ReportTarget.h"
+#include "platform/ado/recordset.h"
+#include "settings/cMetaDictionary.h"
+#include "settings/cOtherSettings.h"
+#include "settings/SettingsValues.h"
+
+#include <memory>
+
+namespace hourbook {
+
+/// What all users of an installation share. While it lives, its `ReportTo` and `ReportToValue` are the target
+/// that the connection code reads and sets.
+class cGlobalSettings : public ReportTarget {
+ public:
+  cGlobalSettings();
+  ~cGlobalSettings();
+  cGlobalSettings(const cGlobalSettings&) = delete;
+  cGlobalSettings& operator=(const cGlobalSettings&) = delete;
+
+  qint32 CostCarrier = 0;            // 0 not set, 1 the person's rate, 2 to 4 the rate of list 1 to 3
+  MetaDataCollection MetaDataLists;  // "Meta1", "Meta2", "Meta3": all three after a successful read
+  std::shared_ptr<cOtherSettings> OtherSettings;
+
+  /// True when everything that reporting needs is set.
+  bool fncCheckFilledOut() const;
+  /// Reads everything; true when the lists were found.
+  bool ReadGlobalSettings(qint32 ReportOption, const QString& Path);
+  void subSetupDBObjects(bool blnReadOnly, bool blnXML, const QString& strPath);
+  /// Lets the shared connection go.
+  void subCloseDBObjects();
+
+ private:
+  void subReadSettingsRow();
+  void subReadMetaList(qint16 n, bool blnReadOnly);
+  void subReadCaptions(cMetaDictionary& list, qint16 n);
+
+  std::shared_ptr<platform::ado::Recordset> settings_;
+  std::shared_ptr<platform::ado::Recordset> metaLists_;
+  ReportTarget* previousTarget_ = nullptr;
+};
+
+}  // namespace hourbook
