@@ -40,8 +40,8 @@ class FixedClock : public Clock {
   QDateTime now_;
 };
 
-Date Now();           // date and time on the user's wall clock, whole seconds
-Date Today();         // its date
+Date Now();    // date and time on the user's wall clock, whole seconds
+Date Today();  // its date
 /// Day of the week counted from `firstDay` as 1; 1 = Sunday ... 7 = Saturday for vbSunday.
 inline constexpr int vbSunday = 1;
 inline constexpr int vbMonday = 2;

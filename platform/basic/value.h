@@ -43,7 +43,7 @@ class Date {
 
   constexpr double serial() const { return serial_; }
   QDate date() const;
-  QTime time() const;  // rounded to whole seconds
+  QTime time() const;         // rounded to whole seconds
   QDateTime toLocal() const;  // as local time without daylight-saving judgement: (date(), time())
   int year() const { return date().year(); }
   int month() const { return date().month(); }
@@ -63,13 +63,18 @@ struct Null {
 
 /// What a cell, a field or a property holds. `std::monostate` is `Empty`: never given a value. `Null` is a
 /// database's "no value"; most conversions refuse it with Failure 94.
-using Value = std::variant<std::monostate, Null, bool, qint16, qint32, qint64, float, double, Currency, Date,
-                           QString>;
+using Value =
+    std::variant<std::monostate, Null, bool, qint16, qint32, qint64, float, double, Currency, Date, QString>;
 
-inline bool IsEmpty(const Value& v) { return std::holds_alternative<std::monostate>(v); }
-inline bool IsNull(const Value& v) { return std::holds_alternative<Null>(v); }
+inline bool IsEmpty(const Value& v) {
+  return std::holds_alternative<std::monostate>(v);
+}
+inline bool IsNull(const Value& v) {
+  return std::holds_alternative<Null>(v);
+}
 
-/// "Empty", "Null", "Boolean", "Integer", "Long", "LongLong", "Single", "Double", "Currency", "Date", "String".
+/// "Empty", "Null", "Boolean", "Integer", "Long", "LongLong", "Single", "Double", "Currency", "Date",
+/// "String".
 QString TypeName(const Value& v);
 
 }  // namespace platform::basic

@@ -1,0 +1,31 @@
+#pragma once
+#include "platform/basic/value.h"
+
+#include <optional>
+
+namespace platform::basic {
+
+[[noreturn]] void throwTypeMismatch();
+[[noreturn]] void throwOverflow();
+[[noreturn]] void throwInvalidUseOfNull();
+
+/// A number as it is written in a text: "-", digits, "." and an exponent, in the form that C reads. Nothing
+/// when the text is no number of the system's format.
+std::optional<QByteArray> plainNumber(const QString& text);
+
+/// Its decimal digits, without a sign: 0.digits times ten to the power of `exponent`. At most `significant`
+/// digits, no zero at either end; no digits at all for 0.
+struct DecimalDigits {
+  bool negative = false;
+  QByteArray digits;
+  int exponent = 0;
+};
+DecimalDigits decimalDigits(double value, int significant);
+/// Rounded to so many places after the decimal sign, halves to even.
+DecimalDigits roundedTo(DecimalDigits number, int places);
+
+/// As the language writes a number: up to `significant` digits, "." as decimal sign, an exponent ("1E+15",
+/// "3.3E-06") where the digits alone would not show it.
+QString numberText(double value, int significant);
+
+}  // namespace platform::basic
