@@ -111,7 +111,9 @@ class Store {
   /// Changes one item and returns it as stored. An occurrence becomes an exception (an override of its series);
   /// the series stays as it is. A key without UID makes a new single item. `tag` is the item's as it was read: when
   /// another program has changed the item itself meanwhile, errChangedMeanwhile; a change elsewhere in the same file
-  /// is taken in and kept. Nothing is changed on failure.
+  /// is taken in and kept. Nothing is changed on failure. A new start alone keeps the duration. The returned times are in
+  /// the zone of `change.start`, without one in the clock's zone: floating times and dates alone may stand elsewhere than
+  /// where they were read.
   virtual Item save(const QString& folder, const ItemKey& key, const QString& tag, const Change& change) = 0;
   virtual void remove(const QString& folder, const ItemKey& key, const QString& tag) = 0;
   /// Differs from its last value when anything in the folder may have changed.

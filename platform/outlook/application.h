@@ -13,7 +13,8 @@ struct Profile {
 
 class MAPIFolder {
  public:
-  MAPIFolder(std::shared_ptr<calendar::Store> store, calendar::FolderInfo info);
+  MAPIFolder(std::shared_ptr<calendar::Store> store, calendar::FolderInfo info,
+             std::shared_ptr<const Session> session = {});
   int DefaultItemType() const;  // olAppointmentItem or olMailItem
   QString Name() const { return info_.name; }
   QString ParentName() const { return info_.storeName; }  // Parent.Name
@@ -25,6 +26,7 @@ class MAPIFolder {
  private:
   std::shared_ptr<calendar::Store> store_;
   calendar::FolderInfo info_;
+  std::shared_ptr<const Session> session_;
 };
 
 class Explorer {
@@ -51,6 +53,7 @@ class NameSpace {
   const Application& application_;
 };
 
+/// The open windows. Positions count from 1.
 class Explorers {
  public:
   int Count() const { return static_cast<int>(list.size()); }
@@ -61,17 +64,20 @@ class Explorers {
 
 class Application {
  public:
+  /// Failure errNotFound when the folder that is open in the window is in none of the stores.
   explicit Application(Profile profile);
   QString Version() const;
   std::shared_ptr<NameSpace> GetNamespace(const QString& type) const;  // "MAPI"
-  /// nullptr when no window is open.
+  /// nullptr when no window is open or none has been activated.
   std::shared_ptr<Explorer> ActiveExplorer() const;
   outlook::Explorers& Explorers() { return explorers_; }
   std::shared_ptr<MailItem> CreateItem(int type) const;  // olMailItem
   const Profile& profile() const { return profile_; }
+  std::shared_ptr<const Session> session() const { return session_; }
 
  private:
   Profile profile_;
+  std::shared_ptr<const Session> session_;
   outlook::Explorers explorers_;
 };
 

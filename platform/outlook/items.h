@@ -10,7 +10,14 @@ namespace platform::outlook {
 class AppointmentItem;
 class MailItem;
 
-/// `UserProperties.Find` returns nullptr when there is none. `Add` of a present name returns that property.
+/// What the objects of one running application share.
+struct Session {
+  QString version = QStringLiteral("11.0.0.8169");
+  QString draftFolder;  // empty: mails cannot be kept
+};
+
+/// `UserProperties.Find` returns nullptr when there is none. `Add` of a present name returns that property
+/// with the type it has. Names compare without regard to case. A property lives no longer than its item.
 class UserProperty {
  public:
   UserProperty(AppointmentItem& item, QString name) : item_(item), name_(std::move(name)) {}
@@ -33,10 +40,13 @@ class UserProperties {
 };
 
 /// One appointment, as read when it was found. Changes stand in the object until `Save` (or `Close` with
-/// olSave) hands them to the store; a failing `Save` keeps them. Times are on the user's wall clock.
+/// olSave) hands them to the store; a failing `Save` keeps them, a good one leaves the object holding what
+/// was stored. Times are on the user's wall clock; a new start keeps the duration. A duration that is no
+/// number of whole days makes an all-day event an appointment from midnight on.
 class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
  public:
-  AppointmentItem(std::shared_ptr<calendar::Store> store, QString folder, calendar::Item item);
+  AppointmentItem(std::shared_ptr<calendar::Store> store, QString folder, calendar::Item item,
+                  std::shared_ptr<const Session> session = {});
 
   QString Subject() const;
   void setSubject(const QString& text);
@@ -50,22 +60,24 @@ class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
   void setAllDayEvent(bool on);
   int Sensitivity() const;
   bool IsRecurring() const;
-  /// The text as it was set, a leading separator included; of another program's categories the names joined by the
-  /// list separator and a blank.
+  /// The text as it was set, a leading separator included; of another program's categories the names joined
+  /// by the list separator and a blank.
   QString Categories() const;
   void setCategories(const QString& text);
   QString BillingInformation() const;
   void setBillingInformation(const QString& text);
   QString MessageClass() const;
-  /// The series' master for an occurrence; Failure errNotFound when the master is gone, nullptr for the others,
-  /// whose parent is the folder.
+  /// The series' master for an occurrence; Failure errNotFound when the master is gone, nullptr for the
+  /// others, whose parent is the folder.
   std::shared_ptr<AppointmentItem> Parent() const;
+  /// New items come without a reminder, and that is all that can be asked for: Failure for anything else.
+  void setReminderSet(bool on);
   /// Only for a meeting request: the appointment it made. nullptr when there is none.
   std::shared_ptr<AppointmentItem> GetAssociatedAppointment(bool addToCalendar) const;
   UserProperties userProperties() { return UserProperties(*this); }
   void Save();
   void Close(int saveMode);
-  /// A mail with the appointment as a vCalendar for its first attachment.
+  /// A mail with the appointment, pending changes included, as a vCalendar for its first attachment.
   std::shared_ptr<MailItem> ForwardAsVcal() const;
 
   /// Its zone is defined nowhere; it is shown in the user's own.
@@ -75,51 +87,88 @@ class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
  private:
   friend class UserProperty;
   friend class UserProperties;
+  bool isNew() const { return item_.key.uid.isEmpty(); }
+  QDateTime startMoment() const;
+  /// The property as it stands in the object, pending ones first; the name as it is stored.
+  std::optional<std::pair<QString, calendar::UserProperty>> findProperty(const QString& name) const;
+  calendar::Change fullChange() const;
+
   std::shared_ptr<calendar::Store> store_;
   QString folder_;
   calendar::Item item_;
   calendar::Change change_;
+  std::shared_ptr<const Session> session_;
 };
 
-/// The items of a folder. `Find` and `FindNext` walk the matches of a filter on `[Start]`; both ends of its range
-/// may be written with or without "#". Dates in the filter are in the system's short date format.
+/// The items of a folder. `Count` and `Item` know singles and the masters of series, ordered by start. `Find`
+/// and `FindNext` walk the matches of a filter on `[Start]`, in order of start whether or not `Sort` was
+/// called; with `setIncludeRecurrences` the occurrences of series instead of their masters. A filter joins
+/// conditions with "and"; its dates are in the system's short date format with a time in minutes of the
+/// user's clock, and both ends of each may be written with or without "#".
 class Items {
  public:
-  Items(std::shared_ptr<calendar::Store> store, QString folder);
+  Items(std::shared_ptr<calendar::Store> store, QString folder, std::shared_ptr<const Session> session = {});
   int Count() const;
-  std::shared_ptr<AppointmentItem> Item(int position) const;          // from 1; Failure when outside
-  std::shared_ptr<AppointmentItem> Item(const QString& subject) const;  // first of that subject, or errNotFound
-  void Sort(const QString& property);  // "[Start]"
+  std::shared_ptr<AppointmentItem> Item(int position) const;  // from 1; Failure when outside
+  std::shared_ptr<AppointmentItem> Item(
+      const QString& subject) const;  // first of that subject, or errNotFound
+  /// A new appointment of half an hour; it reaches the calendar with its first `Save`.
+  std::shared_ptr<AppointmentItem> Add() const;
+  void Sort(const QString& property);  // "[Start]", the only one; Failure for others
   void setIncludeRecurrences(bool on) { includeRecurrences_ = on; }
-  /// nullptr when nothing matches; Failure when the filter cannot be read.
+  /// nullptr when nothing matches; Failure when the filter cannot be read. With recurrences the filter must
+  /// bound the start at both ends.
   std::shared_ptr<AppointmentItem> Find(const QString& filter);
+  /// nullptr behind the last match, and when nothing was looked for or the last `Find` failed.
   std::shared_ptr<AppointmentItem> FindNext();
 
  private:
+  std::shared_ptr<AppointmentItem> object(const calendar::Item& item) const;
+  const QList<calendar::Item>& listed() const;
+
   std::shared_ptr<calendar::Store> store_;
   QString folder_;
+  std::shared_ptr<const Session> session_;
   bool includeRecurrences_ = false;
+  mutable std::optional<QString> listedTag_;  // the folder's change tag when `listed_` was read
+  mutable QList<calendar::Item> listed_;
   QList<calendar::Item> found_;
   qsizetype next_ = 0;
 };
 
 class Attachment {
  public:
-  explicit Attachment(QByteArray content) : content_(std::move(content)) {}
+  explicit Attachment(QByteArray content, QString fileName = QStringLiteral("attachment"),
+                      QByteArray type = QByteArrayLiteral("application/octet-stream"))
+      : content_(std::move(content)), fileName_(std::move(fileName)), type_(std::move(type)) {}
   void SaveAsFile(const QString& path) const;
+  const QByteArray& content() const { return content_; }
+  QString FileName() const { return fileName_; }
+  const QByteArray& type() const { return type_; }
 
  private:
   QByteArray content_;
+  QString fileName_;
+  QByteArray type_;
 };
 
-/// A mail that the user sees and sends himself: `Save` keeps it as a draft file, `Display` opens the desktop's mail
-/// program with it.
+/// A mail that the user sees and sends himself: `Save` keeps it as a draft file (a second `Save` replaces
+/// it), `Display` opens the desktop's mail program with it: as a link, or as the draft file when there are
+/// attachments, which a link is unable to carry. Failures name the file or give the reason.
 class MailItem {
  public:
+  explicit MailItem(QString draftFolder = {}) : draftFolder_(std::move(draftFolder)) {}
+
   QString To, Subject, Body;
   std::vector<Attachment> Attachments;  // Attachments(1) of the object model is [0]
   void Save();
   void Display();
+  /// Where the draft is kept; empty before the first `Save`.
+  QString draftFile() const { return draftFile_; }
+
+ private:
+  QString draftFolder_;
+  QString draftFile_;
 };
 
 }  // namespace platform::outlook
