@@ -27,8 +27,14 @@ add_library(hourbook_pch_widgets OBJECT ${PROJECT_SOURCE_DIR}/cmake/pch.cpp)
 target_link_libraries(hourbook_pch_widgets PUBLIC hourbook_options Qt6::Widgets)
 target_precompile_headers(hourbook_pch_widgets PRIVATE ${PROJECT_SOURCE_DIR}/cmake/pch_widgets.h)
 if(HOURBOOK_TESTS)
+  # Qt Test without its two definitions that name the target's own folders: with them no two targets could share a
+  # precompiled header. QFINDTESTDATA is what they are for, and no test uses it.
+  add_library(hourbook_qtest INTERFACE)
+  target_link_libraries(hourbook_qtest INTERFACE $<LINK_ONLY:Qt6::Test>)
+  target_include_directories(hourbook_qtest SYSTEM INTERFACE
+    $<TARGET_PROPERTY:Qt6::Test,INTERFACE_INCLUDE_DIRECTORIES>)
   add_library(hourbook_pch_test OBJECT ${PROJECT_SOURCE_DIR}/cmake/pch.cpp)
-  target_link_libraries(hourbook_pch_test PUBLIC hourbook_options Qt6::Widgets Qt6::Test GTest::gmock)
+  target_link_libraries(hourbook_pch_test PUBLIC hourbook_options Qt6::Widgets hourbook_qtest GTest::gmock)
   target_precompile_headers(hourbook_pch_test PRIVATE ${PROJECT_SOURCE_DIR}/cmake/pch_test.h)
 endif()
 
@@ -55,7 +61,7 @@ function(hourbook_tests name)
     math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 4")
   endif()
   add_executable(${name} ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE ${ARG_LIBS} tests_support Qt6::Widgets Qt6::Test GTest::gmock)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} tests_support Qt6::Widgets hourbook_qtest GTest::gmock)
   target_precompile_headers(${name} REUSE_FROM hourbook_pch_test)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT ${ARG_TIMEOUT}
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")

@@ -20,6 +20,8 @@ struct ReadResult {
   bool ok = false;
   QByteArray bytes;
   Fingerprint fingerprint;
+  bool missing =
+      false;      // there is no such file; `fingerprint` then says so and may be given to replaceFile()
   QString error;  // names the file and what the system said
 };
 
@@ -30,19 +32,45 @@ struct WriteResult {
   QString error;            // names the file and what the system said
 };
 
-/// Reads a whole file. Refuses what is not a regular file (FIFOs, folders), and more than `limit` bytes.
+/// What a file may be to others. `Usual`: a new file as the user's umask has it, an existing one keeps its
+/// mode. `OwnerOnly`: 0600, and an existing file loses what it granted to the group and to others.
+enum class FileMode { Usual, OwnerOnly };
+
+/// Reads a whole file. Refuses what is not a regular file (FIFOs, devices, folders) without waiting on it,
+/// and more than `limit` bytes. A file that is written to while it is read is read again, three times at
+/// most.
 ReadResult readFile(const QString& path, qint64 limit = 1024LL * 1024 * 1024);
 
-/// The one way in which this program writes a user's file: a new file beside it (".name.XXXXXX.tmp"), written, flushed
-/// and checked, fsynced; the target compared with `expected` once more; renamed over it; the folder fsynced. A
-/// symbolic link is followed to its target, mode and (where permitted) owner are kept. On any failure the old
-/// content stands untouched and no file is left beside it. `expected` empty: whatever is there is replaced;
-/// `expected->exists` false: nothing may be there. `ChangedMeanwhile`: not written, because the target is no longer
-/// what was read.
+/// The one way in which this program writes a user's file: a new file beside it (".name.XXXXXX.tmp", which
+/// never ends in .ics), written, fsynced and its size checked; the target compared with `expected` once more;
+/// renamed over it; the folder fsynced. A symbolic link is followed to its target, mode and (where permitted)
+/// owner and group are kept, access lists and extended attributes are not. On any failure the old content
+/// stands untouched and no file is left beside it. The one exception: when only the folder's fsync failed,
+/// the new content stands there, whole, but might not outlive a power cut; `fingerprint` is then set though
+/// the outcome is `Failed`.
+///
+/// `expected` empty: whatever is there is replaced; `expected->exists` false: nothing may be there.
+/// `ChangedMeanwhile`: not written, because the target is no longer what was read. Up to 1 MB the content
+/// decides (an edit in place may keep size and time, and a mere touch changes nothing); above, time, size and
+/// inode do, and the content only where they differ. A target that holds `bytes` already counts as unchanged,
+/// so that a save may be repeated after a failure.
+///
+/// A failed save may simply be called again: it writes everything anew into another file.
+///
+/// Refused with a text: a read-only file (its folder alone would let it be replaced), a folder, a FIFO, a
+/// device. A file with several hard links is replaced under this name only; the other names keep the old
+/// content. That is what snapshots made of hard links need, and writing through them could not be done in one
+/// step.
 WriteResult replaceFile(const QString& path, const QByteArray& bytes,
-                        const std::optional<Fingerprint>& expected = std::nullopt);
+                        const std::optional<Fingerprint>& expected = std::nullopt,
+                        FileMode mode = FileMode::Usual);
 
-/// Removes a file that is still what was read; the folder is fsynced.
+/// Removes a file that is still what was read; the folder is fsynced. Of a symbolic link the link goes and
+/// what it leads to stays. A read-only file is refused.
 WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& expected = std::nullopt);
+
+/// Removes what a crash in the middle of replaceFile() has left in a folder: files under such temporary
+/// names, this user's own, last written more than `olderThanSeconds` ago. How many there were.
+int sweepLitter(const QString& folder, qint64 olderThanSeconds = 3600);
 
 }  // namespace platform::files

@@ -1,0 +1,162 @@
+#include "platform/files/posix/place.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+
+#include <climits>
+#include <system_error>
+#include <unistd.h>
+
+namespace platform::files {
+
+namespace {
+
+constexpr int mostLinks = 40;
+
+const SystemCalls& calls() {
+  return SystemCalls::current();
+}
+
+QByteArray folderPart(const QByteArray& path) {
+  const qsizetype slash = path.lastIndexOf('/');
+  return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
+}
+
+QByteArray followed(const QString& path, QByteArray current) {
+  for (int step = 0; step < mostLinks; ++step) {
+    QByteArray link(PATH_MAX, '\0');
+    const ssize_t length = retried(
+        [&] { return calls().readlinkat(AT_FDCWD, current.constData(), link.data(), size_t(link.size())); });
+    if (length < 0 && (errno == EINVAL || errno == ENOENT)) return current;  // no link, or nothing there yet
+    if (length < 0) fail(path, errno);
+    link.truncate(length);
+    current = link.startsWith('/') ? link : folderPart(current) + '/' + link;
+  }
+  fail(path, ELOOP);
+}
+
+}  // namespace
+
+void fail(const QString& path, int code) {
+  throw Trouble{QStringLiteral("%1: %2").arg(
+                    path, QString::fromLocal8Bit(std::generic_category().message(code).c_str())),
+                code == ENOENT};
+}
+
+void failWith(const QString& path, const QString& words) {
+  throw Trouble{QStringLiteral("%1: %2").arg(path, words)};
+}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+  std::swap(number_, other.number_);
+  return *this;
+}
+
+Descriptor::~Descriptor() {
+  if (number_ >= 0) calls().close(number_);  // what must be known to be written was synced before
+}
+
+int Descriptor::release() {
+  return std::exchange(number_, -1);
+}
+
+Place placeOf(const QString& path, Links links) {
+  if (path.isEmpty()) fail(path, ENOENT);
+  if (path.contains(QChar(u'\0'))) fail(path, EINVAL);  // the system would cut the name there
+  QByteArray encoded = QFile::encodeName(path);
+  if (links == Links::Follow) encoded = followed(path, encoded);
+  Place place;
+  place.path = path;
+  place.name = encoded.mid(encoded.lastIndexOf('/') + 1);
+  if (place.name.isEmpty() || place.name == "." || place.name == "..") fail(path, EISDIR);
+  const QByteArray folder = folderPart(encoded);
+  place.folder = Descriptor(retried(
+      [&] { return calls().openat(AT_FDCWD, folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0); }));
+  if (place.folder < 0) fail(path, errno);
+  return place;
+}
+
+std::optional<struct stat> lookAt(const Place& place) {
+  struct stat found {};
+  const int result = retried(
+      [&] { return calls().fstatat(place.folder, place.name.constData(), &found, AT_SYMLINK_NOFOLLOW); });
+  if (result < 0 && errno == ENOENT) return std::nullopt;
+  if (result < 0) fail(place.path, errno);
+  if (S_ISDIR(found.st_mode)) fail(place.path, EISDIR);
+  if (!S_ISREG(found.st_mode)) failWith(place.path, QStringLiteral("not a regular file"));
+  return found;
+}
+
+void refuseReadOnly(const Place& place, const struct stat& found) {
+  if ((found.st_mode & 0222) == 0) fail(place.path, EACCES);
+  if (retried([&] { return calls().faccessat(place.folder, place.name.constData(), W_OK, AT_EACCESS); }) < 0)
+    fail(place.path, errno);
+}
+
+Fingerprint fingerprintOf(const struct stat& found) {
+  Fingerprint fingerprint;
+  fingerprint.exists = true;
+  fingerprint.mtimeNs = qint64(found.st_mtim.tv_sec) * 1'000'000'000 + found.st_mtim.tv_nsec;
+  fingerprint.size = found.st_size;
+  fingerprint.inode = found.st_ino;
+  return fingerprint;
+}
+
+bool sameStat(const Fingerprint& a, const Fingerprint& b) {
+  return a.exists == b.exists && a.mtimeNs == b.mtimeNs && a.size == b.size && a.inode == b.inode;
+}
+
+bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written) {
+  const std::optional<struct stat> found = lookAt(place);
+  if (!found) return !expected.exists;
+  const Fingerprint now = fingerprintOf(*found);
+  if (sameStat(now, expected) && (now.size > comparedBytes || expected.hash.isEmpty())) return true;
+  const bool maybeExpected = expected.exists && now.size == expected.size && !expected.hash.isEmpty();
+  const bool maybeWritten = written && now.size == written->size();
+  if (!maybeExpected && !maybeWritten) return false;
+
+  const Descriptor file = openForReading(place.folder, place.name, place.path);
+  const QByteArray hash = hashOf(readAll(file, place.path, now.size, now.size));
+  if (!(maybeExpected && hash == expected.hash) && !(maybeWritten && hash == hashOf(*written))) return false;
+  const std::optional<struct stat> after = lookAt(place);  // nobody wrote while it was read
+  return after && sameStat(fingerprintOf(*after), now);
+}
+
+Descriptor openForReading(int folder, const QByteArray& name, const QString& path) {
+  // Not blocking: opening a FIFO that nobody writes to would otherwise hang the program.
+  Descriptor file(retried([&] {
+    return calls().openat(folder, name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0);
+  }));
+  if (file < 0) fail(path, errno);
+  return file;
+}
+
+QByteArray readAll(int file, const QString& path, qint64 sizeHint, qint64 limit) {
+  constexpr qint64 step = 64 * 1024;
+  QByteArray bytes;
+  bytes.reserve(std::min(sizeHint, limit) + 1);
+  while (bytes.size() <= limit) {
+    const qint64 before = bytes.size();
+    const qint64 wanted = std::min(std::max(step, sizeHint - before), limit - before) + 1;
+    bytes.resize(before + wanted);
+    const ssize_t got =
+        retried([&] { return calls().read(file, bytes.data() + before, static_cast<size_t>(wanted)); });
+    if (got < 0) fail(path, errno);
+    bytes.truncate(before + got);
+    if (got == 0) break;
+  }
+  return bytes;
+}
+
+QByteArray hashOf(const QByteArray& bytes) {
+  return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
+}
+
+void syncFolder(const Place& place) {
+  if (retried([&] { return calls().fsync(place.folder); }) == 0) return;
+  // Some network and FAT file systems have no such thing as syncing a folder; they order renames themselves.
+  if (errno == EINVAL || errno == ENOTSUP) return;
+  fail(place.path, errno);
+}
+
+}  // namespace platform::files

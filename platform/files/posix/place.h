@@ -1,0 +1,78 @@
+#pragma once
+#include "platform/files/atomicfile.h"
+#include "platform/files/posix/systemcalls.h"
+
+#include <cerrno>
+#include <optional>
+
+// The inner words of reading and writing: an open file, the place a file has in its folder, and the one way
+// in which a failed call ends a save. Trouble and Changed never leave this folder; the public functions turn
+// them into results.
+namespace platform::files {
+
+struct Trouble {
+  QString error;  // names the file and what the system said
+  bool missing = false;
+};
+struct Changed {};
+
+[[noreturn]] void fail(const QString& path, int code);
+[[noreturn]] void failWith(const QString& path, const QString& words);
+
+/// Calls again as long as a signal interrupts the call. An interrupted fsync has reported no lost data, so
+/// calling it again is right; one that failed for any other reason is never called again.
+template <class Call>
+auto retried(Call&& call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+/// An open file or folder, closed with the object.
+class Descriptor {
+ public:
+  explicit Descriptor(int number = -1) : number_(number) {}
+  Descriptor(Descriptor&& other) noexcept : number_(other.release()) {}
+  Descriptor& operator=(Descriptor&& other) noexcept;
+  ~Descriptor();
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  operator int() const { return number_; }
+  int release();
+
+ private:
+  int number_;
+};
+
+/// A file's folder, held open, and its name in it. Links have been followed: the name is no link.
+struct Place {
+  Descriptor folder;
+  QByteArray name;
+  QString path;  // as the caller gave it, for texts
+};
+
+enum class Links { Follow, Keep };
+Place placeOf(const QString& path, Links links);
+
+/// What stands at the place; nothing when there is no such file. Refuses what is not a regular file.
+std::optional<struct stat> lookAt(const Place& place);
+/// Refuses a file that nobody may write, or not this user: replacing it would go round that.
+void refuseReadOnly(const Place& place, const struct stat& found);
+
+Fingerprint fingerprintOf(const struct stat& found);
+bool sameStat(const Fingerprint& a, const Fingerprint& b);
+/// Up to this size the content itself is compared, so that an edit in place that keeps size and time is
+/// noticed; above it, time, size and inode stand for the content.
+inline constexpr qint64 comparedBytes = 1024 * 1024;
+/// Whether the file is still what was read, or holds `written` already (a save repeated after a late
+/// failure).
+bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written);
+
+Descriptor openForReading(int folder, const QByteArray& name, const QString& path);
+/// At most `limit` bytes and one more, so that the caller sees that there are more.
+QByteArray readAll(int file, const QString& path, qint64 sizeHint, qint64 limit);
+QByteArray hashOf(const QByteArray& bytes);
+void syncFolder(const Place& place);
+
+}  // namespace platform::files

@@ -1,0 +1,57 @@
+#include "platform/files/posix/systemcalls.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace platform::files {
+
+namespace {
+
+const SystemCalls*& inForce() {
+  static const SystemCalls* calls = nullptr;
+  return calls;
+}
+
+}  // namespace
+
+SystemCalls SystemCalls::ofTheSystem() {
+  SystemCalls calls;
+  calls.openat = [](int folder, const char* name, int flags, mode_t mode) {
+    return ::openat(folder, name, flags, mode);
+  };
+  calls.close = ::close;
+  calls.read = ::read;
+  calls.write = ::write;
+  calls.fsync = ::fsync;
+  calls.fstat = [](int file, struct stat* out) { return ::fstat(file, out); };
+  calls.fstatat = [](int folder, const char* name, struct stat* out, int flags) {
+    return ::fstatat(folder, name, out, flags);
+  };
+  calls.readlinkat = ::readlinkat;
+  calls.faccessat = ::faccessat;
+  calls.fchmod = ::fchmod;
+  calls.fchown = ::fchown;
+  calls.renameat = [](int folder, const char* from, const char* to) {
+    return ::renameat(folder, from, folder, to);
+  };
+  calls.renameatNoReplace = [](int folder, const char* from, const char* to) {
+    return ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
+  };
+  calls.unlinkat = [](int folder, const char* name) { return ::unlinkat(folder, name, 0); };
+  return calls;
+}
+
+const SystemCalls& SystemCalls::current() {
+  static const SystemCalls system = ofTheSystem();
+  return inForce() ? *inForce() : system;
+}
+
+ScopedSystemCalls::ScopedSystemCalls(const SystemCalls& calls) : previous_(inForce()) {
+  inForce() = &calls;
+}
+
+ScopedSystemCalls::~ScopedSystemCalls() {
+  inForce() = previous_;
+}
+
+}  // namespace platform::files

@@ -1,0 +1,43 @@
+#pragma once
+#include <fcntl.h>
+#include <functional>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+namespace platform::files {
+
+/// The system calls that reading and writing files is made of: the system's own, until a test lets one of
+/// them fail or write less than it was given. Each sets errno as the call of its name does.
+struct SystemCalls {
+  std::function<int(int folder, const char* name, int flags, mode_t mode)> openat;
+  std::function<int(int file)> close;
+  std::function<ssize_t(int file, void* bytes, size_t size)> read;
+  std::function<ssize_t(int file, const void* bytes, size_t size)> write;
+  std::function<int(int file)> fsync;
+  std::function<int(int file, struct stat* out)> fstat;
+  std::function<int(int folder, const char* name, struct stat* out, int flags)> fstatat;
+  std::function<ssize_t(int folder, const char* name, char* out, size_t size)> readlinkat;
+  std::function<int(int folder, const char* name, int mode, int flags)> faccessat;
+  std::function<int(int file, mode_t mode)> fchmod;
+  std::function<int(int file, uid_t owner, gid_t group)> fchown;
+  std::function<int(int folder, const char* from, const char* to)> renameat;           // takes a taken name
+  std::function<int(int folder, const char* from, const char* to)> renameatNoReplace;  // EEXIST for one
+  std::function<int(int folder, const char* name)> unlinkat;
+
+  static SystemCalls ofTheSystem();
+  static const SystemCalls& current();
+};
+
+/// Puts other calls in force for the life of the object.
+class ScopedSystemCalls {
+ public:
+  explicit ScopedSystemCalls(const SystemCalls& calls);
+  ~ScopedSystemCalls();
+  ScopedSystemCalls(const ScopedSystemCalls&) = delete;
+  ScopedSystemCalls& operator=(const ScopedSystemCalls&) = delete;
+
+ private:
+  const SystemCalls* previous_;
+};
+
+}  // namespace platform::files
