@@ -1,0 +1,58 @@
+#include "platform/owc/view/sheetdelegate.h"
+
+#include "platform/forms/widgets/look.h"
+#include "platform/owc/view/sheetmodel.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QToolTip>
+
+namespace platform::owc {
+
+namespace {
+
+/// White and the grey of classic buttons are what a sheet of its time took for "no colour" and "a heading's
+/// colour". They follow the desktop, so that a dark one stays dark; every other colour is shown as it is.
+QBrush fittedInterior(const QBrush& interior, const QPalette& palette) {
+  const QColor classicButton(236, 233, 216);
+  if (interior.style() == Qt::NoBrush || interior.color() == QColor(Qt::white)) return {};
+  if (interior.color() == classicButton) return palette.brush(QPalette::Window);
+  return interior;
+}
+
+}  // namespace
+
+void SheetDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
+  QStyledItemDelegate::initStyleOption(option, index);
+  option->backgroundBrush = fittedInterior(option->backgroundBrush, option->palette);
+  if (option->backgroundBrush.style() != Qt::NoBrush)
+    option->palette.setColor(QPalette::Text, forms::readableOn(option->backgroundBrush.color()));
+  // A text decides its own direction; the alignment told by the sheet is left and right as one sees them.
+  option->displayAlignment |= Qt::AlignAbsolute;
+  if (option->text.isRightToLeft()) {
+    option->direction = Qt::RightToLeft;
+    if (option->displayAlignment & Qt::AlignLeft)
+      option->displayAlignment = (option->displayAlignment & ~Qt::AlignLeft) | Qt::AlignRight;
+  }
+}
+
+QString SheetDelegate::toolTip(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+  QStyleOptionViewItem shown = option;
+  initStyleOption(&shown, index);
+  QString whole = index.data(SheetModel::wholeTextRole).toString();
+  const int needed = sizeHint(option, index).width();
+  if (needed <= option.rect.width() && whole == shown.text) return {};
+  // As plain text, whatever it looks like, with its line breaks.
+  whole.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(whole.toHtmlEscaped());
+}
+
+bool SheetDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                              const QModelIndex& index) {
+  if (event->type() != QEvent::ToolTip) return QStyledItemDelegate::helpEvent(event, view, option, index);
+  QToolTip::showText(event->globalPos(), index.isValid() ? toolTip(option, index) : QString(),
+                     view->viewport(), option.rect);
+  return true;
+}
+
+}  // namespace platform::owc

@@ -1,0 +1,21 @@
+#pragma once
+#include <QStyledItemDelegate>
+
+namespace platform::owc {
+
+/// Paints cells: interior colours fitted to the desktop's palette, right-to-left texts from the right, and a
+/// tooltip with the whole text for what the column cuts off. An editor of its own will come from here.
+class SheetDelegate : public QStyledItemDelegate {
+  Q_OBJECT
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+  bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) override;
+  /// The tooltip of a cell of that width, as text for QToolTip; "" when the cell shows everything.
+  QString toolTip(const QStyleOptionViewItem& option, const QModelIndex& index) const;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+};
+
+}  // namespace platform::owc

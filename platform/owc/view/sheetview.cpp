@@ -1,0 +1,277 @@
+#include "platform/owc/view/sheetview.h"
+
+#include "platform/owc/view/sheetdelegate.h"
+#include "platform/owc/view/sheetmodel.h"
+#include "platform/process/process.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace platform::owc {
+
+namespace {
+
+constexpr int narrowest = 48, widest = 200;  // of a column that fits its contents
+constexpr int air = 12;                      // so that a right-aligned column keeps off its neighbour
+constexpr int narrowestFirst = 160;
+constexpr int sampledRows = 50;
+
+/// As spreadsheets write it: a text that would break the table stands in quotes.
+QString asTableCell(const QString& text) {
+  const bool plain =
+      !text.contains(u'\t') && !text.contains(u'\n') && !text.contains(u'\r') && !text.startsWith(u'"');
+  if (plain) return text;
+  return u'"' + QString(text).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+}  // namespace
+
+SheetView::SheetView(Spreadsheet& sheet, QWidget* parent)
+    : QTableView(parent), sheet_(&sheet), model_(new SheetModel(sheet, this)) {
+  setModel(model_);
+  setItemDelegate(new SheetDelegate(this));
+  setUpLook();
+  connect(model_, &SheetModel::reshaping, this, [this] { following_ = true; });
+  connect(model_, &SheetModel::reshaped, this, &SheetView::followReshape);
+  connect(&sheet, &Spreadsheet::layoutChanged, this, &SheetView::followLayout);
+  connect(&sheet, &Spreadsheet::selectionMoved, this, &SheetView::showSelection);
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &SheetView::tellSelection);
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this, &SheetView::noteUserWidth);
+  for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()})
+    connect(bar, &QScrollBar::valueChanged, this, &SheetView::cellsMoved);
+  followFont();
+  restoreWidths();
+  followLayout();
+  showSelection();
+}
+
+void SheetView::setUpLook() {
+  setEditTriggers(NoEditTriggers);
+  setSelectionMode(ContiguousSelection);
+  setSelectionBehavior(SelectItems);
+  setWordWrap(false);
+  setTextElideMode(Qt::ElideRight);
+  setTabKeyNavigation(false);  // the Tab key leaves the list, so that the keyboard reaches every control
+  setHorizontalScrollMode(ScrollPerPixel);
+  setCornerButtonEnabled(false);
+  horizontalHeader()->setHighlightSections(false);
+  horizontalHeader()->setTextElideMode(Qt::ElideRight);
+  horizontalHeader()->setMinimumSectionSize(24);
+  verticalHeader()->setHighlightSections(false);
+  verticalHeader()->setSectionResizeMode(
+      QHeaderView::Fixed);  // one height for all rows, which keeps painting cheap
+  verticalHeader()->setDefaultAlignment(Qt::AlignRight | Qt::AlignVCenter);
+}
+
+void SheetView::followFont() {
+  model_->setDesktopFont(font());
+  constexpr int padding = 8;
+  verticalHeader()->setMinimumSectionSize(fontMetrics().height());
+  verticalHeader()->setDefaultSectionSize(fontMetrics().height() + padding);
+}
+
+void SheetView::changeEvent(QEvent* event) {
+  QTableView::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) followFont();
+}
+
+void SheetView::followLayout() {
+  if (!sheet_) return;
+  if (accessibleName() != sheet_->TitleBarCaption()) setAccessibleName(sheet_->TitleBarCaption());
+  {
+    const QScopedValueRollback following(following_, true);
+    for (int section = 0; section < model_->columnCount(); ++section) {
+      const int column = model_->body().column + section;
+      if (isColumnHidden(section) != sheet_->columnHidden(column))
+        setColumnHidden(section, sheet_->columnHidden(column));
+      const double width = sheet_->columnWidth(column);
+      if (width <= 0 || sheetWidths_.value(column) == width) continue;
+      sheetWidths_[column] = width;
+      userWidths_.remove(column);
+      setColumnWidth(section, widthInPixels(width));
+    }
+  }
+  stretchFirst();
+  Q_EMIT cellsMoved();
+}
+
+void SheetView::followReshape() {
+  following_ = false;
+  const CellRect& body = model_->body();
+  if (body.column != shownColumn_ || body.columns != shownColumns_) {
+    restoreWidths();
+    fitted_ = false;
+  }
+  followLayout();
+  showSelection();
+  if (isVisible() && !fitted_) fitColumns();
+}
+
+// Selection
+
+void SheetView::showSelection() {
+  if (!sheet_ || following_) return;
+  const CellRect wanted = sheet_->selectionRect();
+  const CellRect& body = model_->body();
+  const int bottom = std::min(wanted.lastRow(), body.lastRow());
+  const int right = std::min(wanted.lastColumn(), body.lastColumn());
+  const QModelIndex first =
+      model_->indexOf(std::max(wanted.row, body.row), std::max(wanted.column, body.column));
+  const QModelIndex last = model_->indexOf(bottom, right);
+  const QScopedValueRollback following(following_, true);
+  if (!first.isValid() || !last.isValid() || wanted.lastRow() < body.row ||
+      wanted.lastColumn() < body.column) {
+    selectionModel()->clear();
+    return;
+  }
+  const QItemSelection selection(first, last);
+  if (selectionModel()->selection() == selection) return;
+  selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+  selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+  scrollTo(first);
+}
+
+std::optional<CellRect> SheetView::selectedRect() const {
+  const QItemSelection selection = selectionModel()->selection();
+  if (selection.isEmpty()) return {};
+  int top = maxRows, left = maxColumns, bottom = 0, right = 0;
+  for (const QItemSelectionRange& range : selection) {
+    top = std::min(top, range.top());
+    left = std::min(left, range.left());
+    bottom = std::max(bottom, range.bottom());
+    right = std::max(right, range.right());
+  }
+  const CellRect& body = model_->body();
+  return CellRect{body.row + top, body.column + left, bottom - top + 1, right - left + 1};
+}
+
+void SheetView::tellSelection() {
+  if (following_ || !sheet_) return;
+  if (const std::optional<CellRect> rect = selectedRect())
+    process::guardEvent([&] { owc::Range(*sheet_, *rect).Select(); });
+}
+
+QString SheetView::selectedText() const {
+  const std::optional<CellRect> rect = selectedRect();
+  if (!rect || !sheet_) return {};
+  QStringList lines;
+  for (int row = rect->row; row <= rect->lastRow(); ++row) {
+    QStringList cells;
+    for (int column = rect->column; column <= rect->lastColumn(); ++column)
+      if (!sheet_->columnHidden(column)) cells.append(asTableCell(sheet_->text(row, column)));
+    lines.append(cells.join(u'\t'));
+  }
+  return lines.join(u'\n');
+}
+
+void SheetView::keyPressEvent(QKeyEvent* event) {
+  if (!event->matches(QKeySequence::Copy)) {
+    QTableView::keyPressEvent(event);
+    return;
+  }
+  if (selectedRect()) QApplication::clipboard()->setText(selectedText());
+  event->accept();
+}
+
+// Places
+
+QRect SheetView::cellGeometry(int row, int column) const {
+  const QModelIndex index = model_->indexOf(row, column);
+  if (!index.isValid() || isColumnHidden(index.column())) return {};
+  const QRect seen = visualRect(index) & viewport()->rect();
+  return seen.isEmpty() ? QRect() : seen.translated(viewport()->pos());
+}
+
+std::optional<CellRect> SheetView::cellAt(const QPoint& place) const {
+  const QModelIndex index = indexAt(place - viewport()->pos());
+  if (!index.isValid()) return {};
+  return CellRect{model_->body().row + index.row(), model_->body().column + index.column(), 1, 1};
+}
+
+// Widths
+
+void SheetView::showEvent(QShowEvent* event) {
+  QTableView::showEvent(event);
+  if (!fitted_) fitColumns();
+}
+
+void SheetView::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  stretchFirst();
+}
+
+void SheetView::updateGeometries() {
+  QTableView::updateGeometries();
+  Q_EMIT cellsMoved();
+}
+
+void SheetView::noteUserWidth(int section, int, int width) {
+  if (!following_ && width > 0) userWidths_[model_->body().column + section] = width;
+}
+
+/// The table's sections are new; they begin with the widths that their columns have.
+void SheetView::restoreWidths() {
+  const QScopedValueRollback following(following_, true);
+  shownColumn_ = model_->body().column;
+  shownColumns_ = model_->body().columns;
+  for (int section = 0; section < shownColumns_; ++section) {
+    const int column = shownColumn_ + section;
+    const double ofSheet = sheet_ ? sheet_->columnWidth(column) : 0;
+    if (userWidths_.contains(column))
+      setColumnWidth(section, userWidths_[column]);
+    else if (ofSheet > 0)
+      setColumnWidth(section, widthInPixels(ofSheet));
+  }
+}
+
+void SheetView::fitColumns() {
+  // A list without rows, or with nothing but a message in its first, tells nothing of the widths to come.
+  fitted_ = model_->rowCount() > 1;
+  {
+    const QScopedValueRollback following(following_, true);
+    for (int section = 0; section < model_->columnCount(); ++section) {
+      const int column = model_->body().column + section;
+      const bool sized = userWidths_.contains(column) || (sheet_ && sheet_->columnWidth(column) > 0);
+      if (!sized && !isColumnHidden(section)) setColumnWidth(section, fittingWidth(section));
+    }
+  }
+  stretchFirst();
+}
+
+int SheetView::fittingWidth(int section) const {
+  int width = horizontalHeader()->sectionSizeHint(section);
+  const int rows = std::min(model_->rowCount(), sampledRows);
+  for (int row = 0; row < rows && width < widest; ++row)
+    width = std::max(width, sizeHintForIndex(model_->index(row, section)).width());
+  return std::clamp(width + air, narrowest, widest);
+}
+
+/// The older generation counts pixels; the newer ones count characters, 0.1384 of them to a pixel.
+int SheetView::widthInPixels(double width) const {
+  const bool pixels = sheet_->generation() == Generation::Office2000;
+  return qRound(pixels ? width : width / 0.1384);
+}
+
+int SheetView::firstVisibleSection() const {
+  for (int section = 0; section < model_->columnCount(); ++section)
+    if (!isColumnHidden(section)) return section;
+  return -1;
+}
+
+void SheetView::stretchFirst() {
+  const int first = firstVisibleSection();
+  if (first < 0 || !sheet_) return;
+  const int column = model_->body().column + first;
+  if (userWidths_.contains(column) || sheet_->columnWidth(column) > 0) return;
+  const int others = horizontalHeader()->length() - columnWidth(first);
+  const QScopedValueRollback following(following_, true);
+  setColumnWidth(first, std::max(narrowestFirst, viewport()->width() - others));
+}
+
+}  // namespace platform::owc
