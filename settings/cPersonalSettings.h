@@ -52,8 +52,11 @@ class cPersonalSettings {
   QString fncReadReportPath() const;
 
  private:
+  static constexpr qsizetype settingLines = 6;  // of a settings text, before the lists
   void subReadExistingSettingAppointment2050();
-  void subTakeLines(const QStringList& lines, qsizetype first);
+  void subTakeLines(const QStringList& lines);
+  void subReadLists(const QStringList& lines, qsizetype first);
+  QString fncHourbooksFolder() const;
   bool fncIsPlausible(const QString& strStoredFolder) const;
 };
 

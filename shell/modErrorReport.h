@@ -22,6 +22,9 @@ void subWriteLogLine(const QString& text);
 /// Likewise; the line is that of the newest log step.
 [[noreturn]] void subHandleError(const platform::Failure& failure, const QString& procedure);
 
+/// Ends the process at once: no form is unloaded, nothing is saved.
+[[noreturn]] void subEndProcess();
+
 /// Saves and shows a mail with `gErrorBody` to the support mailbox. Ends the process.
 [[noreturn]] void subSendErrorMail();
 
