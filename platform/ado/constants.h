@@ -34,4 +34,8 @@ inline constexpr qint32 adErrProviderNotFound = 3706;
 inline constexpr qint32 adErrInvalidConnection = 3709;
 inline constexpr qint32 adErrFeatureNotAvailable = 3251;
 inline constexpr qint32 adErrDataConversion = 3421;
+inline constexpr qint32 adErrIllegalOperation = 3219;
+inline constexpr qint32 adErrMultipleStep = -2147217887;   // a text longer than its column
+inline constexpr qint32 adErrRowNotLocated = -2147217864;  // the row has been changed or deleted by another
+inline constexpr qint32 adErrNoKeyColumn = -2147467259;
 }  // namespace platform::ado

@@ -11,11 +11,12 @@ class Field {
  public:
   Field(Recordset& recordset, int position) : recordset_(recordset), position_(position) {}
   QString Name() const;
-  int Type() const;         // DataType
+  int Type() const;  // DataType
   int DefinedSize() const;
-  basic::Value Value() const;            // Failure 3021 without a current row
-  /// Converted to the column's type at once, by the rules of the language but with "." as the decimal sign of a
-  /// number in a text, whatever the locale; Failure 3421 when it cannot be. Reaches the database with Update.
+  basic::Value Value() const;  // Failure 3021 without a current row
+  /// Converted to the column's type at once, by the rules of the language but with "." as the decimal sign of
+  /// a number in a text, whatever the locale; Failure 3421 when it cannot be. Reaches the database with
+  /// Update.
   void setValue(const basic::Value& value);
 
  private:
@@ -36,9 +37,13 @@ class Fields {
   Recordset& recordset_;
 };
 
-/// `ADODB.Recordset` with a client cursor: rows are read once at Open. Over a connection, Update writes the pending
-/// row of a table by its key and reads an auto-increment key back; without one (fields appended by hand) it is a
-/// plain table in memory. `Cancel` drops a pending new row or change.
+/// `ADODB.Recordset` with a client cursor: rows are read once at Open. Over a connection, Update writes the
+/// pending row of a table by its key and reads an auto-increment key back; without one (fields appended by
+/// hand) it is a plain table in memory. `Cancel` drops a pending new row or change, `Close` too; moving to
+/// another row or beginning a new one writes it first. A failing Update keeps it pending. A recordset over a
+/// connection that is not opened writable refuses changes with Failure 3251.
+///
+/// A column of the type adDBDate holds a day: the time of day of what it is given is dropped.
 class Recordset {
  public:
   Recordset();
@@ -61,12 +66,13 @@ class Recordset {
   int RecordCount() const;
   void MoveFirst();  // Failure 3021 when there are no rows
   void MoveNext();   // Failure 3021 at the end
-  /// Moves to the first row at or behind the current one that matches "name = 'text'" (or = number); to the end when
-  /// there is none. A quote inside the text makes the criterion unreadable: Failure 3001. From the end or an empty
-  /// recordset: Failure 3021 when empty.
+  /// Moves to the first row at or behind the current one that matches "name = 'text'" (or = number); to the
+  /// end when there is none. Texts compare without regard to case, blanks at the end included. A quote inside
+  /// the text makes the criterion unreadable: Failure 3001. At the end or in an empty recordset: Failure
+  /// 3021.
   void Find(const QString& criteria);
   void AddNew();
-  void AddNew(const QString& field, const basic::Value& value);
+  void AddNew(const QString& field, const basic::Value& value);  // and writes it at once
   void Update();
   void Delete();
   void Cancel();

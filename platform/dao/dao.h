@@ -38,8 +38,8 @@ struct Index {
   QStringList Fields;
 };
 
-/// A table, new (until it is appended to the database) or existing. A field or caption given to an existing table
-/// reaches the file at once.
+/// A table, new (until it is appended to the database) or existing. A field or caption given to an existing
+/// table reaches the file at once.
 class TableDef {
  public:
   QString Name() const { return name_; }
@@ -77,6 +77,7 @@ class Database {
 
  private:
   friend class TableDef;
+  sql::Session& session() const;  // Failure 3420 after Close
   std::unique_ptr<sql::Session> session_;
   std::shared_ptr<sql::FileEngine> engine_;
 };
@@ -85,11 +86,13 @@ class Database {
 class DBEngine {
  public:
   DBEngine(std::shared_ptr<sql::Driver> driver, std::shared_ptr<sql::FileEngine> engine);
-  /// `locale` and `options` are taken as they stand; the embedded engine sorts by its own rules. Failure 3204 when
-  /// the file exists.
+  /// `locale` and `options` are taken as they stand; the embedded engine sorts by its own rules. Failure 3204
+  /// when the file exists.
   std::shared_ptr<Database> CreateDatabase(const QString& path, const QString& locale, int options);
   std::shared_ptr<Database> OpenDatabase(const QString& path);
-  void CompactDatabase(const QString& source, const QString& target);
+  /// The source stays locked against others as long as the returned object lives; who ignores it lets go at
+  /// once.
+  std::shared_ptr<void> CompactDatabase(const QString& source, const QString& target);
 
  private:
   std::shared_ptr<sql::Driver> driver_;

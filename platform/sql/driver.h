@@ -9,8 +9,8 @@
 #include <memory>
 
 // What a database driver must do. SQL is of the kind that the product sends: Access's and, on a server, the
-// server's; a driver turns it into its engine's own. Parameters stand as "?". All failures are platform::Failure
-// with the engine's number and text, and name the database.
+// server's; a driver turns it into its engine's own. Parameters stand as "?". All failures are
+// platform::Failure with the engine's number and text, and name the database.
 namespace platform::sql {
 
 enum class Type { Boolean, Integer, Long, Single, Double, Currency, Date, Text, Memo };
@@ -18,7 +18,7 @@ enum class Type { Boolean, Integer, Long, Single, Double, Currency, Date, Text, 
 struct Column {
   QString name;
   Type type = Type::Text;
-  int size = 0;            // characters, for Text
+  int size = 0;  // characters, for Text
   bool autoIncrement = false;
   bool primaryKey = false;
   bool allowZeroLength = true;
@@ -36,20 +36,24 @@ struct Result {
   qint64 lastId = 0;  // of an insert into a table with an auto-increment key
 };
 
-/// A connection string taken apart: keys without regard to case, values as they stand.
+/// A connection string taken apart: keys without regard to case, values as they stand (quotes taken off). Of
+/// a key that comes twice the last value counts, of "Provider" the first. Failure -2147217805 for a text of
+/// another form.
 class ConnectionString {
  public:
   ConnectionString() = default;
   explicit ConnectionString(const QString& text);
   QString value(const QString& key) const { return values_.value(key.toLower()); }
   bool has(const QString& key) const { return values_.contains(key.toLower()); }
+  void set(const QString& key, const QString& value) { values_.insert(key.toLower(), value); }
   QString provider() const { return value(QStringLiteral("Provider")); }
 
  private:
   QMap<QString, QString> values_;
 };
 
-/// An open connection. Closed when destroyed. Each statement stands by itself (is committed when `execute` returns).
+/// An open connection. Closed when destroyed. Each statement stands by itself (is committed when `execute`
+/// returns).
 class Session {
  public:
   virtual ~Session() = default;
@@ -75,8 +79,10 @@ class FileEngine {
   virtual QList<Relation> relations(Session& session) = 0;
   virtual void setCaption(Session& session, const QString& table, const QString& column,
                           const QString& caption) = 0;
-  /// Writes a compacted copy; fails when others hold the source open for writing or the target exists.
-  virtual void compact(const QString& source, const QString& target) = 0;
+  /// Writes a compacted copy; fails when others are using the source or the target exists, and leaves no
+  /// target behind then. What is returned keeps the source locked against all others until it is let go, so
+  /// that nobody writes into a file that is about to be replaced.
+  virtual std::shared_ptr<void> compact(const QString& source, const QString& target) = 0;
 };
 
 /// Drivers by provider name ("Microsoft.Jet.OLEDB.4.0", without regard to case).

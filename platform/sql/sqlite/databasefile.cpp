@@ -1,0 +1,104 @@
+#include "platform/sql/sqlite/databasefile.h"
+
+#include "platform/basic/failure.h"
+#include "platform/sql/errors.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace platform::sql::sqlite {
+
+namespace {
+
+// Both kinds of Access file begin with these bytes, and a name from the fifth on.
+const QByteArray accessMagic("\0\1\0\0", 4);
+const QByteArray jetName("Standard Jet DB");
+const QByteArray aceName("Standard ACE DB");
+const QByteArray sqliteMagic("SQLite format 3\0", 16);
+constexpr qint64 magicLength = 32;
+
+#ifdef Q_OS_UNIX
+bool syncDescriptor(const QString& path, int flags) {
+  const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool ok = ::fsync(descriptor) == 0;
+  ::close(descriptor);
+  return ok;
+}
+#endif
+
+}  // namespace
+
+QString systemForm(const QString& path) {
+  QString form = path;
+  return form.replace(u'\\', u'/');
+}
+
+FileKind recognise(const QString& path) {
+  const QFileInfo info(path);
+  if (!info.exists()) return QFileInfo(info.path()).isDir() ? FileKind::Missing : FileKind::FolderMissing;
+  if (!info.isFile()) return FileKind::NotAFile;
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return FileKind::Unreadable;
+  const QByteArray start = file.read(magicLength);
+  if (start.isEmpty()) return FileKind::Empty;
+  if (start.startsWith(sqliteMagic)) return FileKind::Sqlite;
+  const QByteArray name = start.mid(accessMagic.size());
+  if (start.startsWith(accessMagic) && (name.startsWith(jetName) || name.startsWith(aceName)))
+    return FileKind::Access;
+  return FileKind::Other;
+}
+
+void requireDatabase(const QString& path) {
+  switch (recognise(path)) {
+    case FileKind::Sqlite:
+      return;
+    case FileKind::Missing:
+      throw Failure(errors::fileNotFound, QStringLiteral("Could not find file '%1'.").arg(path));
+    case FileKind::FolderMissing:
+      throw Failure(
+          errors::invalidPath,
+          QStringLiteral("'%1' is not a valid path: its folder cannot be reached. Make sure that the path "
+                         "name is spelled correctly and that you are connected to the server on which the "
+                         "file resides.")
+              .arg(path));
+    case FileKind::NotAFile:
+      throw Failure(errors::unrecognizedFormat,
+                    QStringLiteral("Unrecognized database format '%1': it is not a regular file.").arg(path));
+    case FileKind::Unreadable:
+      throw Failure(
+          errors::noPermission,
+          QStringLiteral("Cannot open the file '%1': you need permission to view its data.").arg(path));
+    case FileKind::Empty:
+      throw Failure(errors::unrecognizedFormat,
+                    QStringLiteral("Unrecognized database format '%1': the file is empty.").arg(path));
+    case FileKind::Access:
+      throw Failure(
+          errors::unrecognizedFormat,
+          QStringLiteral("'%1' is a Microsoft Access database. This program keeps its data in a file of its "
+                         "own format: the database has to be converted before it can be used here. "
+                         "Nothing in the file was changed.")
+              .arg(path));
+    case FileKind::Other:
+      throw Failure(errors::unrecognizedFormat,
+                    QStringLiteral("Unrecognized database format '%1': the file is no database.").arg(path));
+  }
+}
+
+void syncToDisk(const QString& path) {
+#ifdef Q_OS_UNIX
+  if (syncDescriptor(path, O_RDONLY) && syncDescriptor(QFileInfo(path).path(), O_RDONLY | O_DIRECTORY))
+    return;
+  throw Failure(errors::diskError,
+                QStringLiteral("Disk or network error: '%1' could not be secured on the disk.").arg(path));
+#else
+  Q_UNUSED(path)
+#endif
+}
+
+}  // namespace platform::sql::sqlite

@@ -1,0 +1,330 @@
+#include "platform/sql/sqlite/engine.h"
+
+#include "platform/basic/failure.h"
+#include "platform/sql/errors.h"
+#include "platform/sql/sqlite/databasefile.h"
+#include "platform/sql/sqlite/dialect.h"
+#include "platform/sql/sqlite/values.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace platform::sql::sqlite {
+
+namespace {
+
+const QString rebuildName = QStringLiteral("MSysRebuild");
+
+/// Statements that are carried out together. Rolled back when it ends without `commit`; a destructor must not
+/// throw, and the failure that led here is the one to tell.
+class Transaction {
+ public:
+  explicit Transaction(Session& session) : session_(session) {
+    session_.execute(QStringLiteral("BEGIN IMMEDIATE"));
+  }
+  ~Transaction() {
+    if (committed_) return;
+    try {
+      session_.execute(QStringLiteral("ROLLBACK"));
+    } catch (const Failure&) {
+      // the engine has rolled back by itself already
+    }
+  }
+  void commit() {
+    session_.execute(QStringLiteral("COMMIT"));
+    committed_ = true;
+  }
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+ private:
+  Session& session_;
+  bool committed_ = false;
+};
+
+/// Foreign keys are off while a table is exchanged under its children; has to stand outside of the
+/// transaction.
+class ForeignKeysOff {
+ public:
+  explicit ForeignKeysOff(Session& session) : session_(session) {
+    session_.execute(QStringLiteral("PRAGMA foreign_keys=OFF"));
+  }
+  ~ForeignKeysOff() {
+    try {
+      session_.execute(QStringLiteral("PRAGMA foreign_keys=ON"));
+    } catch (const Failure&) {
+      // a session that fails here fails at its next statement too
+    }
+  }
+  ForeignKeysOff(const ForeignKeysOff&) = delete;
+  ForeignKeysOff& operator=(const ForeignKeysOff&) = delete;
+
+ private:
+  Session& session_;
+};
+
+QString definition(const Column& column) {
+  const QString name = bracketed(column.name);
+  if (column.autoIncrement) return name + u" INTEGER CONSTRAINT [PrimaryKey] PRIMARY KEY AUTOINCREMENT"_qs;
+  QString text = name + u' ' + declaredType(column);
+  // a Yes/No column knows no Null: what is not given is No
+  if (column.type == Type::Boolean) text += u" NOT NULL ON CONFLICT REPLACE DEFAULT 0"_qs;
+  if (column.type != Type::Text && column.type != Type::Memo) return text;
+  text += u" COLLATE NOCASE"_qs;
+  if (column.type == Type::Text)
+    text += QStringLiteral(" CONSTRAINT [%1 size] CHECK (length(%2) <= %3)")
+                .arg(column.name, name)
+                .arg(column.size > 0 ? column.size : 255);
+  if (!column.allowZeroLength)
+    text += QStringLiteral(" CONSTRAINT [%1 zero-length] CHECK (%2 <> '')").arg(column.name, name);
+  return text;
+}
+
+bool hasTable(Session& session, const QString& table) {
+  return !session.columns(table).isEmpty();
+}
+
+void requireTable(Session& session, const QString& table) {
+  if (!hasTable(session, table))
+    throw Failure(
+        errors::tableNotFound,
+        QStringLiteral("The database engine cannot find the input table or query '%1'.").arg(table));
+}
+
+const Column* findColumn(const QList<Column>& columns, const QString& name) {
+  for (const Column& column : columns)
+    if (column.name.compare(name, Qt::CaseInsensitive) == 0) return &column;
+  return nullptr;
+}
+
+Column requireColumn(Session& session, const QString& table, const QString& name) {
+  const QList<Column> columns = session.columns(table);
+  if (const Column* found = findColumn(columns, name)) return *found;
+  throw Failure(errors::itemNotFound,
+                QStringLiteral("Item not found in this collection: the field '%1' of the table '%2'.")
+                    .arg(name, table));
+}
+
+void keepProperties(Session& session, const QString& table, const Column& column) {
+  session.execute(
+      QStringLiteral("CREATE TABLE IF NOT EXISTS [MSysColumns] ([TableName] TEXT NOT NULL COLLATE NOCASE, "
+                     "[ColumnName] TEXT NOT NULL COLLATE NOCASE, [Caption] TEXT, [ZeroLength] INTEGER, "
+                     "PRIMARY KEY ([TableName], [ColumnName]))"));
+  session.execute(
+      QStringLiteral("INSERT OR REPLACE INTO [MSysColumns] ([TableName], [ColumnName], [Caption], "
+                     "[ZeroLength]) VALUES (?, ?, ?, ?)"),
+      {table, column.name, column.caption, column.allowZeroLength});
+}
+
+QString firstText(const Result& result) {
+  if (result.rows.isEmpty()) return {};
+  const QString* text = std::get_if<QString>(&result.rows.first().first());
+  return text ? *text : QString();
+}
+
+qint64 firstNumber(const Result& result) {
+  if (result.rows.isEmpty()) return 0;
+  const basic::Value& value = result.rows.first().first();
+  if (const auto* small = std::get_if<qint32>(&value)) return *small;
+  if (const auto* large = std::get_if<qint64>(&value)) return *large;
+  return 0;
+}
+
+/// Where the counter of a table stands; numbers that were given out once are not given out again.
+qint64 counter(Session& session, const QString& table) {
+  if (firstNumber(session.execute(
+          QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = 'sqlite_sequence'"))) == 0)
+    return 0;
+  return firstNumber(
+      session.execute(QStringLiteral("SELECT seq FROM sqlite_sequence WHERE name = ?"), {table}));
+}
+
+void setCounter(Session& session, const QString& table, qint64 value) {
+  session.execute(QStringLiteral("DELETE FROM sqlite_sequence WHERE name = ?"), {table});
+  session.execute(QStringLiteral("INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)"), {table, value});
+}
+
+/// Exchanges a table for one that has a further constraint, by the procedure that the engine's makers give
+/// for it: new table, copy, drop, rename. Indexes and triggers are made again.
+void rebuildWith(Session& session, const QString& table, const QString& constraint) {
+  const QString name = bracketed(table);
+  const QString sql = firstText(session.execute(
+      QStringLiteral("SELECT sql FROM sqlite_master WHERE type = 'table' AND name = ? COLLATE NOCASE"),
+      {table}));
+  const Result others = session.execute(
+      QStringLiteral(
+          "SELECT sql FROM sqlite_master WHERE type IN ('index', 'trigger') AND tbl_name = ? COLLATE NOCASE "
+          "AND sql IS NOT NULL"),
+      {table});
+  const qint64 count = counter(session, table);
+  const qsizetype open = sql.indexOf(u'(');
+  const qsizetype close = sql.lastIndexOf(u')');
+  session.execute(u"CREATE TABLE ["_qs + rebuildName + u"] "_qs + sql.mid(open, close - open) + u", "_qs +
+                  constraint + sql.mid(close));
+  session.execute(u"INSERT INTO ["_qs + rebuildName + u"] SELECT * FROM "_qs + name);
+  session.execute(u"DROP TABLE "_qs + name);
+  session.execute(u"ALTER TABLE ["_qs + rebuildName + u"] RENAME TO "_qs + name);
+  if (count > 0) setCounter(session, table, count);
+  for (const QList<basic::Value>& row : others.rows) session.execute(std::get<QString>(row.first()));
+}
+
+}  // namespace
+
+void SqliteEngine::createDatabase(const QString& path) {
+  const QString file = systemForm(path);
+  switch (recognise(file)) {
+    case FileKind::Missing:
+      break;
+    case FileKind::FolderMissing:
+      requireDatabase(file);  // says so
+      break;
+    default:
+      throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(path));
+  }
+  OpenOptions options;
+  options.busyTimeout = busyTimeout_;
+  options.create = true;
+  try {
+    SqliteSession session(fileUri(file, QStringLiteral("rwc")), file, options);
+    // the file is empty until something is written into it
+    session.execute(QStringLiteral("PRAGMA encoding='UTF-8'"));
+    Transaction transaction(session);
+    session.execute(
+        QStringLiteral("CREATE TABLE [MSysRelationships] ([Name] TEXT NOT NULL PRIMARY KEY COLLATE NOCASE, "
+                       "[TableName] TEXT NOT NULL, [ForeignTable] TEXT NOT NULL, [FieldName] TEXT NOT "
+                       "NULL)"));
+    transaction.commit();
+  } catch (const Failure&) {
+    QFile::remove(file);  // it did not exist before
+    throw;
+  }
+}
+
+void SqliteEngine::createTable(Session& session, const QString& table, const QList<Column>& columns) {
+  const QString name = bracketed(table);
+  if (columns.isEmpty())
+    throw Failure(errors::noFieldDefined,
+                  QStringLiteral("No field defined--cannot append TableDef or Index."));
+  if (hasTable(session, table))
+    throw Failure(errors::tableExists, QStringLiteral("Table '%1' already exists.").arg(table));
+  QStringList parts, keys;
+  bool counted = false;
+  for (const Column& column : columns) {
+    parts.append(definition(column));
+    counted = counted || column.autoIncrement;
+    if (column.primaryKey) keys.append(bracketed(column.name));
+  }
+  if (!counted && !keys.isEmpty())
+    parts.append(u"CONSTRAINT [PrimaryKey] PRIMARY KEY ("_qs + keys.join(u", "_qs) + u')');
+  Transaction transaction(session);
+  session.execute(u"CREATE TABLE "_qs + name + u" ("_qs + parts.join(u", "_qs) + u')');
+  for (const Column& column : columns) keepProperties(session, table, column);
+  transaction.commit();
+}
+
+void SqliteEngine::addColumn(Session& session, const QString& table, const Column& column) {
+  const QString name = bracketed(table);
+  requireTable(session, table);
+  const QList<Column> present = session.columns(table);
+  if (findColumn(present, column.name))
+    throw Failure(errors::duplicateField,
+                  QStringLiteral("Cannot define field '%1' more than once.").arg(column.name));
+  if (column.autoIncrement || column.primaryKey)
+    throw Failure(errors::primaryKeyExists,
+                  QStringLiteral("A key column can only be given to a new table: '%1'.").arg(column.name));
+  Transaction transaction(session);
+  session.execute(u"ALTER TABLE "_qs + name + u" ADD COLUMN "_qs + definition(column));
+  keepProperties(session, table, column);
+  transaction.commit();
+}
+
+void SqliteEngine::addRelation(Session& session, const Relation& relation) {
+  requireTable(session, relation.table);
+  requireTable(session, relation.foreignTable);
+  const Column key = requireColumn(session, relation.table, relation.field);
+  requireColumn(session, relation.foreignTable, relation.field);
+  if (!key.primaryKey)
+    throw Failure(
+        errors::noUniqueIndex,
+        QStringLiteral("No unique index found for the referenced field '%1' of the primary table '%2'.")
+            .arg(relation.field, relation.table));
+  for (const Relation& other : relations(session))
+    if (other.name.compare(relation.name, Qt::CaseInsensitive) == 0)
+      throw Failure(errors::objectExists, QStringLiteral("Object '%1' already exists.").arg(relation.name));
+  const QString constraint =
+      QStringLiteral("CONSTRAINT %1 FOREIGN KEY (%2) REFERENCES %3 (%2)")
+          .arg(bracketed(relation.name), bracketed(relation.field), bracketed(relation.table));
+  const ForeignKeysOff off(session);
+  Transaction transaction(session);
+  rebuildWith(session, relation.foreignTable, constraint);
+  if (!session.execute(u"PRAGMA foreign_key_check("_qs + bracketed(relation.foreignTable) + u')')
+           .rows.isEmpty())
+    throw Failure(
+        errors::relatedRecordRequired,
+        QStringLiteral("The relation '%1' cannot be made: rows of '%2' have no related record in '%3'.")
+            .arg(relation.name, relation.foreignTable, relation.table));
+  session.execute(
+      QStringLiteral("CREATE TABLE IF NOT EXISTS [MSysRelationships] ([Name] TEXT NOT NULL PRIMARY KEY "
+                     "COLLATE NOCASE, [TableName] TEXT NOT NULL, [ForeignTable] TEXT NOT NULL, "
+                     "[FieldName] TEXT NOT NULL)"));
+  session.execute(
+      QStringLiteral(
+          "INSERT INTO [MSysRelationships] ([Name], [TableName], [ForeignTable], [FieldName]) VALUES (?, ?, "
+          "?, ?)"),
+      {relation.name, relation.table, relation.foreignTable, relation.field});
+  transaction.commit();
+}
+
+QList<Relation> SqliteEngine::relations(Session& session) {
+  if (!hasTable(session, QLatin1String(relationCatalogue))) return {};
+  QList<Relation> list;
+  const Result result = session.execute(QStringLiteral(
+      "SELECT [Name], [TableName], [ForeignTable], [FieldName] FROM [MSysRelationships] ORDER BY rowid"));
+  for (const QList<basic::Value>& row : result.rows)
+    list.append({std::get<QString>(row[0]), std::get<QString>(row[1]), std::get<QString>(row[2]),
+                 std::get<QString>(row[3])});
+  return list;
+}
+
+void SqliteEngine::setCaption(Session& session, const QString& table, const QString& column,
+                              const QString& caption) {
+  Column present = requireColumn(session, table, column);
+  present.caption = caption;
+  Transaction transaction(session);
+  keepProperties(session, table, present);
+  transaction.commit();
+}
+
+std::shared_ptr<void> SqliteEngine::compact(const QString& source, const QString& target) {
+  const QString from = systemForm(source);
+  const QString to = systemForm(target);
+  requireDatabase(from);
+  if (recognise(to) == FileKind::FolderMissing) requireDatabase(to);
+  if (recognise(to) != FileKind::Missing)
+    throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(target));
+  OpenOptions options;
+  options.busyTimeout = busyTimeout_;
+  auto session = std::make_shared<SqliteSession>(fileUri(from, QStringLiteral("rw")), from, options);
+  // An exclusive lock, held until the session is closed: a row that another program stored after the copy was
+  // made would be lost when the copy takes the file's place. (A program that has the file open but is not
+  // using it cannot be noticed; it is refused at its next write, because its file has moved.)
+  session->execute(QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
+  session->execute(QStringLiteral("BEGIN EXCLUSIVE"));
+  session->execute(QStringLiteral("COMMIT"));
+  try {
+    session->execute(QStringLiteral("VACUUM INTO ?"), {to});
+    {
+      SqliteSession copy(fileUri(to, QStringLiteral("rw")), to, options);
+      if (firstText(copy.execute(QStringLiteral("PRAGMA quick_check"))) != u"ok")
+        throw Failure(errors::damaged,
+                      QStringLiteral("The compacted copy '%1' of the database is damaged.").arg(to));
+    }
+    syncToDisk(to);
+  } catch (const Failure&) {
+    QFile::remove(to);
+    throw;
+  }
+  return session;
+}
+
+}  // namespace platform::sql::sqlite

@@ -1,0 +1,283 @@
+#include "platform/sql/sqlite/session.h"
+
+#include "platform/basic/failure.h"
+#include "platform/sql/errors.h"
+#include "platform/sql/sqlite/databasefile.h"
+#include "platform/sql/sqlite/dialect.h"
+#include "platform/sql/sqlite/values.h"
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlField>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QUrl>
+
+namespace platform::sql::sqlite {
+
+namespace {
+
+// result codes of the engine (the low byte; the rest tells details)
+enum Code {
+  codeError = 1,
+  codeBusy = 5,
+  codeLocked = 6,
+  codeReadOnly = 8,
+  codeIoError = 10,
+  codeCorrupt = 11,
+  codeFull = 13,
+  codeCantOpen = 14,
+  codeConstraint = 19,
+  codeMismatch = 20,
+  codeNotADatabase = 26
+};
+constexpr int codeMask = 0xff;
+
+QString nextConnectionName() {
+  static QAtomicInt counter;
+  return QStringLiteral("platform.sql.sqlite.%1").arg(counter.fetchAndAddRelaxed(1));
+}
+
+/// The name that a constraint's failure ends with: "CHECK constraint failed: strName size" -> "strName size".
+QString constraintName(const QString& text) {
+  const qsizetype colon = text.lastIndexOf(u": ");
+  const QString name = colon < 0 ? text : text.mid(colon + 2);
+  const qsizetype space = name.indexOf(u" Unable to fetch row");
+  return (space < 0 ? name : name.left(space)).trimmed();
+}
+
+Failure constraintFailure(const QString& text, const QString& statement, const QString& label) {
+  const QString name = constraintName(text);
+  const QString in = QStringLiteral(" (%1)").arg(label);
+  if (text.contains(u"FOREIGN KEY")) {
+    if (statement.trimmed().startsWith(u"delete", Qt::CaseInsensitive))
+      return {errors::relatedRecords,
+              QStringLiteral(
+                  "The record cannot be deleted or changed because other tables include related records.") +
+                  in};
+    return {errors::relatedRecordRequired,
+            QStringLiteral("You cannot add or change a record because a related record is required.") + in};
+  }
+  if (text.contains(u"UNIQUE") || text.contains(u"PRIMARY KEY"))
+    return {
+        errors::duplicateKey,
+        QStringLiteral("The changes you requested to the table were not successful because they would create "
+                       "duplicate values in the index, primary key, or relationship: ") +
+            name + u'.' + in};
+  if (text.contains(u"NOT NULL"))
+    return {errors::valueRequired,
+            QStringLiteral("The field '%1' cannot contain a Null value.").arg(name) + in};
+  if (name.endsWith(u" size"))
+    return {errors::fieldTooSmall,
+            QStringLiteral(
+                "The field is too small to accept the amount of data you attempted to add. Try inserting or "
+                "pasting less data. (Field '%1')")
+                    .arg(name.chopped(5)) +
+                in};
+  if (name.endsWith(u" zero-length"))
+    return {errors::zeroLength,
+            QStringLiteral("Field '%1' cannot be a zero-length string.").arg(name.chopped(12)) + in};
+  return {errors::statementFailed, text + in};
+}
+
+Failure failureOf(int code, const QString& text, const QString& statement, const QString& label) {
+  switch (code & codeMask) {
+    case codeBusy:
+    case codeLocked:
+      return {errors::locked, QStringLiteral("The database '%1' is in use by another program.").arg(label)};
+    case codeReadOnly:
+      return {errors::readOnly, QStringLiteral("Cannot update. The database '%1' is read-only.").arg(label)};
+    case codeIoError:
+      return {errors::diskError,
+              QStringLiteral("Disk or network error in the database '%1': %2").arg(label, text)};
+    case codeFull:
+      return {errors::diskFull, QStringLiteral("Not enough space on disk for the database '%1'.").arg(label)};
+    case codeCantOpen:
+      return {errors::noPermission,
+              QStringLiteral(
+                  "The database '%1' or the journal beside it cannot be opened: you need permission to its "
+                  "file and folder.")
+                  .arg(label)};
+    case codeCorrupt:
+    case codeNotADatabase:
+      return {errors::damaged,
+              QStringLiteral("The database '%1' is damaged: a part of the file is missing or "
+                             "unreadable.")
+                  .arg(label)};
+    case codeConstraint:
+      return constraintFailure(text, statement, label);
+    default:
+      break;
+  }
+  if (text.contains(u"no such table"))
+    return {
+        errors::tableNotFound,
+        QStringLiteral("The database engine cannot find the input table or query: %1 (%2)").arg(text, label)};
+  return {errors::statementFailed, QStringLiteral("%1 (%2)").arg(text, label)};
+}
+
+}  // namespace
+
+QString fileUri(const QString& path, const QString& mode) {
+  return QStringLiteral("file:") + QString::fromLatin1(QUrl::toPercentEncoding(path, "/")) + u"?mode="_qs +
+         mode;
+}
+
+SqliteSession::SqliteSession(const QString& uri, const QString& label, const OpenOptions& options)
+    : connection_(nextConnectionName()), label_(label) {
+  {
+    QSqlDatabase base = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
+    if (!base.isValid()) {
+      base = QSqlDatabase();
+      QSqlDatabase::removeDatabase(connection_);
+      throw Failure(errors::providerNotFound,
+                    QStringLiteral("The SQLite driver of Qt is not installed (Debian: libqt6sql6-sqlite)."));
+    }
+    base.setDatabaseName(uri);
+    base.setConnectOptions(
+        QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=%1").arg(qMax(0, options.busyTimeout)));
+  }
+  try {
+    QSqlDatabase base = database();
+    if (!base.open()) fail(base.lastError(), {});
+    execute(QStringLiteral("PRAGMA foreign_keys=ON"));
+    execute(QStringLiteral("PRAGMA synchronous=EXTRA"));
+    if (!options.readOnly) execute(QStringLiteral("PRAGMA journal_mode=DELETE"));
+    // the first look into the file: damage and locks show here and not in the middle of the work
+    execute(QStringLiteral("SELECT count(*) FROM sqlite_master"));
+  } catch (...) {
+    close();
+    throw;
+  }
+}
+
+SqliteSession::~SqliteSession() {
+  close();
+}
+
+void SqliteSession::close() {
+  QSqlDatabase::removeDatabase(connection_);
+}
+
+QSqlDatabase SqliteSession::database() const {
+  return QSqlDatabase::database(connection_, false);
+}
+
+void SqliteSession::fail(const QSqlError& error, const QString& statement) const {
+  throw failureOf(error.nativeErrorCode().toInt(),
+                  error.databaseText().isEmpty() ? error.driverText() : error.databaseText(), statement,
+                  label_);
+}
+
+Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& parameters) {
+  const QString statement = fromAccess(sql);
+  QSqlQuery query(database());
+  query.setForwardOnly(true);
+  if (!query.prepare(statement)) fail(query.lastError(), statement);
+  for (const basic::Value& parameter : parameters) query.addBindValue(toStored(parameter));
+  if (!query.exec()) fail(query.lastError(), statement);
+
+  Result result;
+  if (!query.isSelect()) {
+    result.affected = qMax(0, query.numRowsAffected());
+    result.lastId = query.lastInsertId().toLongLong();
+    return result;
+  }
+  QList<QVariantList> stored;
+  const QSqlRecord record = query.record();
+  while (query.next()) {
+    QVariantList row;
+    for (int i = 0; i < record.count(); ++i) row.append(query.value(i));
+    stored.append(row);
+  }
+  if (query.lastError().isValid()) fail(query.lastError(), statement);
+
+  QHash<QString, QList<Column>> origins;
+  for (int i = 0; i < record.count(); ++i) {
+    Column column;
+    column.name = record.fieldName(i);
+    const QString table = record.field(i).tableName();
+    bool known = false;
+    if (!table.isEmpty() && !table.startsWith(u"sqlite_")) {
+      if (!origins.contains(table)) origins.insert(table, columns(table));
+      for (const Column& origin : origins.value(table))
+        if (origin.name.compare(column.name, Qt::CaseInsensitive) == 0) {
+          column = origin;
+          known = true;
+        }
+    }
+    for (const QVariantList& row : stored) {
+      if (known) break;
+      if (row[i].isNull()) continue;
+      column.type = typeOfValue(row[i]);
+      known = true;
+    }
+    result.columns.append(column);
+  }
+  for (const QVariantList& row : stored) {
+    QList<basic::Value> values;
+    for (qsizetype i = 0; i < row.size(); ++i) values.append(fromStored(row[i], result.columns[i].type));
+    result.rows.append(values);
+  }
+  return result;
+}
+
+QStringList SqliteSession::tables() {
+  QSqlQuery query(database());
+  if (!query.exec(QStringLiteral(
+          "SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite%' AND "
+          "name NOT LIKE 'MSys%' ORDER BY name COLLATE NOCASE")))
+    fail(query.lastError(), {});
+  QStringList names;
+  while (query.next()) names.append(query.value(0).toString());
+  if (query.lastError().isValid()) fail(query.lastError(), {});
+  return names;
+}
+
+bool SqliteSession::catalogued() const {
+  QSqlQuery query(database());
+  if (!query.exec(QStringLiteral("SELECT 1 FROM sqlite_master WHERE name = '%1'")
+                      .arg(QLatin1String(columnCatalogue))))
+    fail(query.lastError(), {});
+  return query.next();
+}
+
+QList<Column> SqliteSession::columns(const QString& table) {
+  const QString name = u'\'' + QString(table).replace(u"'"_qs, u"''"_qs) + u'\'';
+  QString statement = QStringLiteral(
+      "SELECT t.name, t.type, t.pk, (SELECT sql LIKE '%AUTOINCREMENT%' FROM sqlite_master m WHERE m.type = "
+      "'table' AND "
+      "m.name = @ COLLATE NOCASE), ");
+  statement += catalogued()
+                   ? QStringLiteral(
+                         "c.Caption, c.ZeroLength FROM pragma_table_info(@) t LEFT JOIN MSysColumns c ON "
+                         "c.TableName = @ COLLATE NOCASE AND c.ColumnName = t.name COLLATE NOCASE")
+                   : QStringLiteral("NULL, NULL FROM pragma_table_info(@) t");
+  statement += u" ORDER BY t.cid"_qs;
+  QSqlQuery query(database());
+  if (!query.exec(statement.replace(u'@', name))) fail(query.lastError(), {});
+  QList<Column> columns;
+  while (query.next()) {
+    Column column = typeOfDeclaration(query.value(1).toString());
+    column.name = query.value(0).toString();
+    column.primaryKey = query.value(2).toInt() > 0;
+    column.autoIncrement = column.primaryKey && column.type == Type::Long && query.value(3).toBool();
+    column.caption = query.value(4).toString();
+    column.allowZeroLength = query.value(5).isNull() || query.value(5).toInt() != 0;
+    columns.append(column);
+  }
+  if (query.lastError().isValid()) fail(query.lastError(), {});
+  return columns;
+}
+
+std::unique_ptr<Session> SqliteDriver::connect(const ConnectionString& connection) {
+  const QString path = systemForm(connection.value(QStringLiteral("Data Source")));
+  requireDatabase(path);
+  OpenOptions options;
+  options.busyTimeout = busyTimeout_;
+  options.readOnly = connection.value(QStringLiteral("Mode")).compare(u"Read", Qt::CaseInsensitive) == 0;
+  const QString mode = options.readOnly ? QStringLiteral("ro") : QStringLiteral("rw");
+  return std::make_unique<SqliteSession>(fileUri(path, mode), path, options);
+}
+
+}  // namespace platform::sql::sqlite

@@ -1,0 +1,62 @@
+#pragma once
+#include "platform/sql/driver.h"
+
+#include <QAtomicInt>
+
+class QSqlDatabase;
+class QSqlError;
+
+namespace platform::sql::sqlite {
+
+/// How long a statement waits for another program to let go of the file before it fails.
+inline constexpr int busyTimeoutMs = 5000;
+
+/// Tables of this engine's own, hidden from `tables()`: captions and further properties of columns, and
+/// relations.
+inline constexpr char columnCatalogue[] = "MSysColumns";
+inline constexpr char relationCatalogue[] = "MSysRelationships";
+
+struct OpenOptions {
+  int busyTimeout = busyTimeoutMs;
+  bool create = false;
+  bool readOnly = false;
+};
+
+/// An SQLite database. Foreign keys are on. In a file the rollback journal is used, not the write-ahead log,
+/// because that one needs shared memory and so damages databases on a folder shared between machines.
+/// `synchronous` is EXTRA: when a statement returns, its row survives a power cut, the removal of the journal
+/// included; what is stamped elsewhere after that can rely on it.
+class SqliteSession : public Session {
+ public:
+  /// `uri` is what SQLite opens, `label` what failures call it.
+  SqliteSession(const QString& uri, const QString& label, const OpenOptions& options);
+  ~SqliteSession() override;
+  Result execute(const QString& sql, const QList<basic::Value>& parameters = {}) override;
+  QStringList tables() override;
+  QList<Column> columns(const QString& table) override;
+
+ private:
+  QSqlDatabase database() const;
+  bool catalogued() const;
+  [[noreturn]] void fail(const QSqlError& error, const QString& statement) const;
+  void close();
+
+  QString connection_;
+  QString label_;
+};
+
+/// The driver for files: "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=path". A missing file is never made.
+/// "Mode=Read" opens it read-only.
+class SqliteDriver : public Driver {
+ public:
+  explicit SqliteDriver(int busyTimeout = busyTimeoutMs) : busyTimeout_(busyTimeout) {}
+  std::unique_ptr<Session> connect(const ConnectionString& connection) override;
+
+ private:
+  int busyTimeout_;
+};
+
+/// SQLite's address of a file.
+QString fileUri(const QString& path, const QString& mode);
+
+}  // namespace platform::sql::sqlite

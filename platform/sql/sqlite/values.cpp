@@ -1,0 +1,177 @@
+#include "platform/sql/sqlite/values.h"
+
+#include "platform/basic/failure.h"
+#include "platform/sql/errors.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace platform::sql::sqlite {
+
+namespace {
+
+constexpr int defaultTextSize = 255;
+constexpr int currencyScale = 10000;
+
+double storedSingle(float value) {
+  char digits[32];
+  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  double shortest = value;
+  std::from_chars(digits, end, shortest);
+  return shortest;
+}
+
+double storedCurrency(basic::Currency amount) {
+  const double number = amount.toDouble();
+  if (basic::Currency::fromDouble(number) != amount)
+    throw Failure(platform::failure::overflow,
+                  QStringLiteral("Overflow: the amount %1 is too large to be stored exactly.")
+                      .arg(amount.toPlainText()));
+  return number;
+}
+
+struct ToStored {
+  QVariant operator()(std::monostate) const { return {}; }
+  QVariant operator()(basic::Null) const { return {}; }
+  QVariant operator()(bool value) const { return value ? -1 : 0; }
+  QVariant operator()(qint16 value) const { return static_cast<qlonglong>(value); }
+  QVariant operator()(qint32 value) const { return static_cast<qlonglong>(value); }
+  QVariant operator()(qint64 value) const { return static_cast<qlonglong>(value); }
+  QVariant operator()(float value) const { return storedSingle(value); }
+  QVariant operator()(double value) const { return value; }
+  QVariant operator()(basic::Currency value) const { return storedCurrency(value); }
+  QVariant operator()(const basic::Date& value) const { return storedDate(value); }
+  QVariant operator()(const QString& value) const { return value.isNull() ? QString(u""_qs) : value; }
+};
+
+basic::Value wholeNumber(qlonglong number) {
+  if (number >= std::numeric_limits<qint32>::min() && number <= std::numeric_limits<qint32>::max())
+    return static_cast<qint32>(number);
+  return static_cast<qint64>(number);
+}
+
+basic::Value readDate(const QVariant& stored) {
+  if (stored.typeId() != QMetaType::QString) return basic::Date(stored.toDouble());
+  const QString text = stored.toString().trimmed();
+  const QString iso = QString(text).replace(u' ', u'T');
+  const QDateTime moment = QDateTime::fromString(iso, Qt::ISODate);
+  if (moment.isValid()) return basic::Date::of(moment.date(), moment.time());
+  const QDate day = QDate::fromString(text, Qt::ISODate);
+  if (day.isValid()) return basic::Date::of(day);
+  return text;
+}
+
+basic::Currency readCurrency(const QVariant& stored) {
+  if (stored.typeId() == QMetaType::LongLong) {
+    const qlonglong whole = stored.toLongLong();
+    if (std::abs(whole) <= std::numeric_limits<qint64>::max() / currencyScale)
+      return basic::Currency::fromTenThousandths(whole * currencyScale);
+  }
+  return basic::Currency::fromDouble(stored.toDouble());
+}
+
+struct Declaration {
+  const char* name;
+  Type type;
+};
+// what this driver declares, and what other programs that make such tables use
+constexpr Declaration declarations[] = {
+    {"BOOLEAN", Type::Boolean},   {"BOOL", Type::Boolean},    {"BIT", Type::Boolean},
+    {"SMALLINT", Type::Integer},  {"TINYINT", Type::Integer}, {"INTEGER", Type::Long},
+    {"INT", Type::Long},          {"BIGINT", Type::Long},     {"FLOAT4", Type::Single},
+    {"FLOAT", Type::Double},      {"REAL", Type::Double},     {"DOUBLE", Type::Double},
+    {"CURRENCY", Type::Currency}, {"MONEY", Type::Currency},  {"NUMERIC", Type::Currency},
+    {"DECIMAL", Type::Currency},  {"DATETIME", Type::Date},   {"TIMESTAMP", Type::Date},
+    {"DATE", Type::Date},         {"VARCHAR", Type::Text},    {"NVARCHAR", Type::Text},
+    {"CHAR", Type::Text},         {"LONGTEXT", Type::Memo},   {"TEXT", Type::Memo},
+    {"CLOB", Type::Memo},
+};
+
+}  // namespace
+
+QString storedDate(const basic::Date& date) {
+  return date.date().toString(QStringLiteral("yyyy-MM-dd")) +
+         date.time().toString(QStringLiteral("'T'HH:mm:ss"));
+}
+
+QVariant toStored(const basic::Value& value) {
+  return std::visit(ToStored{}, value);
+}
+
+basic::Value fromStored(const QVariant& stored, Type type) {
+  if (stored.isNull()) return basic::Null{};
+  switch (type) {
+    case Type::Boolean:
+      return stored.toDouble() != 0;
+    case Type::Integer: {
+      const qlonglong number = stored.toLongLong();
+      if (number >= std::numeric_limits<qint16>::min() && number <= std::numeric_limits<qint16>::max())
+        return static_cast<qint16>(number);
+      return wholeNumber(number);
+    }
+    case Type::Long:
+      return wholeNumber(stored.toLongLong());
+    case Type::Single:
+      return static_cast<float>(stored.toDouble());
+    case Type::Double:
+      return stored.toDouble();
+    case Type::Currency:
+      return readCurrency(stored);
+    case Type::Date:
+      return readDate(stored);
+    case Type::Text:
+    case Type::Memo:
+      break;
+  }
+  return stored.toString();
+}
+
+QString declaredType(const Column& column) {
+  switch (column.type) {
+    case Type::Boolean:
+      return QStringLiteral("BOOLEAN");
+    case Type::Integer:
+      return QStringLiteral("SMALLINT");
+    case Type::Long:
+      return QStringLiteral("INTEGER");
+    case Type::Single:
+      return QStringLiteral("FLOAT4");
+    case Type::Double:
+      return QStringLiteral("DOUBLE");
+    case Type::Currency:
+      return QStringLiteral("CURRENCY");
+    case Type::Date:
+      return QStringLiteral("DATETIME");
+    case Type::Text:
+      return QStringLiteral("VARCHAR(%1)").arg(column.size > 0 ? column.size : defaultTextSize);
+    case Type::Memo:
+      break;
+  }
+  return QStringLiteral("LONGTEXT");
+}
+
+Column typeOfDeclaration(const QString& declaration) {
+  const qsizetype bracket = declaration.indexOf(u'(');
+  const QString name = (bracket < 0 ? declaration : declaration.left(bracket)).trimmed().toUpper();
+  Column column;
+  for (const Declaration& known : declarations)
+    if (name == QLatin1String(known.name)) column.type = known.type;
+  if (column.type == Type::Text && bracket >= 0)
+    column.size = declaration.mid(bracket + 1, declaration.indexOf(u')') - bracket - 1).toInt();
+  return column;
+}
+
+Type typeOfValue(const QVariant& stored) {
+  switch (stored.typeId()) {
+    case QMetaType::LongLong:
+    case QMetaType::Int:
+      return Type::Long;
+    case QMetaType::Double:
+      return Type::Double;
+    default:
+      return Type::Text;
+  }
+}
+
+}  // namespace platform::sql::sqlite

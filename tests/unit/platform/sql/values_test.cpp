@@ -1,0 +1,106 @@
+#include "platform/sql/sqlite/values.h"
+
+#include "platform/basic/failure.h"
+#include "platform/sql/sqlite/databasefile.h"
+#include "platform/sql/sqlite/engine.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace platform;
+using namespace platform::sql;
+using namespace platform::sql::sqlite;
+using basic::Currency;
+using basic::Date;
+using basic::Value;
+
+// What another program finds in the file.
+TEST(StoredValues, ReadWellForOtherPrograms) {
+  EXPECT_EQ(toStored(true), QVariant(-1));
+  EXPECT_EQ(toStored(false), QVariant(0));
+  EXPECT_EQ(toStored(Date::of(QDate(2024, 2, 5), QTime(9, 0))), QVariant(u"2024-02-05T09:00:00"_qs));
+  EXPECT_EQ(toStored(7.1F), QVariant(7.1));
+  EXPECT_EQ(toStored(Currency::fromTenThousandths(4505001)), QVariant(450.5001));
+  EXPECT_TRUE(toStored(basic::Null{}).isNull());
+  EXPECT_TRUE(toStored(Value()).isNull());
+}
+
+TEST(StoredValues, AnAmountThatCannotBeKeptExactlyIsRefused) {
+  EXPECT_THROW(toStored(Currency::fromTenThousandths(9223372036854775807)), Failure);
+}
+
+TEST(StoredValues, WhatOtherProgramsWriteIsRead) {
+  EXPECT_TRUE(fromStored(u"2024-02-05 09:00"_qs, Type::Date) ==
+              Value(Date::of(QDate(2024, 2, 5), QTime(9, 0))));
+  EXPECT_TRUE(fromStored(u"2024-02-05"_qs, Type::Date) == Value(Date::of(2024, 2, 5)));
+  EXPECT_TRUE(fromStored(45327.5, Type::Date) == Value(Date::of(QDate(2024, 2, 5), QTime(12, 0))));
+  EXPECT_TRUE(fromStored(u"soon"_qs, Type::Date) == Value(u"soon"_qs));
+  EXPECT_TRUE(fromStored(1, Type::Boolean) == Value(true));
+  EXPECT_TRUE(fromStored(QVariant(12LL), Type::Currency) == Value(Currency::fromTenThousandths(120000)));
+  EXPECT_TRUE(fromStored(QVariant(3000000000LL), Type::Long) == Value(qint64{3000000000}));
+  EXPECT_TRUE(fromStored(QVariant(70000LL), Type::Integer) == Value(qint32{70000}));
+}
+
+TEST(StoredValues, DeclarationsOfOtherProgramsAreUnderstood) {
+  EXPECT_EQ(typeOfDeclaration(u"nvarchar(40)"_qs).type, Type::Text);
+  EXPECT_EQ(typeOfDeclaration(u"nvarchar(40)"_qs).size, 40);
+  EXPECT_EQ(typeOfDeclaration(u"TEXT"_qs).type, Type::Memo);
+  EXPECT_EQ(typeOfDeclaration(u"decimal(10,4)"_qs).type, Type::Currency);
+  EXPECT_EQ(typeOfDeclaration(u"Real"_qs).type, Type::Double);
+  EXPECT_EQ(typeOfDeclaration(u""_qs).type, Type::Text);
+}
+
+TEST(DatabaseFile, SafetyOfTheFileIsSwitchedOn) {
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(u"a.mdb"_qs);
+  SqliteEngine().createDatabase(path);
+  ConnectionString connection;
+  connection.set(u"Data Source"_qs, path);
+  const auto session = SqliteDriver().connect(connection);
+  const auto pragma = [&](const QString& name) { return session->execute(u"PRAGMA "_qs + name).rows[0][0]; };
+  EXPECT_TRUE(pragma(u"foreign_keys"_qs) == Value(qint32{1}));
+  EXPECT_TRUE(pragma(u"synchronous"_qs) == Value(qint32{3})) << "EXTRA";
+  EXPECT_TRUE(pragma(u"journal_mode"_qs) == Value(u"delete"_qs));
+  EXPECT_TRUE(pragma(u"busy_timeout"_qs) == Value(qint32{busyTimeoutMs}));
+}
+
+TEST(DatabaseFile, NothingIsLeftOpenWhenAConnectionFails) {
+  const int before = static_cast<int>(QSqlDatabase::connectionNames().size());
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(u"a.mdb"_qs);
+  {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray("SQLite format 3\0", 16) + "torn");
+  }
+  ConnectionString connection;
+  connection.set(u"Data Source"_qs, path);
+  EXPECT_THROW(SqliteDriver(0).connect(connection), Failure);
+  EXPECT_EQ(QSqlDatabase::connectionNames().size(), before);
+}
+
+TEST(DatabaseFile, ARelationKeepsIndexesAndTriggersOfTheTable) {
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(u"a.mdb"_qs);
+  SqliteEngine engine;
+  engine.createDatabase(path);
+  ConnectionString connection;
+  connection.set(u"Data Source"_qs, path);
+  const auto session = SqliteDriver().connect(connection);
+  session->execute(u"create table tblP (id integer primary key)"_qs);
+  session->execute(u"create table tblC (x text default 'd', id integer)"_qs);
+  session->execute(u"create index ixC on tblC (x)"_qs);
+  session->execute(
+      u"create trigger trC after insert on tblC begin update tblC set x = 't' where x = 'go'; end"_qs);
+  engine.addRelation(*session, {u"R"_qs, u"tblP"_qs, u"tblC"_qs, u"id"_qs});
+  EXPECT_EQ(session->execute(u"select name from sqlite_master where name in ('ixC', 'trC')"_qs).rows.size(),
+            2);
+  session->execute(u"insert into tblC (x) values ('go')"_qs);
+  session->execute(u"insert into tblC (id) values (null)"_qs);
+  const Result result = session->execute(u"select x from tblC order by rowid"_qs);
+  EXPECT_TRUE(result.rows[0][0] == Value(u"t"_qs));
+  EXPECT_TRUE(result.rows[1][0] == Value(u"d"_qs));
+}
