@@ -37,12 +37,10 @@ QString dateText(const Date& date) {
   return time == QTime(0, 0) ? day : day + u' ' + locale.longTime(time);
 }
 
-/// Reads a number of C's form; the language knows no infinite ones.
+/// The language knows no infinite numbers.
 double numberOf(const QByteArray& plain) {
-  bool ok = false;
-  const double value = plain.toDouble(&ok);
+  const double value = valueOfPlain(plain);
   if (std::isinf(value)) throwOverflow();
-  if (!ok && value != 0) throwTypeMismatch();
   return value;
 }
 
@@ -178,7 +176,7 @@ bool IsNumeric(const Value& v) {
   const auto* text = std::get_if<QString>(&v);
   if (!text) return true;
   const std::optional<QByteArray> plain = plainNumber(*text);
-  return plain && !std::isinf(plain->toDouble());
+  return plain && !std::isinf(valueOfPlain(*plain));
 }
 
 bool IsDate(const Value& v) {

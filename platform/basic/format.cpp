@@ -16,6 +16,13 @@ QString padded(int number, int width) {
   return QStringLiteral("%1").arg(number, width, 10, QLatin1Char('0'));
 }
 
+/// Sections, text formats, exponents, quarters and half days: the language has them, this run-time has not.
+[[noreturn]] void throwUnknownSign(QChar c) {
+  throw Failure(failure::invalidProcedureCall, QStringLiteral("Invalid procedure call or argument: the "
+                                                              "format sign \"%1\" is not known")
+                                                   .arg(c));
+}
+
 // --- dates ---
 
 /// A run of one letter of a date format.
@@ -88,6 +95,7 @@ QString datePatternText(const Date& date, const QString& format) {
       i = end + 1;
       continue;
     }
+    if (QStringLiteral("wqact").contains(c)) throwUnknownSign(format[i]);
     text += c == u'/' ? dateSeparator() : QString(format[i]);
     ++i;
   }
@@ -154,6 +162,8 @@ class NumberPatternReader {
       pattern_.anyDigit = true;
     } else if (c == u',' && pattern_.anyDigit) {
       pattern_.grouped = true;
+    } else if (QStringLiteral(";@&<>!").contains(c) || c.toLower() == u'e') {
+      throwUnknownSign(c);
     } else {
       pattern_.percent = pattern_.percent || c == u'%';
       literal(c);

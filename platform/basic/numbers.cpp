@@ -4,6 +4,7 @@
 #include "platform/locale/locale.h"
 
 #include <cmath>
+#include <limits>
 
 namespace platform::basic {
 
@@ -110,6 +111,24 @@ std::optional<QByteArray> plainNumber(const QString& text) {
   std::optional<QByteArray> plain = NumberReader(unsignedText, locale::current()).read();
   if (plain && negative) plain->prepend('-');
   return plain;
+}
+
+// QByteArray reports a number too large and one too small alike, so the place of the first digit decides.
+double valueOfPlain(const QByteArray& plain) {
+  bool ok = false;
+  const double value = plain.toDouble(&ok);
+  if (ok && !std::isinf(value)) return value;
+  const qsizetype e = plain.indexOf('e');
+  const qsizetype from = plain.startsWith('-') ? 1 : 0;
+  const QByteArray digits = plain.mid(from, e < 0 ? -1 : e - from);
+  qsizetype first = 0;
+  while (first < digits.size() && (digits[first] == '0' || digits[first] == '.')) ++first;
+  if (first == digits.size()) return 0;
+  const qsizetype point = digits.contains('.') ? digits.indexOf('.') : digits.size();
+  const bool negativePower = e >= 0 && plain.mid(e + 1).startsWith('-');
+  const bool tooSmall = e < 0 ? first > point : negativePower;
+  if (tooSmall) return 0;
+  return std::copysign(std::numeric_limits<double>::infinity(), plain.startsWith('-') ? -1 : 1);
 }
 
 DecimalDigits decimalDigits(double value, int significant) {

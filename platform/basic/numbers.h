@@ -12,6 +12,8 @@ namespace platform::basic {
 /// A number as it is written in a text: "-", digits, "." and an exponent, in the form that C reads. Nothing
 /// when the text is no number of the system's format.
 std::optional<QByteArray> plainNumber(const QString& text);
+/// The value of such a number: infinite when it is too large for a double, 0 when too small.
+double valueOfPlain(const QByteArray& plain);
 
 /// Its decimal digits, without a sign: 0.digits times ten to the power of `exponent`. At most `significant`
 /// digits, no zero at either end; no digits at all for 0.

@@ -93,12 +93,21 @@ class MachineLocale : public Locale {
   std::shared_ptr<const Locale> language_;
 };
 
+/// Elsewhere the system keeps the settings of a user whose environment names none.
+QString nameWithoutEnvironment() {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+  return QStringLiteral("C");
+#else
+  return QLocale::system().name();
+#endif
+}
+
 QString firstOfEnvironment(std::initializer_list<const char*> variables) {
   for (const char* variable : variables) {
     const QString value = qEnvironmentVariable(variable);
     if (!value.isEmpty()) return value;
   }
-  return QLocale::system().name();
+  return nameWithoutEnvironment();
 }
 
 std::shared_ptr<const Locale>& inForce() {
