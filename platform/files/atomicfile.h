@@ -20,15 +20,17 @@ struct ReadResult {
   bool ok = false;
   QByteArray bytes;
   Fingerprint fingerprint;
-  bool missing =
-      false;      // there is no such file; `fingerprint` then says so and may be given to replaceFile()
-  QString error;  // names the file and what the system said
+  bool missing = false;  // there is no such file; `fingerprint` says so and may be given to replaceFile()
+  bool denied = false;   // the user may not
+  QString error;         // names the file and what the system said
 };
 
 enum class Outcome { Written, ChangedMeanwhile, Failed };
 struct WriteResult {
   Outcome outcome = Outcome::Failed;
   Fingerprint fingerprint;  // of the new content, when written
+  bool missing = false;     // the file, or its folder, is not there
+  bool denied = false;      // the user may not
   QString error;            // names the file and what the system said
 };
 
@@ -68,6 +70,10 @@ WriteResult replaceFile(const QString& path, const QByteArray& bytes,
 /// Removes a file that is still what was read; the folder is fsynced. Of a symbolic link the link goes and
 /// what it leads to stays. A read-only file is refused.
 WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& expected = std::nullopt);
+
+/// Gives a file another name in its folder, in one step. `ChangedMeanwhile`: that name is taken, and stays as
+/// it is.
+WriteResult renameFile(const QString& path, const QString& newName);
 
 /// Removes what a crash in the middle of replaceFile() has left in a folder: files under such temporary
 /// names, this user's own, last written more than `olderThanSeconds` ago. How many there were.

@@ -11,6 +11,8 @@ inline constexpr int codeNotFound = 2;
 inline constexpr int codeAccessDenied = 5;
 inline constexpr int codeInvalidData = 13;
 inline constexpr int codeWriteFault = 29;
+inline constexpr int codeReadFault = 30;
+inline constexpr int codeInvalidParameter = 87;
 
 /// Values under HKEY_CURRENT_USER. A key is a path with "\" ("Software\Norrdalen\Hourbook for
 /// Outlook\Settings"). Codes are the system's: 0 is success, 2 "not found", 5 "access denied", 13 "invalid

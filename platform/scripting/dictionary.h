@@ -11,8 +11,8 @@ namespace platform::scripting {
 
 enum class CompareMethod { Binary = 0, Text = 1 };
 
-/// Insertion-ordered dictionary with text keys. `setCompareMode` only while empty (Failure 5). `Item` of a missing
-/// key is Failure 5 here (it never adds one silently); `Add` of a present key 457.
+/// Insertion-ordered dictionary with text keys. `setCompareMode` only while empty (Failure 5). `Item` of a
+/// missing key is Failure 5 here (it never adds one silently); `Add` of a present key 457.
 template <class T>
 class Dictionary {
  public:

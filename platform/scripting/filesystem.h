@@ -1,4 +1,5 @@
 #pragma once
+#include <QList>
 #include <QString>
 
 #include <memory>
@@ -12,13 +13,14 @@ class TextStream;
 class File;
 class Folder;
 
-/// `Scripting.FileSystemObject`. Failures carry the component's numbers: 53 file not found, 58 file exists, 70
-/// permission denied, 76 path not found; the description names the path.
+/// `Scripting.FileSystemObject`. Failures carry the component's numbers: 53 file not found, 58 file exists,
+/// 70 permission denied, 76 path not found; the description names the path.
 class FileSystemObject {
  public:
   virtual ~FileSystemObject() = default;
   virtual bool FileExists(const QString& path) const;
   virtual bool FolderExists(const QString& path) const;
+  /// A read-only file only by force (70 otherwise). No wildcards.
   virtual void DeleteFile(const QString& path, bool force = false);
   virtual void CreateFolder(const QString& path);
   virtual std::shared_ptr<Folder> GetFolder(const QString& path);
@@ -26,13 +28,15 @@ class FileSystemObject {
   /// The temporary folder for 2 (`TemporaryFolder`).
   virtual std::shared_ptr<Folder> GetSpecialFolder(int which);
   virtual QString GetTempName() const;  // "radXXXXX.tmp"
-  /// mode 1 read, 2 write, 8 append.
+  /// mode 1 read, 2 write, 8 append (what other programs append before Close stays in front of the text).
   virtual std::shared_ptr<TextStream> OpenTextFile(const QString& path, int mode = 1, bool create = false);
   virtual std::shared_ptr<TextStream> CreateTextFile(const QString& path, bool overwrite = true,
                                                      bool unicode = false);
 };
 
-/// Text in the system's default encoding (UTF-8 here). Written text reaches the file on Close, at once and whole.
+/// Text in the system's default encoding (UTF-8 here). Written text reaches the file on Close, at once and
+/// whole; a stream that is let go without Close has written nothing. Text read before its end is there once:
+/// ReadAll at the end of the stream is Failure 62, a call that the mode does not allow 54.
 class TextStream {
  public:
   virtual ~TextStream() = default;

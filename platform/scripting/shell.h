@@ -8,8 +8,8 @@ class WshShell {
  public:
   virtual ~WshShell() = default;
   virtual QString ExpandEnvironmentStrings(const QString& text);
-  /// Runs a command line (first word the program, in double quotes when it holds blanks), a URL or a mailto: link.
-  /// Failure -2147024894 with a description when it cannot be started.
+  /// Runs a command line (first word the program, in double quotes when it holds blanks), a URL or a mailto:
+  /// link. Failure -2147024894 with a description when it cannot be started.
   virtual void Run(const QString& command, int windowStyle = 1);
 };
 

@@ -37,14 +37,18 @@ QByteArray followed(const QString& path, QByteArray current) {
 
 }  // namespace
 
+bool isDenied(int code) {
+  return code == EACCES || code == EPERM || code == EROFS;
+}
+
 void fail(const QString& path, int code) {
   throw Trouble{QStringLiteral("%1: %2").arg(
                     path, QString::fromLocal8Bit(std::generic_category().message(code).c_str())),
-                code == ENOENT};
+                code};
 }
 
 void failWith(const QString& path, const QString& words) {
-  throw Trouble{QStringLiteral("%1: %2").arg(path, words)};
+  throw Trouble{QStringLiteral("%1: %2").arg(path, words), 0};
 }
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
@@ -157,6 +161,23 @@ void syncFolder(const Place& place) {
   // Some network and FAT file systems have no such thing as syncing a folder; they order renames themselves.
   if (errno == EINVAL || errno == ENOTSUP) return;
   fail(place.path, errno);
+}
+
+bool renameToFreeName(const Place& place, const QByteArray& from, const QByteArray& to) {
+  const int result =
+      retried([&] { return calls().renameatNoReplace(place.folder, from.constData(), to.constData()); });
+  if (result == 0) return true;
+  if (errno == EEXIST) return false;
+  if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) fail(place.path, errno);
+  // This file system cannot do both in one step: a file that appears between these two lines would be lost.
+  struct stat taken {};
+  if (retried([&] { return calls().fstatat(place.folder, to.constData(), &taken, AT_SYMLINK_NOFOLLOW); }) ==
+      0)
+    return false;
+  if (errno != ENOENT) fail(place.path, errno);
+  if (retried([&] { return calls().renameat(place.folder, from.constData(), to.constData()); }) < 0)
+    fail(place.path, errno);
+  return true;
 }
 
 }  // namespace platform::files

@@ -12,10 +12,11 @@ namespace platform::files {
 
 struct Trouble {
   QString error;  // names the file and what the system said
-  bool missing = false;
+  int code = 0;   // errno; 0 when it was not a call that failed
 };
 struct Changed {};
 
+bool isDenied(int code);
 [[noreturn]] void fail(const QString& path, int code);
 [[noreturn]] void failWith(const QString& path, const QString& words);
 
@@ -74,5 +75,24 @@ Descriptor openForReading(int folder, const QByteArray& name, const QString& pat
 QByteArray readAll(int file, const QString& path, qint64 sizeHint, qint64 limit);
 QByteArray hashOf(const QByteArray& bytes);
 void syncFolder(const Place& place);
+/// Renames within the folder. False, and nothing done, when the new name is taken.
+bool renameToFreeName(const Place& place, const QByteArray& from, const QByteArray& to);
+
+/// Runs the steps and makes a result of how they ended.
+template <class Steps>
+void report(const QString& path, const QString& whenChanged, WriteResult* result, Steps&& steps) {
+  try {
+    steps();
+    result->outcome = Outcome::Written;
+  } catch (const Changed&) {
+    result->outcome = Outcome::ChangedMeanwhile;
+    result->error = QStringLiteral("%1: %2").arg(path, whenChanged);
+  } catch (const Trouble& trouble) {
+    result->error = trouble.error;
+    result->missing = trouble.code == ENOENT;
+    result->denied = isDenied(trouble.code);
+  }
+}
+inline const QString changedMeanwhile = QStringLiteral("changed by another program meanwhile");
 
 }  // namespace platform::files

@@ -58,7 +58,8 @@ ReadResult readFile(const QString& path, qint64 limit) {
     failWith(path, QStringLiteral("another program keeps changing it"));
   } catch (const Trouble& trouble) {
     ReadResult result;
-    result.missing = trouble.missing;
+    result.missing = trouble.code == ENOENT;
+    result.denied = isDenied(trouble.code);
     result.error = trouble.error;
     return result;
   }

@@ -1,5 +1,7 @@
 #include "platform/files/posix/place.h"
 
+#include <QFile>
+
 namespace platform::files {
 
 namespace {
@@ -28,19 +30,25 @@ bool mayBeRemoved(const Place& name, const QString& path, const std::optional<Fi
 
 WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& expected) {
   WriteResult result;
-  try {
+  report(path, changedMeanwhile, &result, [&] {
     const Place place = placeOf(path, Links::Keep);
     if (!mayBeRemoved(place, path, expected)) throw Changed();
     const bool gone = retried([&] { return calls().unlinkat(place.folder, place.name.constData()); }) == 0;
     if (!gone && !(errno == ENOENT && expected && !expected->exists)) fail(path, errno);
     syncFolder(place);
-    result.outcome = Outcome::Written;
-  } catch (const Changed&) {
-    result.outcome = Outcome::ChangedMeanwhile;
-    result.error = QStringLiteral("%1: changed by another program meanwhile").arg(path);
-  } catch (const Trouble& trouble) {
-    result.error = trouble.error;
-  }
+  });
+  return result;
+}
+
+WriteResult renameFile(const QString& path, const QString& newName) {
+  WriteResult result;
+  report(path, QStringLiteral("the name \"%1\" is taken").arg(newName), &result, [&] {
+    const bool badName = newName.isEmpty() || newName.contains(u'/') || newName.contains(QChar(u'\0'));
+    if (badName || newName == QStringLiteral(".") || newName == QStringLiteral("..")) fail(path, EINVAL);
+    const Place place = placeOf(path, Links::Keep);
+    if (!renameToFreeName(place, place.name, QFile::encodeName(newName))) throw Changed();
+    syncFolder(place);
+  });
   return result;
 }
 

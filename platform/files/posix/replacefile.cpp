@@ -107,17 +107,13 @@ Fingerprint NewFile::finish(const QByteArray& bytes) {
 }
 
 bool NewFile::moveToTarget(bool mustBeNew) {
-  const char* from = name_.constData();
-  const char* to = place_.name.constData();
-  int result = -1;
   if (mustBeNew) {
-    result = retried([&] { return calls().renameatNoReplace(place_.folder, from, to); });
-    if (result < 0 && errno == EEXIST) return false;
+    moved_ = renameToFreeName(place_, name_, place_.name);
+    return moved_;
   }
-  const bool noSuchCall = mustBeNew && result < 0 && (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP);
-  if (noSuchCall && lookAt(place_)) return false;
-  if (!mustBeNew || noSuchCall) result = retried([&] { return calls().renameat(place_.folder, from, to); });
-  if (result < 0) fail(place_.path, errno);
+  if (retried([&] { return calls().renameat(place_.folder, name_.constData(), place_.name.constData()); }) <
+      0)
+    fail(place_.path, errno);
   moved_ = true;
   return true;
 }
@@ -131,7 +127,7 @@ mode_t creationMode(const std::optional<struct stat>& target, FileMode mode) {
 WriteResult replaceFile(const QString& path, const QByteArray& bytes,
                         const std::optional<Fingerprint>& expected, FileMode mode) {
   WriteResult result;
-  try {
+  report(path, changedMeanwhile, &result, [&] {
     const Place place = placeOf(path, Links::Follow);
     const std::optional<struct stat> target = lookAt(place);
     if (target) refuseReadOnly(place, *target);
@@ -143,13 +139,7 @@ WriteResult replaceFile(const QString& path, const QByteArray& bytes,
     if (!file.moveToTarget(expected && !expected->exists && !target)) throw Changed();
     result.fingerprint = written;
     syncFolder(place);
-    result.outcome = Outcome::Written;
-  } catch (const Changed&) {
-    result.outcome = Outcome::ChangedMeanwhile;
-    result.error = QStringLiteral("%1: changed by another program meanwhile").arg(path);
-  } catch (const Trouble& trouble) {
-    result.error = trouble.error;
-  }
+  });
   return result;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/registry/memory/memory.h"
 
+#include "platform/registry/codes.h"
+
 namespace platform::registry {
 
 // Key and value names compare without regard to case, as in the registry.
@@ -19,7 +21,12 @@ int MemoryRegistry::setValue(const QString& key, const QString& name, const basi
         QStringLiteral("%1: the value \"%2\" could not be set (%3)").arg(key, name).arg(failWriteWith);
     return failWriteWith;
   }
-  keys_[key.toLower()].insert(name.toLower(), value);
+  const std::optional<basic::Value> stored = storable(value);
+  if (!stored) {
+    lastError_ = QStringLiteral("%1: a value of the type %2 cannot be stored").arg(name, TypeName(value));
+    return codeInvalidParameter;
+  }
+  keys_[key.toLower()].insert(name.toLower(), *stored);
   return codeSuccess;
 }
 
