@@ -123,7 +123,7 @@ QString fncReadBodyThroughVcal(const AppointmentItem& appointment) {
   tolerate([&] { path = fncGetTempPath() + u"\\HBTemp.txt"_s; });
   tolerate([&] {
     const std::shared_ptr<MailItem> mail = appointment.ForwardAsVcal();
-    if (!mail->Attachments.empty()) mail->Attachments.front().SaveAsFile(path);
+    if (!mail->Attachments.empty()) mail->Attachments.front().SaveAsFile(platform::scripting::systemPath(path));
   });
   QString content;
   tolerate([&] { content = readAndDelete(path); });
