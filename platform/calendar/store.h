@@ -60,7 +60,9 @@ struct Item {
   bool allDay = false;
   Sensitivity sensitivity = Sensitivity::Normal;
   QStringList categories;  // single names, in order
-  QString categoriesText;  // the text last set through this program; null when another program wrote them
+  /// The text last set through this program. Null when another program wrote the names: a text that says something
+  /// else than `categories` does not count.
+  QString categoriesText;
   QString billingInformation;
   QMap<QString, UserProperty> userProperties;
   bool zoneUnknown = false;      // its zone is defined nowhere: shown in the viewer's zone

@@ -15,12 +15,13 @@ namespace {
 
 constexpr int minutesOfDay = 1440;
 
-/// The single names of a text as the user would see them: without the blanks around, each once.
+/// The single names of a text, in order, without the blanks around. Of a value that stands in two lists both
+/// are kept: a store takes the text for another program's work when it says something else than the names.
 QStringList namesIn(const QString& text) {
   QStringList names;
   for (const QString& piece : basic::Split(text, locale::current().listSeparator())) {
     const QString name = piece.trimmed();
-    if (!name.isEmpty() && !names.contains(name)) names.append(name);
+    if (!name.isEmpty()) names.append(name);
   }
   return names;
 }
