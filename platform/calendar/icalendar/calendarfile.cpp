@@ -1,0 +1,176 @@
+#include "platform/calendar/icalendar/calendarfile.h"
+
+#include "platform/calendar/icalendar/recurrence.h"
+#include "platform/calendar/icalendar/text.h"
+
+#include <QCryptographicHash>
+
+#include <limits>
+
+namespace platform::calendar::icalendar {
+namespace {
+
+constexpr qint64 widestOffset = 26 * hourMs;
+
+class EventReader {
+ public:
+  EventReader(const Document& document, QString name, QList<Problem>& problems)
+      : document_(document), name_(std::move(name)), problems_(problems) {}
+
+  Event read(const Component& component, const Component* calendar) {
+    Event event;
+    event.component = &component;
+    event.calendar = calendar;
+    event.cancelled = calendar && isCancelMessage(*calendar);
+    for (const Line& line : component.lines)
+      if (line.nameLength > 0) takeLine(event, line);
+    identify(event);
+    if (!event.start)
+      complain(component.line,
+               QStringLiteral("An event has no start that can be read; it stands in no period."));
+    return event;
+  }
+
+ private:
+  bool isCancelMessage(const Component& calendar) const {
+    const auto method = firstOf(document_, calendar, "METHOD");
+    return method && method->value.trimmed().toUpper() == "CANCEL";
+  }
+
+  /// The properties of time; the others are read when the event is shown.
+  void takeLine(Event& event, const Line& line) {
+    const Document& document = document_;
+    const auto is = [&](const char* name) { return document.is(line, name); };
+    if (is("UID")) {
+      if (event.hasUid) return;
+      event.uid = fromText(parsed(document, line).value).trimmed();
+      event.hasUid = !event.uid.isEmpty();
+    } else if (is("DTSTART")) {
+      takeDate(event.start, line);
+    } else if (is("DTEND")) {
+      takeDate(event.end, line);
+    } else if (is("RECURRENCE-ID")) {
+      takeDate(event.recurrenceId, line);
+      event.thisAndFuture = parsed(document, line).parameter("RANGE").toUpper() == "THISANDFUTURE";
+    } else if (is("DURATION")) {
+      event.span = spanValue(parsed(document, line).value);
+      if (!event.span) complain(line.number, QStringLiteral("The duration cannot be read."));
+    } else if (is("RRULE")) {
+      takeRule(event.rules, line);
+    } else if (is("EXRULE")) {
+      takeRule(event.exceptionRules, line);
+    } else if (is("RDATE")) {
+      int unreadable = 0;
+      event.moreStarts += periodList(parsed(document, line), &unreadable);
+      countUnreadable(line, unreadable);
+    } else if (is("EXDATE")) {
+      int unreadable = 0;
+      event.excluded += dateList(parsed(document, line), &unreadable);
+      countUnreadable(line, unreadable);
+    } else if (is("STATUS")) {
+      if (parsed(document, line).value.trimmed().toUpper() == "CANCELLED") event.cancelled = true;
+    } else if (is("X-MICROSOFT-CDO-ALLDAYEVENT") || is("X-MICROSOFT-MSNCALENDAR-ALLDAYEVENT")) {
+      if (parsed(document, line).value.trimmed().toUpper() == "TRUE") event.markedAllDay = true;
+    }
+  }
+
+  void takeDate(std::optional<DateValue>& into, const Line& line) {
+    if (into) return;
+    const Property property = parsed(document_, line);
+    into = dateValue(property.value, property);
+    if (!into)
+      complain(line.number,
+               QStringLiteral("The date in %1 cannot be read.").arg(QString::fromLatin1(property.name)));
+  }
+
+  void takeRule(QList<QByteArray>& into, const Line& line) {
+    const QByteArray text = parsed(document_, line).value;
+    QString why;
+    if (ruleOf(text, &why))
+      into.append(text);
+    else
+      complain(line.number, why + QStringLiteral(" Only the first occurrence is shown."));
+  }
+
+  void countUnreadable(const Line& line, int count) {
+    if (count > 0) complain(line.number, QStringLiteral("%1 of the dates cannot be read.").arg(count));
+  }
+
+  /// The place is the file's name; of several alike the second has "#2" behind it, and so on.
+  void identify(Event& event) {
+    QString which = event.uid;
+    if (event.recurrenceId)
+      which += u'\n' + QString::fromLatin1(dateTimeText(event.recurrenceId->date, event.recurrenceId->time));
+    const int number = ++seen_[which];
+    event.place = number == 1 ? name_ : QStringLiteral("%1#%2").arg(name_).arg(number);
+    if (!event.hasUid) event.uid = QStringLiteral("no-uid:") + event.place;
+  }
+
+  void complain(int line, const QString& text) {
+    if (problems_.size() < maxProblemsPerFile) problems_.append({name_, line, text});
+  }
+
+  const Document& document_;
+  QString name_;
+  QList<Problem>& problems_;
+  QHash<QString, int> seen_;
+};
+
+void collectEvents(CalendarFile& file, const std::vector<Component>& components, const Component* calendar,
+                   EventReader& reader) {
+  for (const Component& component : components) {
+    if (component.name == "VEVENT")
+      file.events.push_back(reader.read(component, calendar));
+    else
+      collectEvents(file, component.children, component.name == "VCALENDAR" ? &component : calendar, reader);
+  }
+}
+
+}  // namespace
+
+qint64 Event::earliest() const {
+  if (!start) return std::numeric_limits<qint64>::max();
+  if (thisAndFuture) return std::numeric_limits<qint64>::min();
+  qint64 earliest = start->wall();
+  for (const Period& period : moreStarts) earliest = qMin(earliest, period.start.wall());
+  return earliest - widestOffset;
+}
+
+qint64 Event::latest() const {
+  if (!start) return std::numeric_limits<qint64>::min();
+  if (thisAndFuture || !rules.isEmpty()) return std::numeric_limits<qint64>::max();
+  qint64 latest = start->wall();
+  for (const Period& period : moreStarts) latest = qMax(latest, period.start.wall() + dayMs);
+  return latest + widestOffset;
+}
+
+QString CalendarFile::tag(const Event& event) const {
+  return QString::fromLatin1(
+      QCryptographicHash::hash(document.raw(*event.component).toByteArray(), QCryptographicHash::Sha1)
+          .toHex());
+}
+
+QList<const Component*> CalendarFile::zoneScope(const Event& event) const {
+  QList<const Component*> scope;
+  if (event.calendar) scope.append(event.calendar);
+  for (const Component& component : document.components)
+    if (&component != event.calendar) scope.append(&component);
+  return scope;
+}
+
+Event eventOf(const Document& document, const Component& component, const Component* calendar) {
+  QList<Problem> unread;
+  return EventReader(document, {}, unread).read(component, calendar);
+}
+
+std::shared_ptr<const CalendarFile> calendarFile(const QString& name, QByteArray bytes) {
+  auto file = std::make_shared<CalendarFile>();
+  file->name = name;
+  file->document = scan(std::move(bytes), name);
+  file->problems = file->document.problems;
+  EventReader reader(file->document, name, file->problems);
+  collectEvents(*file, file->document.components, nullptr, reader);
+  return file;
+}
+
+}  // namespace platform::calendar::icalendar

@@ -1,0 +1,51 @@
+#pragma once
+#include "platform/calendar/icalendar/values.h"
+
+#include <QHash>
+
+// One file as it was read: its components, and of each event what is needed to find it.
+namespace platform::calendar::icalendar {
+
+/// One VEVENT. Dates are as written; what they mean depends on who looks, and is worked out only for what is
+/// asked for.
+struct Event {
+  const Component* component = nullptr;
+  const Component* calendar = nullptr;  // the VCALENDAR around it; null when there is none
+  QString uid;                          // made from the place when the file gives none
+  bool hasUid = false;
+  QString place;
+  std::optional<DateValue> start, end, recurrenceId;
+  std::optional<Span> span;
+  bool thisAndFuture = false;
+  bool cancelled = false;
+  bool markedAllDay = false;  // by Microsoft's own property
+  QList<QByteArray> rules, exceptionRules;
+  QList<Period> moreStarts;
+  QList<DateValue> excluded;
+
+  bool isOverride() const { return recurrenceId.has_value(); }
+  bool isSeries() const { return !recurrenceId && (!rules.isEmpty() || !moreStarts.isEmpty()); }
+  /// Bounds of its starts in milliseconds, wide enough for every zone.
+  qint64 earliest() const;
+  qint64 latest() const;
+};
+
+struct CalendarFile {
+  QString name;  // within its folder
+  Document document;
+  std::vector<Event> events;
+  QList<Problem> problems;
+
+  /// Identifies what is stored of one event: changes with any of its bytes.
+  QString tag(const Event& event) const;
+  /// Where an event's definitions of time zones are looked for: its own calendar, then the others of the
+  /// file.
+  QList<const Component*> zoneScope(const Event& event) const;
+};
+
+/// One event by itself, as part of a calendar that stands elsewhere.
+Event eventOf(const Document& document, const Component& component, const Component* calendar);
+
+std::shared_ptr<const CalendarFile> calendarFile(const QString& name, QByteArray bytes);
+
+}  // namespace platform::calendar::icalendar

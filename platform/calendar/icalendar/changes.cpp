@@ -1,0 +1,273 @@
+#include "platform/calendar/icalendar/changes.h"
+
+#include "platform/basic/failure.h"
+#include "platform/calendar/icalendar/text.h"
+
+namespace platform::calendar::icalendar {
+namespace {
+
+using Form = DateValue::Form;
+
+const QByteArrayList dateParameters{"VALUE", "TZID"};
+constexpr const char* allDayMarks[] = {"X-MICROSOFT-CDO-ALLDAYEVENT", "X-MICROSOFT-MSNCALENDAR-ALLDAYEVENT"};
+
+QByteArray utcText(qint64 instant) {
+  return dateTimeText(dateOfWall(instant), timeOfWall(instant)) + 'Z';
+}
+
+/// A reading of the event's clock in the form in which one of its dates is written.
+QByteArray textLike(const DateValue& pattern, const Timing& timing, qint64 wall) {
+  if (pattern.form == Form::Date) return dateText(dateOfWall(wall));
+  if (pattern.form == Form::Utc) {
+    if (!timing.allDay) return utcText(wall);
+    const bool atHome = timeOfWall(timing.home.toWall(pattern.wall())) == QTime(0, 0);
+    return utcText(atHome ? timing.home.toInstant(wall) : wall);
+  }
+  return dateTimeText(dateOfWall(wall), timeOfWall(wall));
+}
+
+/// Start and length of a component, set each in the form in which it stands there.
+class TimesEditor {
+ public:
+  TimesEditor(ComponentEditor& editor, const Origin& origin)
+      : editor_(editor),
+        origin_(origin),
+        event_(eventOf(editor.document(), editor.component(), origin.calendar)) {
+    if (event_.start) timing_ = origin.reader.timingOf(origin.file, event_);
+  }
+
+  bool hasStart() const { return event_.start.has_value(); }
+  const Timing& timing() const { return timing_; }
+
+  /// The form stays: all-day or not, and the zone.
+  void place(qint64 startWall, const Span& length) {
+    const QByteArray startHead = editor_.first("DTSTART")->head;
+    editor_.set("DTSTART", startHead, textLike(*event_.start, timing_, startWall));
+    if (event_.end)
+      placeEnd(startWall, length, startHead);
+    else if (event_.span)
+      placeSpan(length);
+    else
+      addEnd(startWall, length, startHead);
+    if (event_.end && event_.span) editor_.remove("DURATION");
+  }
+
+  void makeAllDay(const QDate& first, int days) {
+    editor_.set("DTSTART", renamed(editor_.first("DTSTART")->head, "DTSTART;VALUE=DATE", dateParameters),
+                dateText(first));
+    setEnd("DTEND;VALUE=DATE", dateText(first.addDays(days)));
+    editor_.remove("DURATION");
+    mark("TRUE");
+  }
+
+  /// A day is a day wherever one looks, and so is the time that takes its place: it names no zone.
+  void makeTimed(qint64 startWall, const Span& length) {
+    if (event_.start->form != Form::Date) {
+      mark("FALSE");
+      Timing timed = timing_;
+      timed.allDay = false;
+      timing_ = timed;
+      place(startWall, length);
+      return;
+    }
+    const QByteArray start = dateTimeText(dateOfWall(startWall), timeOfWall(startWall));
+    editor_.set("DTSTART", renamed(editor_.first("DTSTART")->head, "DTSTART", dateParameters), start);
+    const qint64 end = origin_.reader.viewer().toWall(origin_.reader.viewer().toInstant(startWall) +
+                                                      length.days * dayMs + length.exactMs);
+    setEnd("DTEND", dateTimeText(dateOfWall(end), timeOfWall(end)));
+    editor_.remove("DURATION");
+    mark("FALSE");
+  }
+
+ private:
+  void placeEnd(qint64 startWall, const Span& length, const QByteArray& startHead) {
+    const QByteArray endHead = editor_.first("DTEND")->head;
+    if (timing_.allDay)
+      return editor_.set("DTEND", endHead, textLike(*event_.end, timing_, startWall + length.days * dayMs));
+    const qint64 instant = timing_.endInstant(startWall, length);
+    if (event_.end->form == Form::Utc) return editor_.set("DTEND", endHead, utcText(instant));
+    if (event_.end->form == Form::Date)
+      return editor_.set("DTEND", renamed(startHead, "DTEND"),
+                         textLike(*event_.start, timing_, timing_.zone.toWall(instant)));
+    bool unknown = false;
+    const qint64 wall = origin_.reader.zoneOf(origin_.file, event_, *event_.end, &unknown).toWall(instant);
+    editor_.set("DTEND", endHead, dateTimeText(dateOfWall(wall), timeOfWall(wall)));
+  }
+
+  void placeSpan(const Span& length) {
+    if (length.days == timing_.length.days && length.exactMs == timing_.length.exactMs) return;
+    const QByteArray text = timing_.allDay ? 'P' + QByteArray::number(length.days) + 'D'
+                                           : spanText((length.days * dayMs + length.exactMs) / minuteMs);
+    editor_.set("DURATION", editor_.first("DURATION")->head, text);
+  }
+
+  void addEnd(qint64 startWall, const Span& length, const QByteArray& startHead) {
+    if (timing_.allDay ? length.days == 1 : length.days == 0 && length.exactMs == 0) return;
+    const qint64 end = timing_.allDay ? startWall + length.days * dayMs
+                                      : timing_.zone.toWall(timing_.endInstant(startWall, length));
+    editor_.insertAfter("DTSTART", renamed(startHead, "DTEND"), textLike(*event_.start, timing_, end));
+  }
+
+  void setEnd(const QByteArray& name, const QByteArray& text) {
+    if (const auto end = editor_.first("DTEND"))
+      editor_.set("DTEND", renamed(end->head, name, dateParameters), text);
+    else
+      editor_.insertAfter("DTSTART", name, text);
+  }
+
+  void mark(const QByteArray& value) {
+    for (const char* name : allDayMarks)
+      if (const auto property = editor_.first(name)) editor_.set(name, property->head, value);
+  }
+
+  ComponentEditor& editor_;
+  const Origin& origin_;
+  Event event_;
+  Timing timing_;
+};
+
+void applyTimes(ComponentEditor& editor, const Change& change, const Origin& origin) {
+  if (!change.start && !change.durationMinutes && !change.allDay) return;
+  const Zone& viewer = origin.reader.viewer();
+  if (!editor.first("DTSTART")) {
+    if (!change.start)
+      throw Failure(failure::invalidProcedureCall, QStringLiteral("The item has no start and needs one."),
+                    QStringLiteral("IcalendarStore"));
+    editor.append("DTSTART", utcText(change.start->toMSecsSinceEpoch()));
+  }
+  TimesEditor times(editor, origin);
+  if (!times.hasStart())
+    throw Failure(errStoreBroken, QStringLiteral("The item's start cannot be read, so it is left as it is."),
+                  QStringLiteral("IcalendarStore"));
+  const Timing& now = times.timing();
+  const bool allDay = change.allDay.value_or(now.allDay);
+  const qint64 instant = change.start ? change.start->toMSecsSinceEpoch() : now.startInstant(now.start);
+  Span length = now.length;
+  if (change.durationMinutes) length = {0, qMax(0, *change.durationMinutes) * minuteMs};
+  if (allDay) {
+    const qint64 lengthMs = length.days * dayMs + length.exactMs;
+    const int days = static_cast<int>(qMax<qint64>(1, (lengthMs + dayMs - 1) / dayMs));
+    const QDate first = dateOfWall(viewer.toWall(instant));
+    if (now.allDay)
+      times.place(wallOf(change.start ? first : dateOfWall(now.start), QTime(0, 0)), {days, 0});
+    else
+      times.makeAllDay(first, days);
+  } else if (now.allDay) {
+    times.makeTimed(change.start ? viewer.toWall(instant) : now.start, length);
+  } else {
+    times.place(change.start ? now.zone.toWall(instant) : now.start, length);
+  }
+}
+
+void setText(ComponentEditor& editor, const char* name, const QString& text,
+             const QByteArrayList& without = {}) {
+  const auto present = editor.first(name);
+  if (!present && text.isEmpty()) return;
+  QByteArrayList outdated{"ENCODING", "CHARSET"};
+  outdated += without;
+  editor.set(name, present ? renamed(present->head, name, outdated) : QByteArray(name), toText(text));
+}
+
+void setOrRemove(ComponentEditor& editor, const char* name, const QByteArray& value) {
+  if (value.isEmpty()) return editor.remove(name);
+  const auto present = editor.first(name);
+  editor.set(name, present ? present->head : QByteArray(name), value);
+}
+
+void applyCategories(ComponentEditor& editor, const Change& change, const Item& now) {
+  if (!change.categories && !change.categoriesText) return;
+  const QString text = change.categoriesText.value_or(QString());
+  const QStringList names =
+      change.categories ? *change.categories : categoryPieces(text, leadingSeparator(text));
+  if (names != now.categories) setOrRemove(editor, "CATEGORIES", toTextList(names));
+  setOrRemove(editor, "X-HOURBOOK-CATEGORIES", change.categoriesText ? toText(text) : QByteArray());
+}
+
+void applyTexts(ComponentEditor& editor, const Change& change, const Item& now) {
+  if (change.subject && *change.subject != now.subject) setText(editor, "SUMMARY", *change.subject);
+  if (change.body && *change.body != now.body) {
+    setText(editor, "DESCRIPTION", *change.body, {"ALTREP"});
+    editor.remove("X-ALT-DESC");  // the same text as a page: it would go on showing the old one
+  }
+  if (change.sensitivity && *change.sensitivity != now.sensitivity) {
+    static const QByteArray names[] = {"PUBLIC", "PERSONAL", "PRIVATE", "CONFIDENTIAL"};
+    editor.set("CLASS", "CLASS", names[static_cast<int>(*change.sensitivity)]);
+  }
+  if (change.billingInformation && *change.billingInformation != now.billingInformation)
+    setOrRemove(editor, "X-HOURBOOK-BILLINGINFORMATION", toText(*change.billingInformation));
+}
+
+void applyUserProperties(ComponentEditor& editor, const Change& change, const Item& now) {
+  constexpr const char* name = "X-HOURBOOK-USERPROPERTY";
+  for (auto wanted = change.userProperties.begin(); wanted != change.userProperties.end(); ++wanted) {
+    const auto present = now.userProperties.constFind(wanted.key());
+    if (present != now.userProperties.cend() && *present == *wanted) continue;
+    editor.removeIf(name, [&](const Property& property) {
+      return fromParameter(property.parameter("X-NAME")) == wanted.key();
+    });
+    editor.append(QByteArray(name) + ";X-NAME=" + toParameter(wanted.key()) +
+                      ";X-TYPE=" + QByteArray::number(wanted->type),
+                  toText(wanted->value));
+  }
+}
+
+void stamp(ComponentEditor& editor, const QDateTime& now) {
+  for (const char* name : {"LAST-MODIFIED", "DTSTAMP"})
+    if (const auto property = editor.first(name))
+      editor.set(name, name, utcText(now.toMSecsSinceEpoch() / secondMs * secondMs));
+}
+
+}  // namespace
+
+void applyChange(ComponentEditor& editor, const Change& change, const Origin& origin, const QDateTime& now) {
+  const QByteArray before = editor.bytes();
+  Item present;
+  readTexts(editor.document(), editor.component(), present);
+  applyTimes(editor, change, origin);
+  applyTexts(editor, change, present);
+  applyCategories(editor, change, present);
+  applyUserProperties(editor, change, present);
+  if (editor.bytes() != before) stamp(editor, now);
+}
+
+QByteArray overrideOf(const Occurrence& occurrence, const EventRef& master, Reader& reader) {
+  const EventRef& from = occurrence.from;
+  ComponentEditor editor(from.file->document.raw(*from.event->component).toByteArray());
+  editor.closeIfOpen();
+  for (const char* rule : {"RRULE", "RDATE", "EXDATE", "EXRULE"}) editor.remove(rule);
+  const Origin origin{*from.file, from.event->calendar, reader};
+  TimesEditor(editor, origin).place(occurrence.start, occurrence.length);
+  const Timing timing = reader.timingOf(*master.file, *master.event);
+  const QByteArray head =
+      renamed(firstOf(master.file->document, *master.event->component, "DTSTART")->head, "RECURRENCE-ID");
+  const QByteArray id = textLike(*master.event->start, timing, occurrence.id);
+  if (editor.first("RECURRENCE-ID"))
+    editor.set("RECURRENCE-ID", head, id);
+  else
+    editor.insertAfter("UID", head, id);
+  constexpr const char* kind = "X-MICROSOFT-CDO-INSTTYPE";
+  if (const auto property = editor.first(kind)) editor.set(kind, property->head, "3");
+  return editor.bytes();
+}
+
+void excludeOccurrence(ComponentEditor& editor, const EventRef& master, const Timing& timing, qint64 wall,
+                       const QDateTime& now) {
+  editor.insertAfter("RRULE", renamed(editor.first("DTSTART")->head, "EXDATE"),
+                     textLike(*master.event->start, timing, wall));
+  stamp(editor, now);
+}
+
+QByteArray emptyEvent(const QString& uid, const QDateTime& now, const QByteArray& lineEnd) {
+  const QByteArray stamp = utcText(now.toMSecsSinceEpoch() / secondMs * secondMs);
+  return QByteArrayList{"BEGIN:VEVENT",     "UID:" + toText(uid), "DTSTAMP:" + stamp,
+                        "CREATED:" + stamp, "END:VEVENT",         {}}
+      .join(lineEnd);
+}
+
+QByteArray calendarAround(const QByteArray& event, const QByteArray& lineEnd) {
+  return QByteArrayList{"BEGIN:VCALENDAR", "VERSION:2.0", "PRODID:-//Hourbook//Hourbook 3//EN", {}}.join(
+             lineEnd) +
+         event + "END:VCALENDAR" + lineEnd;
+}
+
+}  // namespace platform::calendar::icalendar

@@ -1,0 +1,170 @@
+#include "platform/calendar/icalendar/eventsource.h"
+
+#include "platform/basic/failure.h"
+#include "platform/files/atomicfile.h"
+
+#include <QCryptographicHash>
+
+#include <chrono>
+#include <filesystem>
+
+namespace platform::calendar::icalendar {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr qint64 maxFileBytes = 1024LL * 1024 * 1024;    // of a calendar in one file
+constexpr qint64 maxItemFileBytes = 64LL * 1024 * 1024;  // of one file among many
+constexpr qint64 settlingNs = 100 * 1000 * 1000;         // clocks of file systems are coarse
+
+fs::path native(const QString& path) {
+  return fs::path(path.toStdU16String());
+}
+
+qint64 nanoseconds(fs::file_time_type time) {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
+}
+
+[[noreturn]] void fail(qint32 number, const QString& label, const QString& text) {
+  throw Failure(number, QStringLiteral("Calendar \"%1\": %2").arg(label, text),
+                QStringLiteral("IcalendarStore"));
+}
+
+}  // namespace
+
+FileCache::FileCache(QString path, QString label) : path_(std::move(path)), label_(std::move(label)) {}
+
+bool FileCache::isFolder() const {
+  std::error_code none;
+  return fs::is_directory(native(path_), none);
+}
+
+QString FileCache::pathOf(const QString& name) const {
+  return isFolder() ? path_ + u'/' + name : path_;
+}
+
+QMap<QString, FileCache::Stamp> FileCache::stamps() const {
+  QMap<QString, Stamp> found;
+  std::error_code error;
+  const fs::path root = native(path_);
+  const auto add = [&](const fs::path& file) {
+    std::error_code ignored;
+    const auto time = fs::last_write_time(file, ignored);
+    const auto size = fs::is_regular_file(file, ignored) ? fs::file_size(file, ignored) : 0;
+    found.insert(QString::fromStdU16String(file.filename().u16string()),
+                 {nanoseconds(time), static_cast<qint64>(size)});
+  };
+  const fs::file_status status = fs::status(root, error);
+  if (!fs::exists(status)) fail(errNotFound, label_, QStringLiteral("\"%1\" does not exist.").arg(path_));
+  if (!fs::is_directory(status)) {
+    add(root);
+    return found;
+  }
+  fs::directory_iterator entry(root, error);
+  if (error)
+    fail(error == std::errc::permission_denied ? errAccessDenied : errStoreBroken, label_,
+         QStringLiteral("the folder \"%1\" cannot be read: %2")
+             .arg(path_, QString::fromStdString(error.message())));
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    const QString name = QString::fromStdU16String(entry->path().filename().u16string());
+    std::error_code ignored;
+    if (!name.startsWith(u'.') && name.endsWith(u".ics", Qt::CaseInsensitive) &&
+        !entry->is_directory(ignored))
+      add(entry->path());
+  }
+  return found;
+}
+
+void FileCache::read(const QString& name, const Stamp& stamp) {
+  const bool one = !isFolder();
+  const files::ReadResult result = files::readFile(pathOf(name), one ? maxFileBytes : maxItemFileBytes);
+  if (!result.ok && one)
+    fail(result.fingerprint.exists ? errAccessDenied : errNotFound, label_, result.error);
+  Entry entry;
+  entry.stamp = stamp;
+  entry.settled = nanoseconds(fs::file_time_type::clock::now()) - stamp.mtimeNs > settlingNs;
+  if (result.ok)
+    entry.file = calendarFile(name, result.bytes);
+  else
+    entry.error = result.error;
+  entries_.insert(name, std::move(entry));
+  grouped_ = false;
+}
+
+void FileCache::refresh() {
+  const QMap<QString, Stamp> now = stamps();
+  for (auto entry = entries_.begin(); entry != entries_.end();) {
+    if (now.contains(entry.key())) {
+      ++entry;
+    } else {
+      entry = entries_.erase(entry);
+      grouped_ = false;
+    }
+  }
+  for (auto found = now.begin(); found != now.end(); ++found) {
+    const auto known = entries_.constFind(found.key());
+    if (known == entries_.cend() || known->stamp != found.value() || !known->settled)
+      read(found.key(), found.value());
+  }
+  if (!grouped_) regroup();
+}
+
+void FileCache::regroup() {
+  groups_.clear();
+  for (const Entry& entry : std::as_const(entries_)) {
+    if (!entry.file) continue;
+    for (const Event& event : entry.file->events) {
+      Group& group = groups_[event.uid];
+      (event.isOverride() ? group.overrides : group.masters).append({entry.file, &event});
+    }
+  }
+  grouped_ = true;
+}
+
+QList<Group> FileCache::between(qint64 from, qint64 to) {
+  refresh();
+  const auto touches = [&](const EventRef& ref) {
+    if (!ref.event->start)
+      return from == std::numeric_limits<qint64>::min() && to == std::numeric_limits<qint64>::max();
+    return ref.event->earliest() <= to && ref.event->latest() >= from;
+  };
+  QList<Group> found;
+  for (const Group& group : std::as_const(groups_))
+    if (std::any_of(group.masters.begin(), group.masters.end(), touches) ||
+        std::any_of(group.overrides.begin(), group.overrides.end(), touches))
+      found.append(group);
+  return found;
+}
+
+Group FileCache::withUid(const QString& uid) {
+  refresh();
+  return groups_.value(uid);
+}
+
+QList<Problem> FileCache::problems() {
+  refresh();
+  QList<Problem> all;
+  for (auto entry = entries_.cbegin(); entry != entries_.cend(); ++entry) {
+    if (entry->file)
+      all += entry->file->problems;
+    else
+      all.append({entry.key(), 0, entry->error});
+  }
+  return all;
+}
+
+void FileCache::forget(const QString& name) {
+  entries_.remove(name);
+  grouped_ = false;
+}
+
+QString FileCache::changeTag() const {
+  QCryptographicHash hash(QCryptographicHash::Sha1);
+  const QMap<QString, Stamp> now = stamps();
+  for (auto found = now.begin(); found != now.end(); ++found)
+    hash.addData(
+        QStringLiteral("%1\n%2\n%3\n").arg(found.key()).arg(found->mtimeNs).arg(found->size).toUtf8());
+  return QString::fromLatin1(hash.result().toHex());
+}
+
+}  // namespace platform::calendar::icalendar

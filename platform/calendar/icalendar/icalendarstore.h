@@ -1,0 +1,43 @@
+#pragma once
+#include "platform/calendar/store.h"
+
+#include <memory>
+#include <vector>
+
+namespace platform::calendar {
+
+/// One calendar as the user has configured it. `path` is a folder with one .ics file for each item (the form
+/// that khal, vdirsyncer and Radicale keep) or one .ics file with many.
+struct IcalendarFolder {
+  QString id;
+  QString name;
+  QString storeName;
+  QString path;
+  bool readOnly = false;
+};
+
+/// Calendars in iCalendar files. Reading never changes a file; a change replaces the lines that it touches
+/// and leaves every other byte as it is. `ItemKey::place` is the file's name, with "#n" for the n-th of
+/// several alike in it. A new item is stored in UTC (an all-day one as its dates); moving an item keeps the
+/// zone in which it is written. Items come back from `save` in the zone of the changed start, else in the
+/// clock's.
+class IcalendarStore : public Store {
+ public:
+  explicit IcalendarStore(QList<IcalendarFolder> folders);
+  ~IcalendarStore() override;
+
+  QList<FolderInfo> folders() override;
+  QList<Item> items(const QString& folder, const Query& query) override;
+  Item save(const QString& folder, const ItemKey& key, const QString& tag, const Change& change) override;
+  void remove(const QString& folder, const ItemKey& key, const QString& tag) override;
+  QString changeTag(const QString& folder) override;
+  QList<Problem> problems(const QString& folder) override;
+
+ private:
+  struct Calendar;
+  Calendar& calendar(const QString& id);
+
+  std::vector<std::unique_ptr<Calendar>> calendars_;
+};
+
+}  // namespace platform::calendar

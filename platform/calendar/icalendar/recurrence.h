@@ -1,0 +1,37 @@
+#pragma once
+#include "platform/calendar/icalendar/values.h"
+
+#include <functional>
+
+// Recurrence rules on the wall clock. Whoever asks turns the wall-clock times into instants: libical's own
+// iteration in a zone is wrong on the day after the clocks went forward.
+namespace platform::calendar::icalendar {
+
+inline constexpr int maxOccurrencesPerQuery = 10'000;  // of one series
+inline constexpr int maxRuleSteps = 500'000;           // walked for one rule in one query, shown or not
+
+/// A rule whose every part has been checked. UNTIL and COUNT are minded here and never reach libical.
+struct Rule {
+  enum class Frequency { Secondly, Minutely, Hourly, Daily, Weekly, Monthly, Yearly };
+  Frequency frequency = Frequency::Daily;
+  int interval = 1;
+  int count = 0;  // 0: without
+  std::optional<DateValue> until;
+  QList<int> byMonth, byMonthDay, byYearDay, byWeekNo, byHour, byMinute, bySecond, bySetPos;
+  QList<QPair<int, int>> byDay;  // n-th (0: every), weekday from 0 = Sunday
+  int weekStart = 1;
+
+  bool isSubDaily() const { return frequency <= Frequency::Hourly; }
+};
+
+/// Nothing when the rule cannot be understood; `why` then says it.
+std::optional<Rule> ruleOf(const QByteArray& text, QString* why);
+
+/// Hands over, in order, the starts between `from` and `to` (wall clock, both included) that the rule makes
+/// from `start` on, none behind `until`. `start` itself is not handed over unless it suits the rule, but
+/// counts in COUNT. `take` gives false to stop. The result is false when the walk became too long and was
+/// broken off.
+bool walk(const Rule& rule, qint64 start, qint64 until, qint64 from, qint64 to,
+          const std::function<bool(qint64)>& take);
+
+}  // namespace platform::calendar::icalendar
