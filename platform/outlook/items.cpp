@@ -51,8 +51,9 @@ std::shared_ptr<AppointmentItem> Items::Item(const QString& subject) const {
 
 std::shared_ptr<AppointmentItem> Items::Add() const {
   calendar::Item item;
+  constexpr double aSecond = 1.0 / 86400;  // a half hour's own fraction of the day is not exact
   const double now = basic::Now().serial();
-  item.start = momentOf(basic::Date(std::ceil(now / halfHour) * halfHour));
+  item.start = momentOf(basic::Date(std::ceil((now - aSecond / 2) / halfHour) * halfHour));
   item.end = item.start.addSecs(newDuration * 60);
   return object(item);
 }

@@ -154,6 +154,16 @@ TEST_F(ItemsTest, ANewAppointmentStartsAtTheNextHalfHourAndReachesTheCalendarWit
   EXPECT_EQ(items().Count(), 4);
 }
 
+TEST_F(ItemsTest, AHalfHourThatJustBeginsIsTheNextOne) {
+  for (int half = 0; half < 48; ++half) {
+    const QDateTime now(QDate(2024, 5, 15), QTime(half / 2, half % 2 * 30));
+    world.setTime(now);
+    EXPECT_EQ(shown(items().Add()->Start()), now.toString(u"yyyy-MM-dd HH:mm:ss"_s));
+  }
+  world.setTime(QDateTime(QDate(2024, 5, 15), QTime(10, 30, 1)));
+  EXPECT_EQ(shown(items().Add()->Start()), u"2024-05-15 11:00:00"_s);
+}
+
 TEST_F(ItemsTest, ANewAppointmentTakesTheTimesItIsGiven) {
   const auto item = items().Add();
   item->setStart(basic::Date::of(QDate(2024, 5, 17), QTime(8, 0)));
