@@ -66,18 +66,6 @@ QString readAndDelete(const QString& path) {
   return content;
 }
 
-/// The description of a vCalendar text. Only line breaks and soft line breaks are decoded.
-QString descriptionOf(const QString& vcalendar) {
-  const QString start = QStringLiteral("DESCRIPTION;ENCODING=QUOTED-PRINTABLE:");
-  const QString lineBreak = QStringLiteral("=0D=0A");
-  // kept: without the start the search runs from behind where it would end if the text began with it;
-  // positions count from 1 and a text that is not there has position 0
-  const qsizetype from = (vcalendar.indexOf(start) + 1) + start.size() - 1;
-  const qsizetype end = vcalendar.indexOf(lineBreak + vbCrLf, from);
-  if (end < 0) return {};
-  return vcalendar.mid(from, end - from).remove(u'=' + vbCrLf).replace(lineBreak, vbCrLf);
-}
-
 }  // namespace
 
 Value fncGetOutlookValue(AppointmentItem& item, const QString& property, int type,
@@ -118,16 +106,28 @@ QString fncGetLongProperty(AppointmentItem& item, const QString& property) try {
   subHandleError(failure, QStringLiteral("fncGetLongProperty"));
 }
 
+QString fncDescriptionOfVcal(const QString& vcalendar) {
+  const QString start = QStringLiteral("DESCRIPTION;ENCODING=QUOTED-PRINTABLE:");
+  const QString lineBreak = QStringLiteral("=0D=0A");
+  // kept: without the start the search runs from behind where it would end if the text began with it;
+  // positions count from 1 and a text that is not there has position 0
+  const qsizetype from = (vcalendar.indexOf(start) + 1) + start.size() - 1;
+  const qsizetype end = vcalendar.indexOf(lineBreak + vbCrLf, from);
+  if (end < 0) return {};
+  return vcalendar.mid(from, end - from).remove(u'=' + vbCrLf).replace(lineBreak, vbCrLf);
+}
+
 QString fncReadBodyThroughVcal(const AppointmentItem& appointment) {
   QString path;
   tolerate([&] { path = fncGetTempPath() + u"\\HBTemp.txt"_s; });
   tolerate([&] {
     const std::shared_ptr<MailItem> mail = appointment.ForwardAsVcal();
-    if (!mail->Attachments.empty()) mail->Attachments.front().SaveAsFile(platform::scripting::systemPath(path));
+    if (!mail->Attachments.empty())
+      mail->Attachments.front().SaveAsFile(platform::scripting::systemPath(path));
   });
   QString content;
   tolerate([&] { content = readAndDelete(path); });
-  return descriptionOf(content);
+  return fncDescriptionOfVcal(content);
 }
 
 }  // namespace hourbook

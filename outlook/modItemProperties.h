@@ -19,6 +19,9 @@ platform::outlook::AppointmentItem& subFixLongProperty(platform::outlook::Appoin
                                                        const QString& text, const QString& property);
 /// The text that `subFixLongProperty` split; empty when there is none.
 QString fncGetLongProperty(platform::outlook::AppointmentItem& item, const QString& property);
+/// The description in a vCalendar text, up to its last line break; empty when that is missing. Only line
+/// breaks and soft line breaks are decoded.
+QString fncDescriptionOfVcal(const QString& vcalendar);
 /// The body text, by way of the item's vCalendar form; empty when it has none or cannot be read.
 QString fncReadBodyThroughVcal(const platform::outlook::AppointmentItem& appointment);
 
