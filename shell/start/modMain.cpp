@@ -62,7 +62,8 @@ bool openCalendarFolder() {
 bool readPersonalSettings() {
   SettingsValues& values = settingsValues();
   values.gPersonalSettings = std::make_shared<cPersonalSettings>();
-  if (values.gPersonalSettings->GetValuesFromSettings() && values.gPersonalSettings->MetaDataLists.Count() > 0)
+  if (values.gPersonalSettings->GetValuesFromSettings() &&
+      values.gPersonalSettings->MetaDataLists.Count() > 0)
     return true;
   showCritical(QStringLiteral("Failed to read settings for the active Outlook folder!"));
   return false;
@@ -77,7 +78,8 @@ void readGlobalSettings() {
   values.gGlobalSettings->ReportToValue = personal.ReportValue;
   if (values.gGlobalSettings->ReadGlobalSettings(personal.ReportChoice, personal.ReportValue)) return;
   // kept: the file of the one database stands in the message for every kind of target
-  showCritical(QStringLiteral("Unable to reach \r\n") + personal.ReportValue + QStringLiteral("\\Hourbook3.mdb"));
+  showCritical(QStringLiteral("Unable to reach \r\n") + personal.ReportValue +
+               QStringLiteral("\\Hourbook3.mdb"));
   subEndProcess();
 }
 
@@ -85,9 +87,10 @@ void loadReportForm(const StartParts& parts) {
   WorkspaceValues& values = workspaceValues();
   const auto make = parts.reportForms.value(values.gOWCVersion);
   if (!make)
-    throw Failure(platform::failure::cantCreateObject,
-                  QStringLiteral("This version has no report form for generation %1 of the spreadsheet component")
-                      .arg(values.gOWCVersion));
+    throw Failure(
+        platform::failure::cantCreateObject,
+        QStringLiteral("This version has no report form for generation %1 of the spreadsheet component")
+            .arg(values.gOWCVersion));
   values.gReportForm = make();
   values.gReportForm->Load();
 }
@@ -96,7 +99,8 @@ void showReportForm() {
   WorkspaceValues& values = workspaceValues();
   values.gReportForm->Show();
   // A program without the grid stays in the list, whatever the settings ask for.
-  if (settingsValues().gPersonalSettings->StartGrid && values.gGridView) values.gReportForm->chkGrid.setValue(1);
+  if (settingsValues().gPersonalSettings->StartGrid && values.gGridView)
+    values.gReportForm->chkGrid.setValue(1);
 }
 
 void start(const StartParts& parts) {
@@ -124,10 +128,10 @@ int ask(const QString& question) {
 }
 
 [[noreturn]] void offerComponents() {
-  const QString question =
-      QStringLiteral("Unable to start the MS Office Web Components!\r\n"
-                     "Please download these FREE component from Microsoft Download\r\n"
-                     "Do you want to go to that website now?");
+  const QString question = QStringLiteral(
+      "Unable to start the MS Office Web Components!\r\n"
+      "Please download these FREE component from Microsoft Download\r\n"
+      "Do you want to go to that website now?");
   if (ask(question) == platform::dialogs::vbYes)
     subOpenInBrowser(componentsPage);
   else

@@ -1,0 +1,58 @@
+#pragma once
+#include <QList>
+#include <QString>
+
+#include <stdexcept>
+
+namespace hourbook {
+
+/// One calendar of the machine: a folder of .ics files or one such file.
+struct CalendarEntry {
+  QString id;  // unique
+  QString name;
+  QString path;  // absolute
+  bool readOnly = false;
+};
+
+/// Why the program cannot start with the configuration that it found; for the user to read.
+class ConfigurationError : public std::runtime_error {
+ public:
+  explicit ConfigurationError(const QString& text) : std::runtime_error(text.toStdString()), text_(text) {}
+  const QString& text() const { return text_; }
+
+ private:
+  QString text_;
+};
+
+/// What the machine is set up with, from `platform.ini`:
+///
+///     [mailbox]
+///     name=Mailbox - Jane Doe
+///     version=11.0.0.8169
+///     [calendars]
+///     size=1
+///     1\id=work
+///     1\name=Calendar
+///     1\path=/home/jane/calendars/work
+///     1\readonly=false
+///     open=work
+///
+/// A relative path is taken from the configuration's folder. Without `open` no calendar's window is open.
+struct Configuration {
+  QString folder;       // that holds platform.ini and the registry
+  QString mailboxName;  // display name of the mailbox's top
+  QString outlookVersion;
+  QList<CalendarEntry> calendars;
+  QString openCalendar;  // id
+
+  QString registryFile() const;
+  /// Where mails are kept until the user sends them.
+  QString draftFolder() const;
+
+  /// Reads and checks `platform.ini` of a folder. Throws ConfigurationError.
+  static Configuration read(const QString& folder);
+  /// The folder that HOURBOOK_CONFIG names, else "hourbook" in the user's configuration folder.
+  static QString defaultFolder();
+};
+
+}  // namespace hourbook

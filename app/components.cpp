@@ -1,0 +1,81 @@
+#include "app/components.h"
+
+#include "platform/ado/registration.h"
+#include "platform/calendar/icalendar/icalendarstore.h"
+#include "platform/dao/registration.h"
+#include "platform/forms/controls.h"
+#include "platform/outlook/application.h"
+#include "platform/owc/chartspace.h"
+#include "platform/owc/spreadsheet.h"
+#include "platform/scripting/dictionary.h"
+#include "platform/scripting/filesystem.h"
+#include "platform/scripting/shell.h"
+#include "platform/sql/sqlite/engine.h"
+#include "platform/sql/sqlite/session.h"
+
+namespace hourbook {
+
+using platform::automation::Components;
+
+namespace {
+
+template <class T>
+void addPlain(Components& components, const QString& progId) {
+  components.add<T>(progId, [] { return std::make_shared<T>(); });
+}
+
+std::shared_ptr<platform::outlook::Application> openOutlook(const Configuration& configuration) {
+  QList<platform::calendar::IcalendarFolder> folders;
+  for (const CalendarEntry& entry : configuration.calendars)
+    folders.append({entry.id, entry.name, configuration.mailboxName, entry.path, entry.readOnly});
+  platform::outlook::Profile profile;
+  profile.stores.append(std::make_shared<platform::calendar::IcalendarStore>(folders));
+  profile.openFolder = configuration.openCalendar;
+  profile.version = configuration.outlookVersion;
+  profile.draftFolder = configuration.draftFolder();
+  return std::make_shared<platform::outlook::Application>(profile);
+}
+
+void registerOutlook(Components& components, const Configuration& configuration) {
+  const auto application = openOutlook(configuration);
+  components.addRunning<platform::outlook::Application>(QStringLiteral("Outlook.Application"),
+                                                        [application] { return application; });
+}
+
+void registerDatabases(Components& components) {
+  using namespace platform::sql;
+  const auto driver = std::make_shared<sqlite::SqliteDriver>();
+  const auto drivers = std::make_shared<Drivers>();
+  drivers->add(QStringLiteral("Microsoft.Jet.OLEDB.4.0"), driver);
+  platform::ado::registerComponents(components, drivers);
+  platform::dao::registerComponents(components, driver, std::make_shared<sqlite::SqliteEngine>());
+}
+
+void registerScripting(Components& components) {
+  using namespace platform::scripting;
+  addPlain<DictionaryComponent>(components, QStringLiteral("Scripting.Dictionary"));
+  addPlain<FileSystemObject>(components, QStringLiteral("Scripting.FileSystemObject"));
+  addPlain<WshShell>(components, QStringLiteral("Wscript.Shell"));
+}
+
+void registerControls(Components& components) {
+  using namespace platform::owc;
+  components.add<ChartSpace>(QStringLiteral("OWC11.ChartSpace"),
+                             [] { return std::make_shared<ChartSpace>(); });
+  components.add<Spreadsheet>(QStringLiteral("OWC11.Spreadsheet"),
+                              [] { return std::make_shared<Spreadsheet>(Generation::Office2003); });
+  components.add<platform::forms::DTPicker>(QStringLiteral("MSComCtl2.DTPicker"), [] {
+    return std::make_shared<platform::forms::DTPicker>(QString());
+  });
+}
+
+}  // namespace
+
+void registerComponents(Components& components, const Configuration& configuration) {
+  registerOutlook(components, configuration);
+  registerDatabases(components);
+  registerScripting(components);
+  registerControls(components);
+}
+
+}  // namespace hourbook

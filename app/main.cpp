@@ -1,0 +1,56 @@
+#include "app/components.h"
+#include "app/Configuration.h"
+#include "platform/dialogs/qt/qtdialogs.h"
+#include "platform/process/process.h"
+#include "platform/registry/ini/inifile.h"
+#include "shell/start/modMain.h"
+#include "shell/start/ProgramValues.h"
+#include "workspace/frm2003Report.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+
+using namespace hourbook;
+
+/// Told in a box and on the error output, for who starts the program from a terminal or a script.
+int refuseToStart(const QString& text) {
+  std::fprintf(stderr, "%s\n", qPrintable(text));
+  platform::dialogs::Dialogs::current().MsgBox(text, platform::dialogs::vbCritical, gTitle);
+  return 1;
+}
+
+int run(QApplication& application) {
+  const Configuration configuration = Configuration::read(Configuration::defaultFolder());
+  platform::automation::Components components;
+  registerComponents(components, configuration);
+  platform::registry::IniRegistry registry(configuration.registryFile());
+  const platform::automation::ScopedComponents componentsInForce(components);
+  const platform::registry::ScopedRegistry registryInForce(registry);
+  const platform::process::ScopedProcess processInForce(platform::process::systemProcess());
+  ProgramValues values;
+  StartParts parts;
+  parts.reportForms.insert(11, frm2003Report);
+  Main(parts);
+  // Without a form the start was left early, after its message.
+  return values.workspace->gReportForm ? application.exec() : 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("hourbook"));
+  QApplication::setDesktopFileName(QStringLiteral("hourbook"));
+  platform::dialogs::QtDialogs dialogs;
+  const platform::dialogs::ScopedDialogs dialogsInForce(dialogs);
+  try {
+    return run(application);
+  } catch (const ConfigurationError& error) {
+    return refuseToStart(error.text());
+  } catch (const platform::Failure& failure) {
+    return refuseToStart(failure.description());
+  }
+}

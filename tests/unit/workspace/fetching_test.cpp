@@ -1,0 +1,424 @@
+#include "platform/basic/clock.h"
+#include "platform/outlook/constants.h"
+#include "workspace/modGetData.h"
+#include "workspace/modReportForm.h"
+#include "workspaceworld.h"
+
+namespace tests {
+namespace {
+
+namespace calendar = platform::calendar;
+using testing::ElementsAre;
+
+const QString complete = QStringLiteral(";Acme;Website;Design");
+
+calendar::Recurrence daily(int count) {
+  calendar::Recurrence rule;
+  rule.count = count;
+  return rule;
+}
+
+/// The list shows all appointments of Monday, 13 May, to Friday, 17 May 2024, unless a test says otherwise.
+class Fetching : public testing::Test {
+ protected:
+  Fetching() {
+    w.withDatePickers();
+    w.loadForm();
+    w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 17));
+    w.form->cmbFilterCalendar.setText(QStringLiteral("All appointments"));
+  }
+  void fetch() { subGetData(); }
+  void showMarked() { w.form->cmbFilterCalendar.setListIndex(0); }
+  void showNotMarked() { w.form->cmbFilterCalendar.setListIndex(1); }
+  /// Puts the same calendar behind a store that fails where it is told to.
+  std::shared_ptr<calendar::FailingStore> failing() {
+    auto store = std::make_shared<calendar::FailingStore>(w.calendar);
+    platform::outlook::Profile profile;
+    profile.stores.append(store);
+    profile.openFolder = w.folder;
+    w.outlook->gOutlookApp = std::make_shared<platform::outlook::Application>(profile);
+    w.outlook->gCalendarFolder = w.outlook->gOutlookApp->ActiveExplorer()->CurrentFolder();
+    return store;
+  }
+  calendar::Item meetingRequest(const QDateTime& start) const {
+    calendar::Item request = w.appointment(QStringLiteral("Request"), start);
+    request.messageClass = platform::outlook::classMeetingRequest;
+    return request;
+  }
+  WorkspaceWorld w;
+};
+
+TEST_F(Fetching, PutsOneRowForEachAppointmentInOrderOfTime) {
+  w.add(QStringLiteral("Later"), at(15, 14));
+  w.add(QStringLiteral("Earlier"), at(14, 9));
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Earlier"), QStringLiteral("Later")));
+  EXPECT_EQ(w.workspace->gLastRow, 3);
+}
+
+TEST_F(Fetching, FillsTheColumnsOfARow) {
+  w.add(QStringLiteral("Workshop"), at(15, 9), 75, complete);
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("Workshop"));
+  EXPECT_EQ(w.cell(QStringLiteral("B2")), QStringLiteral("Acme"));
+  EXPECT_EQ(w.cell(QStringLiteral("C2")), QStringLiteral("Website"));
+  EXPECT_EQ(w.cell(QStringLiteral("D2")), QStringLiteral("Design"));
+  EXPECT_EQ(w.cell(QStringLiteral("E2")), QStringLiteral("Wed 5/15/2024"));
+  EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("1.25"));
+  EXPECT_EQ(w.cell(QStringLiteral("G2")), QStringLiteral("Not Posted"));
+  EXPECT_EQ(w.cell(QStringLiteral("H2")), QStringLiteral("5"));
+}
+
+TEST_F(Fetching, LeavesCellsOfEmptyMarkingsEmptyAndCountsThemAllTheSame) {
+  w.add(QStringLiteral("Half marked"), at(15, 9), 60, QStringLiteral(";Website"));
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("B2")), QString());
+  EXPECT_EQ(w.cell(QStringLiteral("C2")), QStringLiteral("Website"));
+  EXPECT_EQ(w.cell(QStringLiteral("H2")), QStringLiteral("5"));
+}
+
+TEST_F(Fetching, ShowsTheWeekdayAndTheDateInTheSystemsFormat) {
+  w.world.setLocale(QStringLiteral("sv_SE"));
+  w.add(QStringLiteral("Workshop"), at(15, 9));
+  fetch();
+  EXPECT_TRUE(w.cell(QStringLiteral("E2")).endsWith(QStringLiteral(" 2024-05-15")));
+}
+
+TEST_F(Fetching, ShowsTheDayOnWhichARowWasReported) {
+  calendar::Item item = w.appointment(QStringLiteral("Done"), at(15, 9));
+  item.billingInformation = QStringLiteral("5/15/2024 4:30:00 PM");
+  w.calendar->add(w.folder, item);
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("G2")), QStringLiteral("2024-05-15"));
+}
+
+TEST_F(Fetching, ShowsABillingTextThatIsNoDateAsItStands) {
+  calendar::Item item = w.appointment(QStringLiteral("Odd"), at(15, 9));
+  item.billingInformation = QStringLiteral("by hand");
+  w.calendar->add(w.folder, item);
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("G2")), QStringLiteral("by hand"));
+}
+
+TEST_F(Fetching, KeepsTheAppointmentBehindEachRowUnderItsNumber) {
+  w.add(QStringLiteral("First"), at(14, 9));
+  w.add(QStringLiteral("Second"), at(15, 9));
+  fetch();
+  ASSERT_EQ(w.outlook->gRowItems.Count(), 2);
+  EXPECT_EQ(w.outlook->gRowItems.Item(QStringLiteral("2"))->Subject(), QStringLiteral("First"));
+  EXPECT_EQ(w.outlook->gRowItems.Item(QStringLiteral("3"))->Subject(), QStringLiteral("Second"));
+  fetch();
+  EXPECT_EQ(w.outlook->gRowItems.Count(), 2);
+}
+
+TEST_F(Fetching, TakesNothingOutsideOfThePeriod) {
+  w.add(QStringLiteral("Day before"), at(12, 23, 30));
+  w.add(QStringLiteral("First minute"), at(13, 0, 0));
+  w.add(QStringLiteral("Last minute"), at(17, 23, 59));
+  w.add(QStringLiteral("Late on the day after"), at(18, 23, 30));
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("First minute"), QStringLiteral("Last minute")));
+}
+
+TEST_F(Fetching, SaysThatAnEmptyPeriodHasNoAppointments) {
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("No appointments found!"));
+  EXPECT_EQ(w.form->exsThisWeek.ViewableRange(), QStringLiteral("A1:G2"));
+  EXPECT_EQ(w.workspace->gLastRow, 1);
+}
+
+TEST_F(Fetching, ShowsAllRowsAndNoMore) {
+  for (int hour = 8; hour < 12; ++hour) w.add(QStringLiteral("Meeting"), at(15, hour));
+  fetch();
+  EXPECT_EQ(w.form->exsThisWeek.ViewableRange(), QStringLiteral("A1:G5"));
+}
+
+TEST_F(Fetching, ForgetsTheRowsOfTheFetchBefore) {
+  w.add(QStringLiteral("Only on Tuesday"), at(14, 9), 60, complete);
+  fetch();
+  w.setPeriod(QDate(2024, 5, 15), QDate(2024, 5, 15));
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("No appointments found!"));
+  for (const char* address : {"B2", "C2", "D2", "E2", "F2", "G2"})
+    EXPECT_EQ(w.cell(QString::fromLatin1(address)), QString()) << address;
+}
+
+TEST_F(Fetching, SaysThatItIsFetchingWhileItDoes) {
+  QString meanwhile;
+  int pointer = 0;
+  w.screen->onRefresh = [&] {
+    meanwhile = w.cell(QStringLiteral("A2"));
+    pointer = w.form->MousePointer();
+  };
+  fetch();
+  EXPECT_EQ(meanwhile, QStringLiteral("Fetching appointments ..."));
+  EXPECT_EQ(pointer, vbHourglass);
+  EXPECT_EQ(w.form->MousePointer(), vbDefault);
+}
+
+TEST_F(Fetching, KeepsTheSheetsEventsOutMeanwhile) {
+  bool fetching = false, events = true;
+  w.screen->onRefresh = [&] {
+    fetching = w.workspace->gFetching;
+    events = w.form->exsThisWeek.EnableEvents;
+  };
+  fetch();
+  EXPECT_TRUE(fetching);
+  EXPECT_FALSE(events);
+  EXPECT_FALSE(w.workspace->gFetching);
+  EXPECT_TRUE(w.form->exsThisWeek.EnableEvents);
+}
+
+TEST_F(Fetching, LocksTheHeaderAndTheWeekdayAndLeavesTheRestToTheUser) {
+  w.add(QStringLiteral("Meeting"), at(15, 9));
+  fetch();
+  EXPECT_TRUE(w.form->exsThisWeek.ActiveSheet.Protection.Enabled);
+  const auto locked = [&](const char* address) {
+    return w.form->exsThisWeek.Range(QString::fromLatin1(address)).format().locked;
+  };
+  for (const char* address : {"A1", "G1", "J1", "E2", "E200", "H2"}) EXPECT_TRUE(locked(address)) << address;
+  for (const char* address : {"A2", "D200", "F2", "G200"}) EXPECT_FALSE(locked(address)) << address;
+}
+
+TEST_F(Fetching, HidesTheDropDownsOfTheRow) {
+  w.form->cmbMeta1.setVisible(true);
+  w.form->cmbMeta2.setVisible(true);
+  w.form->cmbMeta3.setVisible(true);
+  fetch();
+  EXPECT_FALSE(w.form->cmbMeta1.Visible() || w.form->cmbMeta2.Visible() || w.form->cmbMeta3.Visible());
+}
+
+TEST_F(Fetching, StopsTheCalculationForGoodOnTheNewerGenerations) {
+  fetch();
+  EXPECT_EQ(w.form->exsThisWeek.Calculation, platform::owc::xlCalculationManual);
+}
+
+TEST_F(Fetching, StopsTheCalculationOfGeneration9OnlyMeanwhile) {
+  w.loadForm(9);
+  bool meanwhile = true;
+  w.screen->onRefresh = [&] { meanwhile = w.form->exsThisWeek.EnableAutoCalculate; };
+  fetch();
+  EXPECT_FALSE(meanwhile);
+  EXPECT_TRUE(w.form->exsThisWeek.EnableAutoCalculate);
+  EXPECT_EQ(w.form->exsThisWeek.Calculation, platform::owc::xlCalculationAutomatic);
+}
+
+TEST_F(Fetching, ShowsOnlyCompletelyMarkedAppointmentsWhenAsked) {
+  w.add(QStringLiteral("Complete"), at(15, 9), 60, complete);
+  w.add(QStringLiteral("One value is missing"), at(15, 10), 60, QStringLiteral(";Acme;Website"));
+  w.add(QStringLiteral("Unmarked"), at(15, 11));
+  showMarked();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Complete")));
+  showNotMarked();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("One value is missing"), QStringLiteral("Unmarked")));
+}
+
+TEST_F(Fetching, LeavesOutAllDayEventsWhenTheSettingsSaySo) {
+  w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14), 2);
+  w.add(QStringLiteral("A day long"), at(15, 8), 1440);
+  w.add(QStringLiteral("Longer than a day"), at(16, 8), 1441);
+  w.personal().FilterEvents = true;
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Longer than a day")));
+  w.personal().FilterEvents = false;
+  fetch();
+  EXPECT_THAT(w.subjects().size(), 3);
+}
+
+TEST_F(Fetching, CountsAnAllDayEventAs24HoursWithoutConversion) {
+  w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14));
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("24"));
+}
+
+TEST_F(Fetching, CountsAnAllDayEventAsTheSettingsHoursWithoutLunch) {
+  w.personal().Convert24 = true;
+  w.personal().RemoveLunch = true;
+  w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14));
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("8"));
+}
+
+TEST_F(Fetching, LeavesOutEverySensitivityButNormalWhenTheSettingsSaySo) {
+  using calendar::Sensitivity;
+  int hour = 8;
+  for (Sensitivity each :
+       {Sensitivity::Normal, Sensitivity::Personal, Sensitivity::Private, Sensitivity::Confidential}) {
+    calendar::Item item = w.appointment(QString::number(int(each)), at(15, hour++));
+    item.sensitivity = each;
+    w.calendar->add(w.folder, item);
+  }
+  w.personal().FilterPrivate = true;
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("0")));
+}
+
+TEST_F(Fetching, ShowsEachOccurrenceOfASeries) {
+  w.calendar->addSeries(w.folder, w.appointment(QStringLiteral("Daily"), at(14, 9), 30, complete), daily(3));
+  fetch();
+  EXPECT_THAT(w.subjects(),
+              ElementsAre(QStringLiteral("Daily"), QStringLiteral("Daily"), QStringLiteral("Daily")));
+  EXPECT_EQ(w.cell(QStringLiteral("E4")), QStringLiteral("Thu 5/16/2024"));
+  EXPECT_EQ(w.cell(QStringLiteral("B4")), QStringLiteral("Acme"));
+}
+
+TEST_F(Fetching, LeavesOutSeriesWhenTheSettingsSaySo) {
+  w.calendar->addSeries(w.folder, w.appointment(QStringLiteral("Daily"), at(14, 9)), daily(3));
+  w.add(QStringLiteral("Once"), at(15, 12));
+  w.personal().FilterRecurring = true;
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Once")));
+}
+
+TEST_F(Fetching, TakesTheMarkingOfAChangedOccurrenceFromItsSeries) {
+  const auto master = w.calendar->addSeries(
+      w.folder, w.appointment(QStringLiteral("Weekly"), at(14, 9), 60, complete), daily(2));
+  w.calendar->addException(w.folder, master, QStringLiteral("20240515T090000"),
+                           w.appointment(QStringLiteral("Moved"), at(15, 13), 60, QStringLiteral(";Beta")));
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("A3")), QStringLiteral("Moved"));
+  EXPECT_EQ(w.cell(QStringLiteral("B3")), QStringLiteral("Acme"));
+}
+
+TEST_F(Fetching, ShowsAMeetingRequestAsItsAppointmentOnTheRequestsDate) {
+  const calendar::Item request = meetingRequest(at(15, 9));
+  w.calendar->addMeetingRequest(w.folder, request,
+                                w.appointment(QStringLiteral("Meeting"), at(28, 10), 90, complete));
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Meeting")));
+  EXPECT_EQ(w.cell(QStringLiteral("B2")), QStringLiteral("Acme"));
+  EXPECT_EQ(w.cell(QStringLiteral("E2")), QStringLiteral("Tue 5/28/2024"));
+  EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("1.5"));
+}
+
+TEST_F(Fetching, LeavesOutAMeetingRequestWithoutAnAppointmentAndGoesOn) {
+  w.calendar->addMeetingRequest(w.folder, meetingRequest(at(14, 9)), std::nullopt);
+  w.add(QStringLiteral("Next"), at(15, 9));
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Next")));
+}
+
+TEST_F(Fetching, StopsAfterTheRow200AndSaysSo) {
+  for (int n = 0; n < 205; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
+  w.world.dialogs.expect(QStringLiteral("more than 99 appointments\" & vbCrLf & \"Choose"), 1);
+  fetch();
+  EXPECT_EQ(w.workspace->gLastRow, 200);
+  EXPECT_EQ(w.cell(QStringLiteral("A200")), QStringLiteral("199"));
+  EXPECT_EQ(w.form->exsThisWeek.ViewableRange(), QStringLiteral("A1:G200"));
+  EXPECT_FALSE(w.workspace->gFetching);
+}
+
+TEST_F(Fetching, KeepsAnOldRow200UntilTheNextOneIsWritten) {
+  for (int n = 0; n < 199; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
+  w.world.dialogs.expect(QStringLiteral("more than 99"), 1);
+  fetch();
+  w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 13));
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("A199")), QString());
+  EXPECT_EQ(w.cell(QStringLiteral("A200")), QStringLiteral("199"));
+}
+
+TEST_F(Fetching, ShowsNothingWhenTheCalendarCannotBeSearched) {
+  w.add(QStringLiteral("Unreachable"), at(15, 9));
+  failing()->failAlways(calendar::FailingStore::Operation::Items,
+                        platform::Failure(calendar::errStoreBroken, QStringLiteral("The disk is gone")));
+  fetch();
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("No appointments found!"));
+  EXPECT_FALSE(w.workspace->gFetching);
+}
+
+TEST_F(Fetching, EndsTheProgramWithoutACalendar) {
+  w.outlook->gCalendarFolder.reset();
+  w.world.dialogs.expect(QStringLiteral("Sub routine : subGetData"), 7);
+  EXPECT_ENDS_PROCESS(fetch());
+}
+
+TEST_F(Fetching, LogsTheFilterOfItsSearch) {
+  w.add(QStringLiteral("Meeting"), at(15, 9));
+  w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 17));
+  w.shell->gLogToFile = true;
+  w.world.process.folder = w.world.programFolder();
+  fetch();
+  QFile log(w.world.programFolder() + QStringLiteral("/NorrdalenLog.txt"));
+  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+  const QString text = QString::fromUtf8(log.readAll());
+  qsizetype from = 0;
+  for (const QString& step :
+       {QStringLiteral("Looping through current appointments"), QStringLiteral("Clearing the list"),
+        QStringLiteral("Setting an object reference to all apps in the calendar"),
+        QStringLiteral("Getting values for this week"),
+        QStringLiteral("Building an sql string to find all appointment in this time span"),
+        QStringLiteral("Beginning search with the string [Start] >=\"#5/13/2024 00:00#\" and [Start]<= "
+                       "\"5/18/2024 23:59#\""),
+        QStringLiteral("Fetching values and adding rows"),
+        QStringLiteral("Attempting to determine if the current item is properly filled out"),
+        QStringLiteral("Looping through values to build graph")}) {
+    const qsizetype found = text.indexOf(step, from);
+    EXPECT_GE(found, from) << step.toStdString();
+    from = found;
+  }
+}
+
+TEST_F(Fetching, LogsEachMarkingThatItWrites) {
+  w.add(QStringLiteral("Meeting"), at(15, 9), 60, complete);
+  w.shell->gLogToFile = true;
+  w.world.process.folder = w.world.programFolder();
+  fetch();
+  QFile log(w.world.programFolder() + QStringLiteral("/NorrdalenLog.txt"));
+  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(QString::fromUtf8(log.readAll())
+                  .contains(QStringLiteral("Setting value of cell 2 in range $A$2:$F$2 to Acme")));
+}
+
+class FetchingWithoutPickers : public testing::Test {
+ protected:
+  FetchingWithoutPickers() {
+    w.loadForm();
+    w.form->cmbFilterCalendar.setText(QStringLiteral("All appointments"));
+  }
+  WorkspaceWorld w;
+};
+
+TEST_F(FetchingWithoutPickers, TakesTheDaysBeforeTheDate) {
+  w.add(QStringLiteral("Eight days ago"), at(7, 9));
+  w.add(QStringLiteral("Seven days ago"), at(8, 9));
+  w.add(QStringLiteral("Today"), at(15, 9));
+  subGetData();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Seven days ago"), QStringLiteral("Today")));
+}
+
+TEST_F(FetchingWithoutPickers, FindsNothingWhileTheControlsHoldNoDate) {
+  w.add(QStringLiteral("Today"), at(15, 9));
+  w.form->cmbDay.Clear();
+  subGetData();
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("No appointments found!"));
+}
+
+TEST_F(FetchingWithoutPickers, LeavesTheListAsItStandsWhenThePeriodCannotBeComputed) {
+  w.form->cmbYear.setText(QStringLiteral("last year"));
+  subGetData();
+  EXPECT_EQ(w.form->MousePointer(), vbHourglass);
+  EXPECT_TRUE(w.workspace->gFetching);
+  EXPECT_FALSE(w.form->exsThisWeek.EnableEvents);
+  EXPECT_FALSE(w.form->exsThisWeek.ActiveSheet.Protection.Enabled);
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("Fetching appointments ..."));
+  w.form->cmbYear.setText(QStringLiteral("2024"));
+  subGetData();
+  EXPECT_FALSE(w.workspace->gFetching);
+  EXPECT_EQ(w.form->MousePointer(), vbDefault);
+}
+
+TEST(PersonalFilter, LetsEverythingThroughWithoutFilters) {
+  WorkspaceWorld w;
+  calendar::Item item = w.appointment(QStringLiteral("Private fair"), at(15, 0), 1440);
+  item.sensitivity = calendar::Sensitivity::Private;
+  item.allDay = true;
+  w.calendar->add(w.folder, item);
+  const auto found = w.outlook->gCalendarFolder->Items().Item(1);
+  EXPECT_TRUE(fncCheckInclude(*found));
+  w.personal().FilterEvents = true;
+  EXPECT_FALSE(fncCheckInclude(*found));
+}
+
+}  // namespace
+}  // namespace tests

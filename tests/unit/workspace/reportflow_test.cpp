@@ -1,0 +1,144 @@
+#include "platform/dialogs/dialogs.h"
+#include "platform/outlook/items.h"
+#include "settings/cGlobalSettings.h"
+#include "shell/modRegistryEntry.h"
+#include "workspace/modGetData.h"
+#include "workspaceworld.h"
+
+namespace tests {
+namespace {
+
+using platform::basic::Value;
+using platform::dialogs::vbNo;
+using platform::dialogs::vbYes;
+
+const QString complete = QStringLiteral(";Acme;Website;Design");
+const QString sure = QStringLiteral(
+    "You will not be able to change your reported time once you submit them to the database!\r\n"
+    "Are you sure you want to do this?");
+
+class Reporting : public testing::Test {
+ protected:
+  Reporting() {
+    w.settings->gGlobalSettings = std::make_shared<cGlobalSettings>();
+    w.settings->gGlobalSettings->OtherSettings = std::make_shared<cOtherSettings>();
+    w.personal().ReportChoice = 1;
+    w.reporting->subSendXMLReport = [this](platform::ado::Recordset& rows) {
+      fetchingMeanwhile = w.workspace->gFetching;
+      ++sent;
+      for (rows.MoveFirst(); !rows.isEOF(); rows.MoveNext()) {
+        rows[QStringLiteral("intResult")].setValue(Value(qint64(1)));
+        rows.Update();
+      }
+    };
+    w.withDatePickers();
+    w.loadForm();
+  }
+  void answer(const QString& question, int code) { w.world.dialogs.expect(question, code); }
+  void pressOK() { w.form->cmdOK.click(); }
+  void fetch() { subGetData(); }
+
+  WorkspaceWorld w;
+  int sent = 0;
+  bool fetchingMeanwhile = false;
+};
+
+TEST_F(Reporting, DoesNothingWithoutRows) {
+  pressOK();
+  EXPECT_EQ(sent, 0);
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
+}
+
+TEST_F(Reporting, AsksFirst) {
+  w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  fetch();
+  answer(sure, vbNo);
+  pressOK();
+  ASSERT_EQ(w.world.dialogs.shown.size(), 1);
+  EXPECT_EQ(w.world.dialogs.shown[0].text, sure);
+  EXPECT_EQ(w.world.dialogs.shown[0].options, 36);
+  EXPECT_EQ(w.world.dialogs.shown[0].title, QStringLiteral("Hourbook for Outlook Reporting"));
+  EXPECT_EQ(sent, 0);
+  EXPECT_EQ(w.cell(QStringLiteral("G2")), QStringLiteral("Not Posted"));
+}
+
+TEST_F(Reporting, StampsTheRowsAndStaysOpenForAnotherPeriod) {
+  const auto key = w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  fetch();
+  answer(sure, vbYes);
+  answer(QStringLiteral("Would you like to report for another period?"), vbYes);
+  pressOK();
+  EXPECT_EQ(sent, 1);
+  EXPECT_EQ(w.cell(QStringLiteral("G2")), QStringLiteral("OK"));
+  EXPECT_FALSE(w.outlook->gRowItems.Item(QStringLiteral("2"))->BillingInformation().isEmpty());
+}
+
+TEST_F(Reporting, KeepsTheChangeHandlersOutMeanwhile) {
+  w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  fetch();
+  answer(sure, vbYes);
+  answer(QStringLiteral("another period?"), vbYes);
+  pressOK();
+  EXPECT_TRUE(fetchingMeanwhile);
+  EXPECT_FALSE(w.workspace->gFetching);
+}
+
+TEST_F(Reporting, SelectsTheFirstCellOfTheList) {
+  w.form->exsThisWeek.Range(QStringLiteral("C1")).Select();
+  pressOK();
+  EXPECT_EQ(w.form->exsThisWeek.Selection().Address(), QStringLiteral("$A$1"));
+}
+
+TEST_F(Reporting, WorksOnTheMarkedRowsWhateverIsShown) {
+  w.add(QStringLiteral("Marked"), at(15, 9), 60, complete);
+  w.add(QStringLiteral("Unmarked"), at(15, 10));
+  w.form->cmbFilterCalendar.setListIndex(1);
+  answer(sure, vbNo);
+  pressOK();
+  EXPECT_EQ(w.form->cmbFilterCalendar.ListIndex(), 0);
+  EXPECT_EQ(w.subjects(), QStringList{QStringLiteral("Marked")});
+}
+
+TEST_F(Reporting, FetchesTheMarkedRowsWhileTheFilterIsHiddenToo) {
+  w.add(QStringLiteral("Marked"), at(15, 9), 60, complete);
+  w.form->cmbFilterCalendar.setListIndex(1);
+  w.form->cmbFilterCalendar.setVisible(false);
+  answer(sure, vbNo);
+  pressOK();
+  EXPECT_EQ(w.subjects(), QStringList{QStringLiteral("Marked")});
+}
+
+TEST_F(Reporting, SaysNothingWhenAllRowsArePostedAlready) {
+  auto item = w.appointment(QStringLiteral("Done"), at(15, 9), 60, complete);
+  item.billingInformation = QStringLiteral("2024-05-14");
+  w.calendar->add(w.folder, item);
+  fetch();
+  answer(sure, vbYes);
+  pressOK();
+  EXPECT_EQ(sent, 0);
+  EXPECT_EQ(w.world.dialogs.shown.size(), 1);
+}
+
+TEST_F(Reporting, EndsTheProgramWhenNoOtherPeriodIsWanted) {
+  w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  fetch();
+  answer(sure, vbYes);
+  answer(QStringLiteral("another period?"), vbNo);
+  EXPECT_ENDS_PROCESS(pressOK());
+}
+
+TEST_F(Reporting, KeepsTheWishForTheGridWhereThereIsNone) {
+  w.personal().StartGrid = true;
+  w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  fetch();
+  answer(sure, vbYes);
+  answer(QStringLiteral("another period?"), vbNo);
+  EXPECT_ENDS_PROCESS(pressOK());
+  EXPECT_TRUE(w.personal().StartGrid);
+  EXPECT_EQ(
+      fncGetRegistryValue(QStringLiteral("Settings"), QStringLiteral("StartGrid"), QStringLiteral("none")),
+      QStringLiteral("none"));
+}
+
+}  // namespace
+}  // namespace tests

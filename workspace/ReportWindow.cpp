@@ -1,0 +1,284 @@
+#include "workspace/ReportWindow.h"
+
+#include "platform/forms/widgets/bind.h"
+#include "platform/owc/view/sheetview.h"
+#include "shell/ShellValues.h"
+#include "workspace/FlowLayout.h"
+#include "workspace/modReportForm.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTabBar>
+
+namespace hourbook {
+
+namespace forms = platform::forms;
+
+namespace {
+
+inline constexpr int baseWidth = 920, baseHeight = 680;  // of a window on a screen with room
+
+const QString startPickerName = QStringLiteral("dtpStartDate");
+
+/// For a field with its label above.
+QBoxLayout* emptyColumn() {
+  auto* column = new QVBoxLayout;
+  column->setSpacing(2);
+  return column;
+}
+
+}  // namespace
+
+ReportWindow::ReportWindow(ReportForm& form) : form_(form) {
+  setObjectName(form.Name());
+  setWindowFlags(Qt::Window);
+  setSizeGripEnabled(false);
+  auto* page = new QVBoxLayout(this);
+  page->addLayout(periodRow());
+  page->addWidget(splitViews(), 1);
+  page->addLayout(buttonRow());
+  orderTabs();
+  connect(&form_, &forms::Control::propertyChanged, this, [this] { setWindowTitle(form_.Caption()); });
+  connect(&form_, &ReportForm::pickerAdded, this, &ReportWindow::takePicker);
+  connect(&form_, &ReportForm::pickerRemoved, this, &ReportWindow::dropPicker);
+  connect(&form_, &ReportForm::listFetched, this,
+          [this](int rows) { status_->setText(fncStatusText(rows)); });
+  const QRect room = screen()->availableGeometry();
+  resize(qMin(baseWidth, room.width()), qMin(baseHeight, room.height()));
+}
+
+ReportWindow::~ReportWindow() {
+  setMousePointer(vbDefault);
+}
+
+// Layout
+
+/// A label over its field.
+template <class ControlType, class Widget>
+QLayout* ReportWindow::field(forms::Label& label, ControlType& control, Widget* widget) {
+  auto* text = new QLabel(this);
+  text->setBuddy(widget);
+  forms::bind(label, text);
+  forms::bind(control, widget);
+  mnemonics_.add(label, text);
+  QBoxLayout* column = emptyColumn();
+  column->addWidget(text);
+  column->addWidget(widget);
+  return column;
+}
+
+template <class Button, class Widget>
+Widget* ReportWindow::button(Button& control, Widget* widget) {
+  forms::bind(control, widget);
+  mnemonics_.add(control, widget);
+  return widget;
+}
+
+QLayout* ReportWindow::periodRow() {
+  auto* row = new FlowLayout;
+  startField_ = emptyColumn();
+  endField_ = emptyColumn();
+  line_ = new QLabel(this);
+  forms::bind(form_.lnTo, line_);
+  line_->hide();
+  row->addLayout(startField_);
+  row->addWidget(line_);
+  row->addLayout(endField_);
+  row->addWidget(framePeriod());
+  row->addLayout(field(form_.lblWeek, form_.cmbWeek, new QComboBox(this)));
+  row->addWidget(button(form_.cmdGetValues, new QPushButton(this)));
+  row->addStretch();
+  row->addWidget(button(form_.chkGrid, new QCheckBox(this)));
+  row->addLayout(field(form_.lblFilterCalendar, form_.cmbFilterCalendar, new QComboBox(this)));
+  return row;
+}
+
+QWidget* ReportWindow::framePeriod() {
+  auto* frame = new QGroupBox(this);
+  auto* row = new FlowLayout(frame);
+  row->addLayout(field(form_.lblYear, form_.cmbYear, new QComboBox(this)));
+  row->addLayout(field(form_.lblMonth, form_.cmbMonth, new QComboBox(this)));
+  row->addLayout(field(form_.lblDay, form_.cmbDay, new QComboBox(this)));
+  row->addLayout(daysBefore());
+  forms::bind(form_.fraPeriod, frame);
+  return frame;
+}
+
+/// The text box with the scroll bar as its up and down arrows.
+QLayout* ReportWindow::daysBefore() {
+  auto* days = new QLineEdit(this);
+  QLayout* column = field(form_.lblDaysBefore, form_.txtDays, days);
+  auto* bar = new QScrollBar(Qt::Vertical, this);
+  forms::bind(form_.vDaysBefore, bar);
+  bar->setFixedHeight(days->sizeHint().height());
+  days->setMaximumWidth(days->fontMetrics().horizontalAdvance(QStringLiteral("00000000")));
+  column->removeWidget(days);
+  auto* pair = new QHBoxLayout;
+  pair->setSpacing(1);
+  pair->addWidget(days);
+  pair->addWidget(bar);
+  pair->addStretch();
+  static_cast<QBoxLayout*>(column)->addLayout(pair);
+  return column;
+}
+
+void ReportWindow::takePicker(forms::DTPicker* picker) {
+  const bool start = picker->Name() == startPickerName;
+  auto* edit = new QDateEdit(this);
+  auto* text = new QLabel(this);
+  forms::Label& label = start ? form_.lblStart : form_.lblEnd;
+  text->setBuddy(edit);
+  forms::bind(label, text);
+  forms::bind(*picker, edit);
+  mnemonics_.add(label, text);
+  QBoxLayout* column = start ? startField_ : endField_;
+  column->addWidget(text);
+  column->addWidget(edit);
+  line_->setVisible(form_.lnTo.Visible());
+  orderTabs();
+}
+
+void ReportWindow::dropPicker(forms::DTPicker* picker) {
+  QBoxLayout* column = picker->Name() == startPickerName ? startField_ : endField_;
+  while (QLayoutItem* item = column->takeAt(0)) {
+    delete item->widget();
+    delete item;
+  }
+  line_->hide();
+}
+
+QWidget* ReportWindow::splitViews() {
+  auto* splitter = new QSplitter(Qt::Vertical, this);
+  splitter->addWidget(listPart());
+  splitter->addWidget(statisticsPart());
+  splitter->setStretchFactor(0, 3);
+  splitter->setStretchFactor(1, 1);
+  splitter->setChildrenCollapsible(false);
+  return splitter;
+}
+
+QWidget* ReportWindow::listPart() {
+  auto* list = new platform::owc::SheetView(form_.exsThisWeek, this);
+  list->setObjectName(form_.exsThisWeek.objectName());
+  // They lie over the row that is being marked, so no layout owns them.
+  for (forms::ComboBox* dropDown : {&form_.cmbMeta1, &form_.cmbMeta2, &form_.cmbMeta3})
+    forms::bind(*dropDown, new QComboBox(list));
+  list->setMinimumHeight(list->fontMetrics().height() * 6);
+  return list;
+}
+
+QWidget* ReportWindow::statisticsPart() {
+  auto* part = new QWidget(this);
+  auto* column = new QVBoxLayout(part);
+  column->setContentsMargins({});
+  auto* head = new QHBoxLayout;
+  auto* tabs = new QTabBar(this);
+  tabs->setExpanding(false);
+  tabs->setUsesScrollButtons(true);
+  forms::bind(form_.tbsViews, tabs, QStringLiteral("Statistics"));
+  auto* caption = new QLabel(this);
+  auto* total = new QLabel(this);
+  forms::bind(form_.lblTotalHours, caption);
+  forms::bind(form_.lblHours, total);
+  QFont strong = total->font();
+  strong.setBold(true);
+  total->setFont(strong);
+  head->addWidget(tabs, 1);
+  head->addWidget(caption);
+  head->addWidget(total);
+  auto* chart = new QLabel(this);
+  chart->setAlignment(Qt::AlignCenter);
+  chart->setWordWrap(true);
+  chart->setFrameShape(QFrame::StyledPanel);
+  chart->setMinimumHeight(chart->fontMetrics().height() * 4);
+  forms::bind(form_.excThisWeek, chart);
+  column->addLayout(head);
+  column->addWidget(chart, 1);
+  return part;
+}
+
+QLayout* ReportWindow::buttonRow() {
+  auto* row = new FlowLayout;
+  status_ = new QLabel(this);
+  status_->setObjectName(QStringLiteral("status"));
+  row->addWidget(status_);
+  row->addStretch();
+  row->addWidget(button(form_.cmdAddNew, new QPushButton(this)));
+  row->addWidget(button(form_.cmdSaveChanges, new QPushButton(this)));
+  row->addWidget(button(form_.cmdPrint, new QPushButton(this)));
+  QPushButton* ok = button(form_.cmdOK, new QPushButton(this));
+  row->addWidget(ok);
+  row->addWidget(button(form_.cmdCancel, new QPushButton(this)));
+  for (QPushButton* each : findChildren<QPushButton*>()) each->setAutoDefault(false);
+  ok->setDefault(true);
+  return row;
+}
+
+void ReportWindow::orderTabs() {
+  static const QStringList order{QStringLiteral("dtpStartDate"), QStringLiteral("dtpEndDate"),
+                                 QStringLiteral("cmbYear"),      QStringLiteral("cmbMonth"),
+                                 QStringLiteral("cmbDay"),       QStringLiteral("txtDays"),
+                                 QStringLiteral("cmbWeek"),      QStringLiteral("cmdGetValues"),
+                                 QStringLiteral("chkGrid"),      QStringLiteral("cmbFilterCalendar"),
+                                 QStringLiteral("exsThisWeek"),  QStringLiteral("tbsViews"),
+                                 QStringLiteral("cmdAddNew"),    QStringLiteral("cmdSaveChanges"),
+                                 QStringLiteral("cmdPrint"),     QStringLiteral("cmdOK"),
+                                 QStringLiteral("cmdCancel")};
+  QWidget* before = nullptr;
+  for (const QString& name : order) {
+    auto* widget = findChild<QWidget*>(name);
+    if (!widget) continue;
+    if (before) setTabOrder(before, widget);
+    before = widget;
+  }
+}
+
+// What the form asks of its screen
+
+void ReportWindow::setMousePointer(int pointer) {
+  const bool wait = pointer == vbHourglass;
+  if (wait == waiting_) return;
+  waiting_ = wait;
+  if (wait)
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  else
+    QApplication::restoreOverrideCursor();
+}
+
+void ReportWindow::Refresh() {
+  if (isVisible()) repaint();
+}
+
+void ReportWindow::Show() {
+  show();
+  raise();
+  activateWindow();
+}
+
+void ReportWindow::Unload() {
+  close();
+}
+
+/// The controls have no background of their own: the window shows through them in every style and palette, so
+/// there is no colour to be matched.
+qint32 ReportWindow::GetPixel(int, int) const {
+  return -1;
+}
+
+void ReportWindow::closeEvent(QCloseEvent* event) {
+  event->accept();
+  form_.windowClosed();
+}
+
+}  // namespace hourbook

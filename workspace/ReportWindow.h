@@ -1,0 +1,57 @@
+#pragma once
+#include "workspace/FormMnemonics.h"
+#include "workspace/ReportForm.h"
+
+#include <QDialog>
+
+class QBoxLayout;
+class QLabel;
+
+namespace hourbook {
+
+/// The window of the report form: lays the controls out and shows what they hold. Closing it ends the
+/// program, by the form's own event.
+class ReportWindow : public QDialog, public ReportFormScreen {
+  Q_OBJECT
+ public:
+  explicit ReportWindow(ReportForm& form);
+  ~ReportWindow() override;
+
+  void setMousePointer(int pointer) override;
+  void Refresh() override;
+  void Show() override;
+  void Unload() override;
+  qint32 GetPixel(int x, int y) const override;
+
+  /// The Escape key closes what is open in the window, never the window itself.
+  void reject() override {}
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  QLayout* periodRow();
+  QWidget* framePeriod();
+  QLayout* daysBefore();
+  QWidget* splitViews();
+  QWidget* listPart();
+  QWidget* statisticsPart();
+  QLayout* buttonRow();
+  template <class ControlType, class Widget>
+  QLayout* field(platform::forms::Label& label, ControlType& control, Widget* widget);
+  template <class Button, class Widget>
+  Widget* button(Button& control, Widget* widget);
+  void takePicker(platform::forms::DTPicker* picker);
+  void dropPicker(platform::forms::DTPicker* picker);
+  void orderTabs();
+
+  ReportForm& form_;
+  FormMnemonics mnemonics_;
+  QBoxLayout* startField_ = nullptr;
+  QBoxLayout* endField_ = nullptr;
+  QLabel* line_ = nullptr;
+  QLabel* status_ = nullptr;
+  bool waiting_ = false;
+};
+
+}  // namespace hourbook

@@ -1,0 +1,51 @@
+#pragma once
+#include "platform/scripting/dictionary.h"
+#include "shell/SharedValues.h"
+#include "workspace/ChartView.h"
+#include "workspace/GridView.h"
+
+#include <functional>
+#include <memory>
+
+namespace hourbook {
+
+class cRowInfo;
+class ReportForm;
+
+struct WorkspaceValues {
+  /// The report form in use; set by `Main` just before the form loads.
+  std::shared_ptr<ReportForm> gReportForm;
+  /// Generation of the spreadsheet and chart component: 9, 10 or 11. Set by `Main`.
+  qint16 gOWCVersion = 0;
+  /// Row of the list that was written last; 1 means that it has none. Set by each fetch.
+  qint16 gLastRow = 1;
+  /// True while the list is being rebuilt or reported: the sheet's own events then do nothing.
+  bool gFetching = false;
+  /// True while `chkGrid` is set.
+  bool gGridMode = false;
+  /// True when the date pickers could be added to the form. Set while the form loads.
+  bool gHasDatePickers = false;
+  /// True while code sets `cmbWeek`, so that the change fetches nothing.
+  bool gIgnoreWeekChange = false;
+  /// Sheet row of the last selection or edit; the row before and after the edit.
+  qint16 gCurrentRow = 0;
+  std::shared_ptr<cRowInfo> gOldRow;
+  std::shared_ptr<cRowInfo> gNewRow;
+
+  /// The week grid; null as long as nothing makes one. Made by `Main`, or when `chkGrid` is first touched.
+  std::shared_ptr<GridView> gGridView;
+  std::function<std::shared_ptr<GridView>()> newGridView;
+  /// What draws the chart; null as long as nothing does. Not owned: the form's window holds it.
+  ChartView* gChartView = nullptr;
+  /// The hours by group as the last count found them, in the order of the chart.
+  platform::scripting::Dictionary<double> hoursByGroup;
+};
+
+inline WorkspaceValues& workspaceValues() {
+  return Shared<WorkspaceValues>::current();
+}
+
+/// The report form in use; Failure 91 before `Main` has made one.
+ReportForm& reportForm();
+
+}  // namespace hourbook

@@ -1,0 +1,251 @@
+#include "workspace/modGetData.h"
+
+#include "outlook/OutlookValues.h"
+#include "platform/basic/clock.h"
+#include "platform/basic/convert.h"
+#include "platform/basic/text.h"
+#include "platform/outlook/items.h"
+#include "settings/cMarking.h"
+#include "shell/genTools.h"
+#include "shell/modAssistant.h"
+#include "shell/modErrorReport.h"
+#include "shell/ShellValues.h"
+#include "shell/Tolerate.h"
+#include "workspace/modReportForm.h"
+#include "workspace/modStatistics.h"
+#include "workspace/ReportForm.h"
+#include "workspace/WorkspaceValues.h"
+
+namespace hourbook {
+
+using platform::basic::Date;
+using platform::basic::Format;
+using platform::basic::Value;
+using platform::outlook::AppointmentItem;
+using Appointment = std::shared_ptr<AppointmentItem>;
+
+namespace {
+
+inline constexpr int lastListRow = 199;
+
+/// Eight digits, so that dates compare as texts.
+QString dayKey(const Date& day) {
+  return Format(Value(day), QStringLiteral("yyyy")) +
+         Format(Value(qint32(day.month())), QStringLiteral("00")) +
+         Format(Value(qint32(day.day())), QStringLiteral("00"));
+}
+
+/// kept: the second date has no opening "#"; the margin of a day at the end is made up for by the exact test
+/// of each item's date.
+QString startFilter(const Date& startDate, const Date& endDate) {
+  const QChar q = u'"';
+  const QString shortDate = QStringLiteral("Short Date");
+  return QStringLiteral("[Start] >=") + q + u'#' + Format(Value(startDate), shortDate) +
+         QStringLiteral(" 00:00#") + q + QStringLiteral(" and [Start]<= ") + q +
+         Format(Value(endDate.addDays(1)), shortDate) + QStringLiteral(" 23:59#") + q;
+}
+
+/// One run of `subGetData`.
+class Fetch {
+ public:
+  void startGrid();
+  void clearList();
+  void openCalendar();
+  bool setPeriod();
+  void walk();
+  void showResults();
+
+ private:
+  /// Runs a statement whose failure is passed over.
+  template <class Statement>
+  void step(Statement&& statement) {
+    if (auto failure = tolerate(statement)) pending_ = std::move(failure);
+  }
+  void forceWholeWeek();
+  void consider(Appointment item);
+  void list(const Appointment& item, const cMarking& marking);
+  void unlockCalculation();
+  void protect();
+
+  ReportForm& form_ = reportForm();
+  WorkspaceValues& values_ = workspaceValues();
+  platform::owc::Spreadsheet& sheet_ = form_.exsThisWeek;
+  GridView* grid_ = values_.gGridMode ? values_.gGridView.get() : nullptr;
+  std::optional<platform::outlook::Items> items_;
+  std::optional<platform::Failure> pending_;
+  Date startDate_, endDate_;
+  QString firstKey_, lastKey_;
+  Date itemDay_;  // stays that of the item before when a start cannot be read
+};
+
+void Fetch::startGrid() {
+  if (values_.gGridView) values_.gGridView->intVisibleRows = 0;
+  if (grid_) grid_->subStartWeek();
+  subLog(QStringLiteral("Looping through current appointments"));
+  form_.setMousePointer(vbHourglass);
+}
+
+void Fetch::clearList() {
+  subLog(QStringLiteral("Clearing the list"));
+  values_.gFetching = true;
+  sheet_.EnableEvents = false;
+  sheet_.ActiveSheet.Protection.Enabled = false;
+  if (form_.variant().hasEnableAutoCalculate)
+    sheet_.EnableAutoCalculate = false;
+  else
+    sheet_.Calculation = platform::owc::xlCalculationManual;
+  // kept: row 200 is not part of the range, so it can keep an old row until the next row 200 is written
+  platform::owc::Range range = sheet_.Range(QStringLiteral("a2:g199"));
+  range.Clear();
+  range.setFontName(QStringLiteral("Tahoma"));
+  range.setFontSize(8);
+  for (platform::forms::ComboBox* dropDown : {&form_.cmbMeta1, &form_.cmbMeta2, &form_.cmbMeta3})
+    dropDown->setVisible(false);
+  sheet_.Range(QStringLiteral("a2")).setValue(Value(phrases().LNGFETCHINGAPPS));
+  form_.Refresh();
+}
+
+void Fetch::openCalendar() {
+  subLog(QStringLiteral("Setting an object reference to all apps in the calendar"));
+  const auto& folder = outlookValues().gCalendarFolder;
+  if (!folder)
+    throw platform::Failure(platform::failure::objectNotSet,
+                            QStringLiteral("Object variable or With block variable not set"));
+  items_ = folder->Items();
+  subLog(QStringLiteral("Getting values for this week"));
+}
+
+bool Fetch::setPeriod() {
+  outlookValues().gRowItems = {};
+  step([&] { endDate_ = fncGetEndDate(); });
+  step([&] { startDate_ = fncGetStartDate(endDate_); });
+  if (values_.gGridMode) forceWholeWeek();
+  step([&] { firstKey_ = dayKey(startDate_); });
+  // kept: with a period that cannot be computed the hourglass, the flag, the switched-off events and the
+  // missing protection stay as they are until the next fetch
+  if (pending_) return false;
+  step([&] { lastKey_ = dayKey(endDate_); });
+  return true;
+}
+
+void Fetch::forceWholeWeek() {
+  const int weekday = platform::basic::Weekday(endDate_, platform::basic::vbMonday);
+  startDate_ = weekday == 1 ? endDate_ : endDate_.addDays(1 - weekday);
+  endDate_ = startDate_.addDays(6);
+  step([&] { subSetDate(startDate_, endDate_); });
+  values_.gIgnoreWeekChange = true;
+  step([&] { form_.cmbWeek.setText(QString::number(fncSwWeekNo(startDate_))); });
+  values_.gIgnoreWeekChange = false;
+  if (grid_) grid_->dteGridStartDate = startDate_;
+}
+
+void Fetch::walk() {
+  subLog(QStringLiteral("Building an sql string to find all appointment in this time span"));
+  const QString filter = startFilter(startDate_, endDate_);
+  subLog(QStringLiteral("Beginning search with the string ") + filter);
+  step([&] { items_->Sort(QStringLiteral("[Start]")); });
+  step([&] { items_->setIncludeRecurrences(true); });
+  values_.gLastRow = 1;
+  if (endDate_.year() <= 1900) return;
+  Appointment item;
+  step([&] { item = items_->Find(filter); });
+  while (item) {
+    consider(item);
+    if (values_.gLastRow > lastListRow) {
+      // kept: the phrase speaks of 99 appointments while the list holds 199
+      step([&] { fncShowAssistantMessage(outlookValues().gOutlookApp, phrases().LNGERRTOMANYROWS); });
+      return;
+    }
+    item.reset();
+    step([&] { item = items_->FindNext(); });
+  }
+}
+
+void Fetch::consider(Appointment item) {
+  step([&] { itemDay_ = item->Start().dateOnly(); });
+  if (item->MessageClass() == platform::outlook::classMeetingRequest) {
+    subLog(QStringLiteral("Getting the appointment from a meeting request"));
+    step([&] { item = item->GetAssociatedAppointment(false); });
+    if (!item) return;
+  }
+  const QString key = dayKey(itemDay_);
+  if (key < firstKey_ || key > lastKey_) return;
+  subLog(QStringLiteral("Fetching values and adding rows"));
+  cMarking marking;
+  step([&] {
+    const bool changedOccurrence = item->MessageClass() == platform::outlook::classException;
+    const Appointment source = changedOccurrence ? item->Parent() : item;
+    if (source) marking.BillingToMarkings(source->Categories());
+  });
+  if (!fncCheckInclude(*item)) return;
+  step([&] { list(item, marking); });
+  if (grid_) step([&] { grid_->subAddAppToGrid(*item, marking); });
+}
+
+void Fetch::list(const Appointment& item, const cMarking& marking) {
+  switch (form_.cmbFilterCalendar.ListIndex()) {
+    case 0:
+      if (marking.IsComplete()) subAddRow(item, marking);
+      break;
+    case 1:
+      if (!marking.IsComplete()) subAddRow(item, marking);
+      break;
+    case 2:
+      subAddRow(item, marking);
+      break;
+    default:
+      break;
+  }
+}
+
+void Fetch::showResults() {
+  subCountSpreadSheet();
+  if (grid_) step([&] { grid_->subFillGrid(); });
+  if (values_.gLastRow == 1)
+    step([&] { sheet_.Range(QStringLiteral("a2")).setValue(Value(phrases().LNGNOAPPSFOUND)); });
+  values_.gFetching = false;
+  sheet_.EnableEvents = true;
+  step([&] {
+    sheet_.setViewableRange(values_.gLastRow < 2 ? QStringLiteral("A1:G2")
+                                                 : QStringLiteral("A1:G%1").arg(values_.gLastRow));
+  });
+  unlockCalculation();
+  protect();
+  if (grid_) {
+    step([&] { grid_->subBuildMetaGrid(); });
+    step([&] { grid_->subSumRowToGrid(true); });
+  }
+  form_.tellFetched(values_.gLastRow - 1);
+  form_.setMousePointer(vbDefault);
+}
+
+void Fetch::unlockCalculation() {
+  if (form_.variant().hasEnableAutoCalculate)
+    sheet_.EnableAutoCalculate = true;
+  else  // kept: it stays manual, since the list has no formula that depends on it
+    sheet_.Calculation = platform::owc::xlCalculationManual;
+}
+
+void Fetch::protect() {
+  step([&] { sheet_.Range(QStringLiteral("A1:J1")).setLocked(true); });
+  step([&] { sheet_.Range(QStringLiteral("A2:D200")).setLocked(false); });
+  step([&] { sheet_.Range(QStringLiteral("f2:g200")).setLocked(false); });
+  sheet_.ActiveSheet.Protection.Enabled = true;
+}
+
+}  // namespace
+
+void subGetData() try {
+  Fetch fetch;
+  fetch.startGrid();
+  fetch.clearList();
+  fetch.openCalendar();
+  // From here on every failure is passed over and the next step runs.
+  if (!fetch.setPeriod()) return;
+  fetch.walk();
+  fetch.showResults();
+} catch (const platform::Failure& failure) {
+  subHandleError(failure, QStringLiteral("subGetData"));
+}
+
+}  // namespace hourbook

@@ -1,0 +1,120 @@
+#include "workspace/modReportForm.h"
+
+#include "platform/basic/text.h"
+#include "platform/process/process.h"
+#include "shell/modErrorReport.h"
+#include "shell/modScriptingDic.h"
+#include "shell/modXPlooks.h"
+#include "shell/ShellValues.h"
+#include "workspace/modGetData.h"
+#include "workspace/modReportFlow.h"
+#include "workspace/modStatistics.h"
+#include "workspace/ReportForm.h"
+#include "workspace/WorkspaceValues.h"
+
+namespace hourbook {
+
+using platform::process::guardEvent;
+
+namespace {
+
+const QString chartTypes = QStringLiteral(
+    "Area;BarClustered;ColumnClustered;Doughnut;Doughnut Exploded;Line;Line Markers;Line Stacked Markers;Pie;"
+    "Pie Exploded;Radar Line;Radar Line Filled;Radar Line Markers;Radar Smoothline;Radar Smoothline Markers;"
+    "Smoothline;Smoothline Markers");
+
+void colourBackgrounds(ReportForm& form) {
+  subApplyBackColorToControl(form.hDC(), form.tbsViews);
+  subApplyBackColorToControl(form.hDC(), form.chkGrid);
+  if (form.variant().coloursFrame) subApplyBackColorToControl(form.hDC(), form.fraPeriod);
+}
+
+void fillChartTypes(ReportForm& form) {
+  const auto types = fncCreateDic<QString>();
+  for (const QString& type : platform::basic::Split(chartTypes, QStringLiteral(";"))) types->Add(type, type);
+  subFillcombo(*form.cmbChartType, *types);
+}
+
+/// What this version cannot do yet stands in the form, switched off, and says so.
+void switchOffWhatIsMissing(ReportForm& form) {
+  const WorkspaceValues& values = workspaceValues();
+  if (!values.gGridView && !values.newGridView) {
+    form.chkGrid.setEnabled(false);
+    form.chkGrid.setToolTipText(QStringLiteral("The week grid is not available in this version yet."));
+  }
+  form.cmdPrint.setEnabled(false);
+  form.cmdPrint.setToolTipText(QStringLiteral("Printing is not available in this version yet."));
+  for (platform::forms::Control* editing : std::initializer_list<platform::forms::Control*>{
+           &form.cmbMeta1, &form.cmbMeta2, &form.cmbMeta3, &form.cmdAddNew, &form.cmdSaveChanges,
+           &form.cmbWeek}) {
+    editing->setEnabled(false);
+    editing->setToolTipText(
+        QStringLiteral("Changing appointments here is not available in this version yet."));
+  }
+  if (!values.gChartView) {
+    form.excThisWeek.setEnabled(false);
+    form.excThisWeek.setCaption(QStringLiteral("The chart is not available in this version yet."));
+    form.excThisWeek.setToolTipText(form.excThisWeek.Caption());
+  }
+}
+
+void cmbFilterCalendar_Click() {
+  if (reportForm().cmbFilterCalendar.Visible()) subGetData();
+}
+
+void Form_Unload() {
+  subEndProcess();
+}
+
+void cmdCancel_Click() {
+  reportForm().Unload();
+  subEndProcess();
+}
+
+/// Connects a signal of the form to a handler; an end of the process stops at the event's edge.
+template <class Sender, class Signal>
+void on(Sender& sender, Signal signal, ReportForm& form, void (*handler)()) {
+  QObject::connect(&sender, signal, &form, [handler] { guardEvent(handler); });
+}
+
+}  // namespace
+
+void subConnectEvents(ReportForm& form) {
+  using namespace platform::forms;
+  on(form, &ReportForm::Loading, form, Form_Load);
+  on(form, &ReportForm::Unloaded, form, Form_Unload);
+  on(form.cmdCancel, &CommandButton::Click, form, cmdCancel_Click);
+  on(form.cmdGetValues, &CommandButton::Click, form, subGetData);
+  on(form.cmbFilterCalendar, &ComboBox::Click, form, cmbFilterCalendar_Click);
+  on(form.cmbWeek, &ComboBox::Change, form, subWeekChanged);
+  on(form.cmbWeek, &ComboBox::Click, form, subWeekChanged);
+  on(form.chkGrid, &CheckBox::Click, form, subGridCheckChanged);
+  on(form.tbsViews, &TabStrip::Click, form, subCountSpreadSheet);
+  on(form.txtDays, &TextBox::Change, form, txtDays_Change);
+  on(form.vDaysBefore, &ScrollBar::Change, form, vDaysBefore_Change);
+  on(form.cmdOK, &CommandButton::Click, form, cmdOK_Click);
+}
+
+QString fncStatusText(int rows) {
+  return phrases().LNGAPPOINTMENTS + QStringLiteral(": ") + QString::number(rows);
+}
+
+void Form_Load() try {
+  ReportForm& form = reportForm();
+  const ReportFormVariant& variant = form.variant();
+  if (!variant.loadLogText.isEmpty()) subLog(variant.loadLogText);
+  if (variant.coloursBeforeDates) colourBackgrounds(form);
+  subSetupDateControls();
+  if (!variant.coloursBeforeDates) colourBackgrounds(form);
+  if (variant.hasChartType) fillChartTypes(form);
+  subFillDropDowns();
+  subSetLangCaptions();
+  switchOffWhatIsMissing(form);
+  if (variant.textFormatAtLoad)
+    form.exsThisWeek.Range(QStringLiteral("B2:D200")).setNumberFormat(QStringLiteral("Text"));
+  form.cmbFilterCalendar.setListIndex(0);  // its click does the first fetch, before the form is shown
+} catch (const platform::Failure& failure) {
+  subHandleError(failure, QStringLiteral("Form_Load"));
+}
+
+}  // namespace hourbook
