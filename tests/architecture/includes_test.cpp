@@ -130,7 +130,8 @@ TEST(Architecture, OnlyFormsAndViewsKnowWidgets) {
       u"QMessageBox|"
       u"QLineEdit|QCheckBox|QHBoxLayout|QVBoxLayout|QGridLayout|QTabBar|QDateEdit|QPainter|QPixmap|QIcon|QFont)"_s);
   static const QRegularExpression home(
-      u"^(workspace/frm|billing/frm|database/frm|settings/frm|app/|companions/|platform/forms/widgets/|"
+      u"^(workspace/(frm|ReportWindow|FormMnemonics|FlowLayout)|billing/frm|database/frm|settings/frm|app/"
+      u"|companions/|platform/forms/widgets/|"
       u"platform/owc/view/|platform/dialogs/qt/)"_s);
   QStringList offenders;
   for (const Include& include : includes())
