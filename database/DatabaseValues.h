@@ -4,9 +4,14 @@
 #include "shell/SharedValues.h"
 
 #include <functional>
-#include <memory>
 
 namespace hourbook {
+
+/// What the user chose in the dialog for a new database.
+struct ConnectionChoice {
+  qint16 intConnectionOption = 1;  // 1 new Access database, 2 new and 3 existing SQL Server database
+  bool blnLoadExampleData = false;
+};
 
 struct DatabaseValues {
   /// The one connection; null until the first use and after it was closed.
@@ -16,11 +21,11 @@ struct DatabaseValues {
   QString gReportValue;
   /// May a missing database be made by asking the user? Nothing in the report program turns it on.
   bool blnMayCreateDatabase = false;
-  /// Asks which database to make or use, and returns its connection string; the argument is where the file
-  /// would stand. Empty: nobody can be asked.
-  std::function<QString(const QString& path)> chooseConnection;
-  /// How many ProbeScopes live: the connection code may fail then.
-  int probes = 0;
+  /// Shows `frmChooseConnection`, given the name of the creation script. Filled by who has the dialog; empty:
+  /// a missing database cannot be made.
+  std::function<ConnectionChoice(const QString& strSQLScriptFileName)> frmChooseConnection;
+  /// True while the upgrade looks for the newest column: a failing recordset is then only logged.
+  bool blnProbing = false;
   /// The common settings' target; owned by them. Null until they are made: then `fallbackTarget` is used.
   ReportTarget* target = nullptr;
   ReportTarget fallbackTarget;
@@ -33,5 +38,10 @@ inline ReportTarget& reportTarget() {
   DatabaseValues& values = databaseValues();
   return values.target ? *values.target : values.fallbackTarget;
 }
+
+/// Names of the files in the database folder.
+inline const QString databaseFileName = QStringLiteral("Hourbook3.mdb");
+inline const QString connectionFileName = QStringLiteral("HourbookConnection.txt");
+inline const QString creationScriptName = QStringLiteral("CreateDBHB.sql");
 
 }  // namespace hourbook

@@ -1,20 +1,19 @@
 #pragma once
-#include "platform/basic/failure.h"
+#include "database/DatabaseValues.h"
 
 namespace hourbook {
 
-/// While one lives, the connection code may fail: the failure is logged under the procedure's name and the
-/// procedure returns nothing. The upgrade needs it, which finds out by failing whether the newest column is
-/// there; everywhere else a failure of the connection ends the program.
+/// While it lives, a failure of `fncReturnRecordset` is logged under its name and gives no recordset, instead
+/// of ending the process: to look for a column that an old database lacks has to be possible.
 class ProbeScope {
  public:
-  ProbeScope();
-  ~ProbeScope();
+  ProbeScope() : previous_(databaseValues().blnProbing) { databaseValues().blnProbing = true; }
+  ~ProbeScope() { databaseValues().blnProbing = previous_; }
   ProbeScope(const ProbeScope&) = delete;
   ProbeScope& operator=(const ProbeScope&) = delete;
-};
 
-/// Reports the failure, which ends the process, or only logs it inside a ProbeScope.
-void subReportUnlessProbing(const platform::Failure& failure, const QString& procedure);
+ private:
+  bool previous_;
+};
 
 }  // namespace hourbook

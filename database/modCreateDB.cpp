@@ -1,7 +1,6 @@
 #include "database/modCreateDB.h"
 
 #include "platform/automation/components.h"
-#include "platform/scripting/filesystem.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
 #include "shell/ShellValues.h"
@@ -9,135 +8,130 @@
 
 namespace hourbook {
 
+using namespace Qt::StringLiterals;
+using namespace platform::dao;
 using platform::Failure;
-namespace dao = platform::dao;
 
 namespace {
 
-constexpr int textSize = 255;
+struct ColumnPlan {
+  QString name;
+  int type;
+  QString caption;
+};
 
-void createReports(dao::Database& db) {
-  const Phrases& phrase = phrases();
-  const auto table = fncCreateDAOTable(db, QStringLiteral("tblReports"), QStringLiteral("intReportID"),
-                                       phrase.LNGREPORT + QStringLiteral(" ID"));
-  const auto text = [&](const QString& name, const QString& caption) {
-    subCreateDAOField(*table, name, caption, dao::dbText, textSize);
-  };
-  subCreateDAOField(*table, QStringLiteral("numHours"), phrase.LNGHOURS, dao::dbSingle);
-  text(QStringLiteral("strSubject"), phrase.LNGSUBJECT);
-  text(QStringLiteral("strMonthName"), phrase.LNGMONTH);
-  text(QStringLiteral("strWeekdayName"), phrase.LNGDAY);
-  subCreateDAOField(*table, QStringLiteral("dtmDate"), phrase.LNGDATE, dao::dbDate);
-  subCreateDAOField(*table, QStringLiteral("curCost"), phrase.LNGRATE, dao::dbCurrency);
-  subCreateDAOField(*table, QStringLiteral("dteReported"), phrase.LNGREPORTDATE, dao::dbDate);
-  subCreateDAOField(*table, QStringLiteral("intPersonID"), phrase.LNGNAME + QStringLiteral(" ID"),
-                    dao::dbLong);
-  for (int n = 1; n <= 3; ++n)
-    subCreateDAOField(*table, QStringLiteral("intMeta%1ID").arg(n), QStringLiteral("Meta %1 ID").arg(n),
-                      dao::dbLong);
+void addColumns(TableDef& table, const QList<ColumnPlan>& columns) {
+  for (const ColumnPlan& column : columns)
+    subCreateDAOField(table, column.name, column.caption, column.type,
+                      column.type == dbText ? textColumnSize : 0);
 }
 
-void createMetaList(dao::Database& db, int n) {
-  const Phrases& phrase = phrases();
+void createReports(Database& db) {
+  const Phrases& p = phrases();
+  const auto table = fncCreateDAOTable(db, u"tblReports"_s, u"intReportID"_s, p.LNGREPORT + u" ID"_s);
+  addColumns(*table, {{u"numHours"_s, dbSingle, p.LNGHOURS},
+                      {u"strSubject"_s, dbText, p.LNGSUBJECT},
+                      {u"strMonthName"_s, dbText, p.LNGMONTH},
+                      {u"strWeekdayName"_s, dbText, p.LNGDAY},
+                      {u"dtmDate"_s, dbDate, p.LNGDATE},
+                      {u"curCost"_s, dbCurrency, p.LNGRATE},
+                      {u"dteReported"_s, dbDate, p.LNGREPORTDATE},
+                      {u"intPersonID"_s, dbLong, p.LNGNAME + u" ID"_s},
+                      {u"intMeta1ID"_s, dbLong, u"Meta 1 ID"_s},
+                      {u"intMeta2ID"_s, dbLong, u"Meta 2 ID"_s},
+                      {u"intMeta3ID"_s, dbLong, u"Meta 3 ID"_s}});
+}
+
+void createMetaList(Database& db, int n) {
+  const Phrases& p = phrases();
   const auto table =
-      fncCreateDAOTable(db, QStringLiteral("tblMeta%1").arg(n), QStringLiteral("intMeta%1ID").arg(n),
-                        QStringLiteral("Meta %1 ID").arg(n));
-  subCreateDAOField(*table, QStringLiteral("strName"), phrase.LNGNAME, dao::dbText, textSize);
-  subCreateDAOField(*table, QStringLiteral("strCategory"), phrase.LNGCATEGORY, dao::dbText, textSize);
-  subCreateDAOField(*table, QStringLiteral("strSuperCategory"), phrase.LNGSUPERCATEGORY, dao::dbText,
-                    textSize);
-  subCreateDAOField(*table, QStringLiteral("curRate"), phrase.LNGRATE, dao::dbCurrency);
+      fncCreateDAOTable(db, u"tblMeta%1"_s.arg(n), u"intMeta%1ID"_s.arg(n), u"Meta %1 ID"_s.arg(n));
+  addColumns(*table, {{u"strName"_s, dbText, p.LNGNAME},
+                      {u"strCategory"_s, dbText, p.LNGCATEGORY},
+                      {u"strSuperCategory"_s, dbText, p.LNGSUPERCATEGORY},
+                      {u"curRate"_s, dbCurrency, p.LNGRATE}});
 }
 
-void createPersons(dao::Database& db) {
-  const auto table = fncCreateDAOTable(db, QStringLiteral("tblPersons"), QStringLiteral("intPersonID"),
-                                       phrases().LNGNAME + QStringLiteral(" ID"));
-  subCreateDAOField(*table, QStringLiteral("strPersonName"), phrases().LNGNAME, dao::dbText, textSize);
+void createPersons(Database& db) {
+  const Phrases& p = phrases();
+  const auto table = fncCreateDAOTable(db, u"tblPersons"_s, u"intPersonID"_s, p.LNGNAME + u" ID"_s);
+  addColumns(*table, {{u"strPersonName"_s, dbText, p.LNGNAME}});
 }
 
-void createSettings(dao::Database& db) {
-  const auto table = fncCreateDAOTable(db, QStringLiteral("tblSettings"), QStringLiteral("intSettingsID"),
-                                       QStringLiteral("Settings ID"));
-  subCreateDAOField(*table, QStringLiteral("intCostCarrier"), phrases().LNGCOSTCARRIER, dao::dbInteger);
-  subCreateDAOField(*table, QStringLiteral("intReportTo"), phrases().LNGREPORT, dao::dbInteger);
-  subCreateDAOField(*table, QStringLiteral("strReportToValue"), QStringLiteral("Value"), dao::dbText,
-                    textSize);
+void createSettings(Database& db) {
+  const Phrases& p = phrases();
+  const auto table = fncCreateDAOTable(db, u"tblSettings"_s, u"intSettingsID"_s, u"Settings ID"_s);
+  addColumns(*table, {{u"intCostCarrier"_s, dbInteger, p.LNGCOSTCARRIER},
+                      {u"intReportTo"_s, dbInteger, p.LNGREPORT},
+                      {u"strReportToValue"_s, dbText, u"Value"_s}});
 }
 
-void createMetaLists(dao::Database& db) {
-  const auto table = fncCreateDAOTable(db, QStringLiteral("tblMetaLists"), QStringLiteral("intMetaListID"),
-                                       QStringLiteral("Meta List ID"));
-  subCreateDAOField(*table, QStringLiteral("strMetaListCaption"), QStringLiteral("Meta List Caption"),
-                    dao::dbText, textSize);
-  subCreateDAOField(*table, QStringLiteral("strMetaListCategoryCaption"),
-                    QStringLiteral("Meta List Category Caption"), dao::dbText, textSize);
-  subCreateDAOField(*table, QStringLiteral("strMetaListSuperCategoryCaption"),
-                    QStringLiteral("Meta List SuperCategory Caption"), dao::dbText, textSize);
+void createMetaLists(Database& db) {
+  const auto table = fncCreateDAOTable(db, u"tblMetaLists"_s, u"intMetaListID"_s, u"Meta List ID"_s);
+  addColumns(*table, {{u"strMetaListCaption"_s, dbText, u"Meta List Caption"_s},
+                      {u"strMetaListCategoryCaption"_s, dbText, u"Meta List Category Caption"_s},
+                      {u"strMetaListSuperCategoryCaption"_s, dbText, u"Meta List SuperCategory Caption"_s}});
 }
 
-void createRelations(dao::Database& db) {
-  const QString reports = QStringLiteral("tblReports");
-  subDAOCreateForeignKey(db, QStringLiteral("PersonReports"), QStringLiteral("tblPersons"), reports,
-                         QStringLiteral("intPersonID"));
+void createRelations(Database& db) {
+  subDAOCreateForeignKey(db, u"PersonReports"_s, u"tblPersons"_s, u"tblReports"_s, u"intPersonID"_s);
   for (int n = 1; n <= 3; ++n)
-    subDAOCreateForeignKey(db, QStringLiteral("Meta%1Reports").arg(n), QStringLiteral("tblMeta%1").arg(n),
-                           reports, QStringLiteral("intMeta%1ID").arg(n));
+    subDAOCreateForeignKey(db, u"Meta%1Reports"_s.arg(n), u"tblMeta%1"_s.arg(n), u"tblReports"_s,
+                           u"intMeta%1ID"_s.arg(n));
 }
 
 }  // namespace
 
 bool subCreateHBDatabase(const QString& strPath) try {
-  subLog(QStringLiteral("Creating Access database in path ") + strPath);
-  const auto engine = platform::automation::CreateObject<dao::DBEngine>(QStringLiteral("DAO.DBEngine"));
+  subLog(u"Creating Access database in path "_s + strPath);
+  const auto engine = platform::automation::CreateObject<DBEngine>(u"DAO.DBEngine"_s);
   subSetupFS();
   auto& files = *shellValues().gFileSystem;
   if (files.FileExists(strPath)) files.DeleteFile(strPath, true);
-  const auto db =
-      engine->CreateDatabase(strPath, QStringLiteral(";LANGID=0x0409;CP=1252;COUNTRY=0"), dao::dbVersion40);
+  const auto db = engine->CreateDatabase(strPath, u";LANGID=0x0409;CP=1252;COUNTRY=0"_s, dbVersion40);
   createReports(*db);
   for (int n = 1; n <= 3; ++n) createMetaList(*db, n);
   createPersons(*db);
   createSettings(*db);
   createMetaLists(*db);
   createRelations(*db);
-  db->Close();
   return true;
 } catch (const Failure& failure) {
-  subHandleError(failure, QStringLiteral("subCreateHBDatabase"));
+  subHandleError(failure, u"subCreateHBDatabase"_s);
 }
 
-void subDAOCreateForeignKey(dao::Database& db, const QString& strRelationName, const QString& strTable,
-                            const QString& strForeignTable, const QString& strField) try {
-  subLog(QStringLiteral("Adding the relation ") + strRelationName);
-  db.AppendRelation({strRelationName, strTable, strForeignTable, strField});
-} catch (const Failure& failure) {
-  subHandleError(failure, QStringLiteral("subDAOCreateForeignKey"));
-}
-
-std::shared_ptr<dao::TableDef> fncCreateDAOTable(dao::Database& db, const QString& strTable,
-                                                 const QString& strKey, const QString& strCaption) {
-  const auto table = db.CreateTableDef(strTable);
-  dao::Field key = table->CreateField(strKey, dao::dbLong);
-  key.Attributes = dao::dbAutoIncrField;
+std::shared_ptr<TableDef> fncCreateDAOTable(Database& db, const QString& strTable, const QString& strKey,
+                                            const QString& strCaption) {
+  auto table = db.CreateTableDef(strTable);
+  Field key = table->CreateField(strKey, dbLong);
+  key.Attributes = dbAutoIncrField;
   table->AppendField(key);
-  dao::Index primary = table->CreateIndex(QStringLiteral("PrimaryKey"));
-  primary.Primary = true;
-  primary.Fields.append(strKey);
-  table->AppendIndex(primary);
   db.AppendTableDef(table);
   table->setCaption(strKey, strCaption);
+  Index index = table->CreateIndex(u"PrimaryKey"_s);
+  index.Primary = true;
+  index.Fields.append(strKey);
+  table->AppendIndex(index);
   return table;
 }
 
-void subCreateDAOField(dao::TableDef& table, const QString& strField, const QString& strCaption, int intType,
+void subCreateDAOField(TableDef& table, const QString& strName, const QString& strCaption, int intType,
                        int intSize) {
-  dao::Field field = table.CreateField(strField, intType, intSize);
-  if (intType == dao::dbText) field.AllowZeroLength = true;
+  Field field = table.CreateField(strName, intType, intSize);
+  if (intType == dbText) field.AllowZeroLength = true;
+  field.Caption = strCaption;
   table.AppendField(field);
-  if (!strCaption.isEmpty()) table.setCaption(strField, strCaption);
 }
 
-bool fncTableExists(const QString& strTableName, const dao::Database& db) {
+void subDAOCreateForeignKey(Database& db, const QString& strRelationName, const QString& strTable,
+                            const QString& strForeignTable, const QString& strField) try {
+  subLog(u"Adding the relation "_s + strRelationName);
+  db.AppendRelation({strRelationName, strTable, strForeignTable, strField});
+} catch (const Failure& failure) {
+  subHandleError(failure, u"subDAOCreateForeignKey"_s);
+}
+
+bool fncTableExists(const QString& strTableName, const Database& db) {
   bool exists = false;
   tolerate([&] { exists = db.TableDefNames().contains(strTableName, Qt::CaseSensitive); });
   return exists;

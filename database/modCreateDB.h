@@ -5,26 +5,24 @@
 
 namespace hourbook {
 
-/// Makes the database file in its first form, tables and relations; `subCheckUpgrade` brings it up to date. A
-/// file that is there already is deleted. False, after the report, when a step failed: the file stays partly
-/// made.
+/// Makes the database file at the path; a file that is there is deleted without asking. The tables are in the
+/// form of the first release: `subCheckUpgrade` brings them up to date. No row is written.
 bool subCreateHBDatabase(const QString& strPath);
 
-/// Adds a relation on the field that both tables have under the same name; integrity is enforced, nothing
-/// cascades.
-void subDAOCreateForeignKey(platform::dao::Database& db, const QString& strRelationName,
-                            const QString& strTable, const QString& strForeignTable, const QString& strField);
-
-/// A new table with its counter column as primary key, appended to the database.
+/// A new table with its counter and primary key, appended to the database.
 std::shared_ptr<platform::dao::TableDef> fncCreateDAOTable(platform::dao::Database& db,
                                                            const QString& strTable, const QString& strKey,
                                                            const QString& strCaption);
-
-/// Adds a column. `intSize` counts for text only. No caption is set when it is empty.
-void subCreateDAOField(platform::dao::TableDef& table, const QString& strField, const QString& strCaption,
+/// Appends a column. A text column has `intSize` characters and takes the empty text; a memo column does not.
+void subCreateDAOField(platform::dao::TableDef& table, const QString& strName, const QString& strCaption,
                        int intType, int intSize = 0);
-
-/// Is there a table of exactly this name, with case? False on any failure, too.
+/// Appends an enforced relation on a field that bears the same name on both sides.
+void subDAOCreateForeignKey(platform::dao::Database& db, const QString& strRelationName,
+                            const QString& strTable, const QString& strForeignTable, const QString& strField);
+/// Is there a table of exactly this name, with case? False on any failure too.
 bool fncTableExists(const QString& strTableName, const platform::dao::Database& db);
+
+/// Size of every text column.
+inline constexpr int textColumnSize = 255;
 
 }  // namespace hourbook

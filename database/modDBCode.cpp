@@ -1,42 +1,51 @@
 #include "database/modDBCode.h"
 
 #include "database/DatabaseValues.h"
+#include "database/modCreateDB.h"
 #include "database/modUpgrade.h"
-#include "database/ProbeScope.h"
 #include "platform/automation/components.h"
 #include "platform/process/process.h"
-#include "platform/scripting/filesystem.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
 #include "shell/ShellValues.h"
 
 namespace hourbook {
 
+using namespace Qt::StringLiterals;
 using platform::Failure;
-namespace ado = platform::ado;
+using platform::ado::Command;
+using platform::ado::Connection;
+using platform::ado::Recordset;
+using platform::automation::CreateObject;
 
 namespace {
 
-constexpr qint32 targetASP = 1, targetAccess = 2, targetSQLServer = 3, targetBilling = 4;
+constexpr qint32 targetAsp = 1;
+constexpr qint32 targetAccess = 2;
+constexpr qint32 targetSqlServer = 3;
+constexpr qint32 targetBilling = 4;
 
-/// A target of a server keeps its own string, as long as it looks like one ("Provider=...").
-QString connectionText() {
-  ReportTarget& target = reportTarget();
-  if (target.ReportTo != targetSQLServer) return fncGetConnection();
-  if (!target.ReportToValue.startsWith(QStringLiteral("Pro"))) fncGetConnection();
-  return reportTarget().ReportToValue;
+constexpr qint32 errNotSupported = 445;  // "Object doesn't support this action"
+
+platform::scripting::FileSystemObject& files() {
+  subSetupFS();
+  return *shellValues().gFileSystem;
 }
 
-QString databaseFolder() {
-  QString& folder = databaseValues().gReportValue;
-  if (folder.isEmpty()) folder = platform::process::Process::current().programFolder();
-  folder = fncStripSlash(folder);
-  return folder;
+/// The whole connection text; an empty file is deleted, as it says nothing.
+QString readConnectionFile(const QString& path) {
+  QString text;
+  const auto stream = files().OpenTextFile(path, 1, false);
+  const bool empty = stream->AtEndOfStream();
+  if (!empty) text = stream->ReadAll();
+  stream->Close();
+  if (empty) files().DeleteFile(path, true);
+  return text;
 }
 
-QString useAccess(const QString& path) {
+QString useAccessFile(const QString& path) {
   ReportTarget& target = reportTarget();
-  if (target.ReportTo != targetBilling && target.ReportTo != targetASP) {
+  if (target.ReportTo != targetBilling && target.ReportTo != targetAsp) {
     target.ReportTo = targetAccess;
     target.ReportToValue = path;
   }
@@ -44,109 +53,114 @@ QString useAccess(const QString& path) {
   return fncAccessConnection(path);
 }
 
-QString readConnectionFile(const QString& file) {
-  const auto stream = shellValues().gFileSystem->OpenTextFile(file);
-  const QString text = stream->AtEndOfStream() ? QString() : stream->ReadAll();
-  stream->Close();
-  return text;
+QString useServer(const QString& connection) {
+  // before anything connects: `subSetupConnection` then takes this text without looking into the folder again
+  ReportTarget& target = reportTarget();
+  target.ReportTo = targetSqlServer;
+  target.ReportToValue = connection;
+  return connection;
 }
 
-QString chooseDatabase(const QString& path) {
+QString createByUsersChoice(const QString& path) {
+  const auto& dialog = databaseValues().frmChooseConnection;
+  if (!dialog)
+    throw Failure(errNotSupported, u"There is no database in \""_s + databaseValues().gReportValue +
+                                       u"\", and this version of the program has no dialog to make one."_s);
+  if (dialog(creationScriptName).intConnectionOption != 1)
+    throw Failure(errNotSupported, u"This version of the program cannot use an SQL Server database."_s);
+  subCreateHBDatabase(path);
+  subCheckUpgrade(path);
+  ReportTarget& target = reportTarget();
+  target.ReportTo = targetAccess;
+  target.ReportToValue = path;
+  return fncAccessConnection(path);
+}
+
+/// What the folder leads to; none when the search has to begin again.
+std::optional<QString> lookIntoFolder() {
   DatabaseValues& values = databaseValues();
-  if (!values.blnMayCreateDatabase) return {};
-  if (!values.chooseConnection)
-    throw Failure(
-        445, QStringLiteral("There is no database in %1, and this version cannot ask for one.").arg(path));
-  return values.chooseConnection(path);
+  if (values.gReportValue.isEmpty())
+    values.gReportValue = platform::process::Process::current().programFolder();
+  values.gReportValue = fncStripSlash(values.gReportValue);
+  const QString database = values.gReportValue + u'\\' + databaseFileName;
+  if (files().FileExists(database)) return useAccessFile(database);
+  const QString connection = values.gReportValue + u'\\' + connectionFileName;
+  if (!files().FileExists(connection))
+    return values.blnMayCreateDatabase ? createByUsersChoice(database) : QString();
+  const QString text = readConnectionFile(connection);
+  if (text.isEmpty()) return std::nullopt;
+  return useServer(text);
 }
 
-/// The cursor and the lock that the caller's purpose needs.
-void prepare(ado::Recordset& rs, bool blnReadOnly, bool blnBatch) {
-  rs.CursorLocation = ado::adUseClient;
-  rs.CursorType = blnReadOnly ? ado::adOpenStatic : ado::adOpenDynamic;
-  if (blnReadOnly)
-    rs.LockType = ado::adLockReadOnly;
-  else
-    rs.LockType = blnBatch ? ado::adLockBatchOptimistic : ado::adLockOptimistic;
+QString connectionString() {
+  ReportTarget& target = reportTarget();
+  if (target.ReportTo != targetSqlServer) return fncGetConnection();
+  // the result is not looked at: where a connection file was found, it stands in the target now
+  if (!target.ReportToValue.startsWith(u"Pro"_s)) fncGetConnection();
+  return target.ReportToValue;
 }
 
 }  // namespace
 
 QString fncAccessConnection(const QString& path) {
-  return QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + path;
+  return u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source="_s + path;
 }
 
 void subSetupConnection() try {
-  subLog(QStringLiteral("Checking if the ADO connection is up or not"));
-  if (databaseValues().gConnection) return;  // not tested: a dropped one shows at the next statement
-  const QString text = connectionText();
-  if (text.isEmpty()) {
-    databaseValues().gConnection.reset();
-    return;
-  }
-  subLog(QStringLiteral("Trying to open a connection to the database with the connection string ") + text);
-  auto connection = platform::automation::CreateObject<ado::Connection>(QStringLiteral("ADODB.Connection"));
-  databaseValues().gConnection = connection;  // kept: a failed Open leaves a closed object here
+  subLog(u"Checking if the ADO connection is up or not"_s);
+  auto& connection = databaseValues().gConnection;
+  if (connection) return;
+  const QString text = connectionString();
+  if (text.isEmpty()) return;
+  subLog(u"Trying to open a connection to the database with the connection string "_s + text);
+  connection = CreateObject<Connection>(u"ADODB.Connection"_s);
   connection->setConnectionString(text);
+  // kept: when this fails, the closed connection stays; the next use fails at the statement that needs it
   connection->Open();
 } catch (const Failure& failure) {
-  subReportUnlessProbing(failure, QStringLiteral("subSetupConnection"));
+  subHandleError(failure, u"subSetupConnection"_s);
 }
 
-std::shared_ptr<ado::Recordset> fncReturnRecordset(const QString& strSource, bool blnReadOnly,
-                                                   bool blnBatch) try {
+std::shared_ptr<Recordset> fncReturnRecordset(const QString& strSource, bool blnReadOnly, bool blnBatch) try {
+  namespace ado = platform::ado;
   subSetupConnection();
-  subLog(QStringLiteral("Creating a new ADOB.Recordset. If this fails, please try re-installing MDAC"));
-  auto rs = platform::automation::CreateObject<ado::Recordset>(QStringLiteral("ADODB.Recordset"));
-  subLog(QStringLiteral("Attempting to open a recordset from ") + strSource);
-  const auto& connection = databaseValues().gConnection;
-  if (!connection) return nullptr;
-  rs->setActiveConnection(connection);
-  rs->setSource(strSource);
-  prepare(*rs, blnReadOnly, blnBatch);
-  rs->Open();
-  return rs;
+  subLog(u"Creating a new ADOB.Recordset. If this fails, please try re-installing MDAC"_s);
+  auto recordset = CreateObject<Recordset>(u"ADODB.Recordset"_s);
+  subLog(u"Attempting to open a recordset from "_s + strSource);
+  if (!databaseValues().gConnection) return nullptr;
+  recordset->setActiveConnection(databaseValues().gConnection);
+  recordset->setSource(strSource);
+  recordset->CursorLocation = ado::adUseClient;
+  recordset->CursorType = blnReadOnly ? ado::adOpenStatic : ado::adOpenDynamic;
+  recordset->LockType = ado::adLockReadOnly;
+  if (!blnReadOnly) recordset->LockType = blnBatch ? ado::adLockBatchOptimistic : ado::adLockOptimistic;
+  recordset->Open();
+  return recordset;
 } catch (const Failure& failure) {
-  subReportUnlessProbing(failure, QStringLiteral("fncReturnRecordset"));
+  if (!databaseValues().blnProbing) subHandleError(failure, u"fncReturnRecordset"_s);
+  subLog(u"fncReturnRecordset: "_s + failure.description());
   return nullptr;
 }
 
-std::shared_ptr<ado::Command> fncCreateCommand() try {
-  subLog(QStringLiteral("Creating a new ADODB.Command object"));
+std::shared_ptr<Command> fncCreateCommand() try {
+  subLog(u"Creating a new ADODB.Command object"_s);
   subSetupConnection();
-  const auto& connection = databaseValues().gConnection;
-  if (!connection) return nullptr;
-  auto command = platform::automation::CreateObject<ado::Command>(QStringLiteral("ADODB.Command"));
-  command->setActiveConnection(connection);
-  command->CommandType = ado::adCmdText;
+  if (!databaseValues().gConnection) return nullptr;
+  auto command = CreateObject<Command>(u"ADODB.Command"_s);
+  command->setActiveConnection(databaseValues().gConnection);
+  command->CommandType = platform::ado::adCmdText;
   return command;
 } catch (const Failure& failure) {
-  subReportUnlessProbing(failure, QStringLiteral("fncCreateCommand"));
-  return nullptr;
+  subHandleError(failure, u"fncCreateCommand"_s);
 }
 
 QString fncGetConnection() try {
-  for (;;) {
-    subLog(QStringLiteral("Checking if database .mdb file exists"));
-    subSetupFS();
-    auto& files = *shellValues().gFileSystem;
-    const QString folder = databaseFolder();
-    const QString path = folder + QStringLiteral("\\Hourbook3.mdb");
-    if (files.FileExists(path)) return useAccess(path);
-    const QString connectionFile = folder + QStringLiteral("\\HourbookConnection.txt");
-    if (!files.FileExists(connectionFile)) return chooseDatabase(path);
-    const QString text = readConnectionFile(connectionFile);
-    if (!text.isEmpty()) {
-      // the target is set before anything else reads it: opening a recordset comes back to subSetupConnection
-      reportTarget().ReportTo = targetSQLServer;
-      reportTarget().ReportToValue = text;
-      return text;
-    }
-    files.DeleteFile(connectionFile, true);
-  }
+  subLog(u"Checking if database .mdb file exists"_s);
+  std::optional<QString> found;
+  while (!found) found = lookIntoFolder();
+  return *found;
 } catch (const Failure& failure) {
-  subReportUnlessProbing(failure, QStringLiteral("fncGetConnection"));
-  return {};
+  subHandleError(failure, u"fncGetConnection"_s);
 }
 
 }  // namespace hourbook

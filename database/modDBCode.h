@@ -1,7 +1,6 @@
 #pragma once
 #include "platform/ado/recordset.h"
 
-#include <functional>
 #include <memory>
 
 namespace hourbook {
@@ -22,7 +21,7 @@ std::shared_ptr<platform::ado::Command> fncCreateCommand();
 /// report target: an .mdb selects Access, a filled HourbookConnection.txt the server.
 QString fncGetConnection();
 
-/// The connection string of a database file.
+/// The connection string of an Access database file.
 QString fncAccessConnection(const QString& path);
 
 }  // namespace hourbook

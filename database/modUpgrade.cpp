@@ -5,100 +5,77 @@
 #include "database/modDBCode.h"
 #include "database/ProbeScope.h"
 #include "platform/automation/components.h"
-#include "platform/scripting/filesystem.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
 #include "shell/ShellValues.h"
 
 namespace hourbook {
 
+using namespace Qt::StringLiterals;
+using namespace platform::dao;
 using platform::Failure;
-namespace dao = platform::dao;
+using platform::automation::CreateObject;
 
 namespace {
 
-const QString databaseName = QStringLiteral("Hourbook3.mdb");
-
-void openSharedConnection(const QString& path) {
-  auto connection =
-      platform::automation::CreateObject<platform::ado::Connection>(QStringLiteral("ADODB.Connection"));
-  connection->setConnectionString(fncAccessConnection(path));
-  databaseValues().gConnection = connection;
-  connection->Open();
-}
-
+/// Is the newest column there? A database of an earlier release has none, and then the question itself fails.
 bool isCurrent() {
-  const ProbeScope mayFail;
-  const auto newest = fncReturnRecordset(QStringLiteral("select top 1 strBody from tblReports"), true);
-  if (!newest) return false;
-  newest->Close();
+  const ProbeScope probe;
+  const auto recordset = fncReturnRecordset(u"select top 1 strBody from tblReports"_s, true);
+  if (!recordset) return false;
+  recordset->Close();
   return true;
 }
 
-void addOtherSettings(dao::Database& db) {
-  if (fncTableExists(QStringLiteral("tblOtherSettings"), db)) return;
-  const auto table = fncCreateDAOTable(db, QStringLiteral("tblOtherSettings"), QStringLiteral("intSettingID"),
-                                       phrases().LNGSETTINGS + QStringLiteral(" ID"));
-  subCreateDAOField(*table, QStringLiteral("strPropName"), QString(), dao::dbText, 255);
-  subCreateDAOField(*table, QStringLiteral("strPropValue"), QStringLiteral("Value"), dao::dbMemo);
-  subCreateDAOField(*db.TableDefs(QStringLiteral("tblPersons")), QStringLiteral("strPersonCategory"),
-                    phrases().LNGCATEGORY, dao::dbText, 255);
+void addOtherSettings(Database& db) {
+  if (fncTableExists(u"tblOtherSettings"_s, db)) return;
+  const auto table =
+      fncCreateDAOTable(db, u"tblOtherSettings"_s, u"intSettingID"_s, phrases().LNGSETTINGS + u" ID"_s);
+  subCreateDAOField(*table, u"strPropName"_s, {}, dbText, textColumnSize);
+  subCreateDAOField(*table, u"strPropValue"_s, u"Value"_s, dbMemo);
+  subCreateDAOField(*db.TableDefs(u"tblPersons"_s), u"strPersonCategory"_s, phrases().LNGCATEGORY, dbText,
+                    textColumnSize);
 }
 
-bool hasField(const dao::TableDef& table, const QString& name) {
-  for (const dao::Field& field : table.Fields())
-    if (field.Name == name) return true;
-  return false;
-}
-
-void addEnabled(dao::Database& db, int n) {
-  const QString name = QStringLiteral("tblMeta%1").arg(n);
-  const auto table = db.TableDefs(name);
-  if (hasField(*table, QStringLiteral("blnEnabled"))) return;
-  subCreateDAOField(*table, QStringLiteral("blnEnabled"), phrases().LNGENABLE, dao::dbBoolean);
-  db.Execute(QStringLiteral("Update ") + name + QStringLiteral(" set blnEnabled = -1"));
-}
-
-void upgrade(const QString& path) {
-  const auto engine = platform::automation::CreateObject<dao::DBEngine>(QStringLiteral("DAO.DBEngine"));
-  const auto db = engine->OpenDatabase(path);
-  addOtherSettings(*db);
-  for (int n = 1; n <= 3; ++n) addEnabled(*db, n);
-  subCreateDAOField(*db->TableDefs(QStringLiteral("tblReports")), QStringLiteral("strBody"),
-                    QStringLiteral("Body"), dao::dbMemo);
-  db->Close();
-}
-
-/// The folder that the target names, whether it names the folder itself or the file.
-QString targetFolder() {
-  QString folder = fncStripSlash(reportTarget().ReportToValue);
-  folder.remove(databaseName);
-  return fncStripSlash(folder);
+void addEnabled(Database& db, int n) {
+  const auto table = db.TableDefs(u"tblMeta%1"_s.arg(n));
+  for (const Field& field : table->Fields())
+    if (field.Name.compare(u"blnEnabled"_s, Qt::CaseInsensitive) == 0) return;
+  subCreateDAOField(*table, u"blnEnabled"_s, phrases().LNGENABLE, dbBoolean);
+  db.Execute(u"Update tblMeta%1 set blnEnabled = -1"_s.arg(n));
 }
 
 }  // namespace
 
 void subCheckUpgrade(const QString& strPath) try {
-  subLog(QStringLiteral("Attempting to upgrade Access database in path ") + strPath);
-  openSharedConnection(strPath);
-  if (!isCurrent()) upgrade(strPath);
+  subLog(u"Attempting to upgrade Access database in path "_s + strPath);
+  auto& connection = databaseValues().gConnection;
+  connection = CreateObject<platform::ado::Connection>(u"ADODB.Connection"_s);
+  connection->setConnectionString(fncAccessConnection(strPath));
+  connection->Open();
+  if (isCurrent()) return;
+  const auto db = CreateObject<DBEngine>(u"DAO.DBEngine"_s)->OpenDatabase(strPath);
+  addOtherSettings(*db);
+  for (int n = 1; n <= 3; ++n) addEnabled(*db, n);
+  subCreateDAOField(*db->TableDefs(u"tblReports"_s), u"strBody"_s, u"Body"_s, dbMemo);
 } catch (const Failure& failure) {
-  subReportUnlessProbing(failure, QStringLiteral("subCheckUpgrade"));
+  subHandleError(failure, u"subCheckUpgrade"_s);
 }
 
-void subCompactDatabase(bool blnAfterReport) try {
-  Q_UNUSED(blnAfterReport);
-  const QString folder = targetFolder();
-  subLog(QStringLiteral("Attempting to compact the database at ") + folder);
-  const QString path = folder + QStringLiteral("\\") + databaseName;
-  const QString temporary = folder + QStringLiteral("\\tmp") + databaseName + QStringLiteral(".mdb");
-  const auto engine = platform::automation::CreateObject<dao::DBEngine>(QStringLiteral("DAO.DBEngine"));
-  const auto locked = engine->CompactDatabase(path, temporary);
+void subCompactDatabase(bool /*blnAfterReport*/) try {
+  QString folder = fncStripSlash(reportTarget().ReportToValue);
+  folder = fncStripSlash(folder.remove(databaseFileName));
+  subLog(u"Attempting to compact the database at "_s + folder);
+  const QString database = folder + u'\\' + databaseFileName;
+  const QString temporary = folder + u"\\tmp"_s + databaseFileName + u".mdb"_s;
+  // Until the copy stands in its place, nobody else can write into the old file: such a row would be lost.
+  const auto held = CreateObject<DBEngine>(u"DAO.DBEngine"_s)->CompactDatabase(database, temporary);
   subSetupFS();
-  shellValues().gFileSystem->DeleteFile(path);
-  shellValues().gFileSystem->GetFile(temporary)->setName(databaseName);
+  auto& files = *shellValues().gFileSystem;
+  files.DeleteFile(database);
+  files.GetFile(temporary)->setName(databaseFileName);
 } catch (const Failure& failure) {
-  subHandleError(failure, QStringLiteral("subCompactDatabase"));
+  subHandleError(failure, u"subCompactDatabase"_s);
 }
 
 }  // namespace hourbook

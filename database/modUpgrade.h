@@ -3,12 +3,12 @@
 
 namespace hourbook {
 
-/// Brings an Access database up to date. It looks for the newest column alone; when that is there, nothing is
-/// done. Leaves the shared connection open on the file.
+/// Brings the Access database at the path up to date, and leaves the shared connection open on it. Only the
+/// newest column is looked for: a database that has it is current.
 void subCheckUpgrade(const QString& strPath);
 
-/// Compacts the Access database that the report target names. The shared connection must be closed.
-/// kept: the argument is not looked at.
+/// Compacts the database that the report target names. The shared connection must be closed, and nobody else
+/// may be using the file. kept: the argument is not looked at.
 void subCompactDatabase(bool blnAfterReport);
 
 }  // namespace hourbook

@@ -40,6 +40,7 @@ struct Recordset::Data {
   bool open = false;
   bool connected = false;
   bool writable = false;
+  bool immediate = false;  // changes go to the database at once
   qsizetype at = 0;
   bool onDeleted = false;  // the current row was deleted; `at` is the one behind it
   Edit edit = Edit::None;
@@ -238,6 +239,7 @@ void Recordset::Open() {
     d_->rows.clear();
     d_->connected = true;
     d_->writable = LockType != adLockReadOnly;
+    d_->immediate = d_->writable && LockType != adLockBatchOptimistic;
     d_->readSelect();
   } else if (d_->columns.isEmpty()) {
     throw Failure(
@@ -335,12 +337,12 @@ void Recordset::Update() {
   d_->requireOpen();
   if (d_->edit == Data::Edit::None) return;
   if (d_->edit == Data::Edit::New) {
-    if (d_->connected) d_->writeNew();
+    if (d_->immediate) d_->writeNew();
     d_->rows.append(d_->pending);
     d_->at = d_->rows.size() - 1;
     d_->onDeleted = false;
   } else {
-    if (d_->connected) d_->writeChange();
+    if (d_->immediate) d_->writeChange();
     d_->rows[d_->at] = d_->pending;
   }
   d_->dropEdit();
@@ -354,7 +356,7 @@ void Recordset::Delete() {
   }
   if (!d_->hasCurrent()) noCurrentRecord();
   d_->dropEdit();
-  if (d_->connected) {
+  if (d_->immediate) {
     QList<basic::Value> parameters;
     const QString condition = d_->where(d_->rows[d_->at], parameters);
     if (d_->connection->session()

@@ -8,6 +8,7 @@
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -88,6 +89,23 @@ void requireDatabase(const QString& path) {
       throw Failure(errors::unrecognizedFormat,
                     QStringLiteral("Unrecognized database format '%1': the file is no database.").arg(path));
   }
+}
+
+void takeAccessRights(const QString& from, const QString& to) {
+#ifdef Q_OS_UNIX
+  struct stat source {};
+  const QByteArray target = QFile::encodeName(to);
+  if (::stat(QFile::encodeName(from).constData(), &source) != 0) return;
+  if (::chown(target.constData(), source.st_uid, source.st_gid) != 0 &&
+      ::chown(target.constData(), static_cast<uid_t>(-1), source.st_gid) != 0) {
+    // neither is permitted: the file stays its maker's, with the mode below
+  }
+  if (::chmod(target.constData(), source.st_mode & 07777) == 0) return;
+  throw Failure(errors::noPermission, QStringLiteral("The access rights of '%1' cannot be set.").arg(to));
+#else
+  Q_UNUSED(from)
+  Q_UNUSED(to)
+#endif
 }
 
 void syncToDisk(const QString& path) {

@@ -14,6 +14,10 @@ void requireDatabase(const QString& path);
 /// "\" and "/" both separate folders in what is given here.
 QString systemForm(const QString& path);
 
+/// Gives a file the mode of another and, where the system permits it, its owner and group: a database that
+/// several users share stays theirs.
+void takeAccessRights(const QString& from, const QString& to);
+
 /// Brings the file and the entry in its folder to the disk. Throws when the disk refuses.
 void syncToDisk(const QString& path);
 

@@ -183,6 +183,7 @@ void SqliteEngine::createDatabase(const QString& path) {
   }
   OpenOptions options;
   options.busyTimeout = busyTimeout_;
+  options.durability = durability_;
   options.create = true;
   try {
     SqliteSession session(fileUri(file, QStringLiteral("rwc")), file, options);
@@ -304,6 +305,7 @@ std::shared_ptr<void> SqliteEngine::compact(const QString& source, const QString
     throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(target));
   OpenOptions options;
   options.busyTimeout = busyTimeout_;
+  options.durability = durability_;
   auto session = std::make_shared<SqliteSession>(fileUri(from, QStringLiteral("rw")), from, options);
   // An exclusive lock, held until the session is closed: a row that another program stored after the copy was
   // made would be lost when the copy takes the file's place. (A program that has the file open but is not
@@ -319,7 +321,8 @@ std::shared_ptr<void> SqliteEngine::compact(const QString& source, const QString
         throw Failure(errors::damaged,
                       QStringLiteral("The compacted copy '%1' of the database is damaged.").arg(to));
     }
-    syncToDisk(to);
+    takeAccessRights(from, to);
+    if (durability_ == Durability::PowerCut) syncToDisk(to);
   } catch (const Failure&) {
     QFile::remove(to);
     throw;

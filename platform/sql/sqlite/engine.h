@@ -12,7 +12,8 @@ namespace platform::sql::sqlite {
 /// refused by the file itself (a check constraint), whoever writes it.
 class SqliteEngine : public FileEngine {
  public:
-  explicit SqliteEngine(int busyTimeout = busyTimeoutMs) : busyTimeout_(busyTimeout) {}
+  explicit SqliteEngine(int busyTimeout = busyTimeoutMs, Durability durability = Durability::PowerCut)
+      : busyTimeout_(busyTimeout), durability_(durability) {}
   void createDatabase(const QString& path) override;
   void createTable(Session& session, const QString& table, const QList<Column>& columns) override;
   void addColumn(Session& session, const QString& table, const Column& column) override;
@@ -24,6 +25,7 @@ class SqliteEngine : public FileEngine {
 
  private:
   int busyTimeout_;
+  Durability durability_;
 };
 
 }  // namespace platform::sql::sqlite

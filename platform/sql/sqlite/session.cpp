@@ -141,7 +141,8 @@ SqliteSession::SqliteSession(const QString& uri, const QString& label, const Ope
     QSqlDatabase base = database();
     if (!base.open()) fail(base.lastError(), {});
     execute(QStringLiteral("PRAGMA foreign_keys=ON"));
-    execute(QStringLiteral("PRAGMA synchronous=EXTRA"));
+    execute(options.durability == Durability::PowerCut ? QStringLiteral("PRAGMA synchronous=EXTRA")
+                                                       : QStringLiteral("PRAGMA synchronous=OFF"));
     if (!options.readOnly) execute(QStringLiteral("PRAGMA journal_mode=DELETE"));
     // the first look into the file: damage and locks show here and not in the middle of the work
     execute(QStringLiteral("SELECT count(*) FROM sqlite_master"));
@@ -275,6 +276,7 @@ std::unique_ptr<Session> SqliteDriver::connect(const ConnectionString& connectio
   requireDatabase(path);
   OpenOptions options;
   options.busyTimeout = busyTimeout_;
+  options.durability = durability_;
   options.readOnly = connection.value(QStringLiteral("Mode")).compare(u"Read", Qt::CaseInsensitive) == 0;
   const QString mode = options.readOnly ? QStringLiteral("ro") : QStringLiteral("rw");
   return std::make_unique<SqliteSession>(fileUri(path, mode), path, options);

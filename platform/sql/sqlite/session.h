@@ -16,8 +16,13 @@ inline constexpr int busyTimeoutMs = 5000;
 inline constexpr char columnCatalogue[] = "MSysColumns";
 inline constexpr char relationCatalogue[] = "MSysRelationships";
 
+/// What has to survive once a statement has returned. Databases that are thrown away anyway, as a test's, can
+/// spare the waiting for the disk.
+enum class Durability { PowerCut, ProcessEnd };
+
 struct OpenOptions {
   int busyTimeout = busyTimeoutMs;
+  Durability durability = Durability::PowerCut;
   bool create = false;
   bool readOnly = false;
 };
@@ -49,11 +54,13 @@ class SqliteSession : public Session {
 /// "Mode=Read" opens it read-only.
 class SqliteDriver : public Driver {
  public:
-  explicit SqliteDriver(int busyTimeout = busyTimeoutMs) : busyTimeout_(busyTimeout) {}
+  explicit SqliteDriver(int busyTimeout = busyTimeoutMs, Durability durability = Durability::PowerCut)
+      : busyTimeout_(busyTimeout), durability_(durability) {}
   std::unique_ptr<Session> connect(const ConnectionString& connection) override;
 
  private:
   int busyTimeout_;
+  Durability durability_;
 };
 
 /// SQLite's address of a file.

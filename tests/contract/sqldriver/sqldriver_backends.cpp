@@ -11,7 +11,7 @@ using namespace platform::sql;
 
 class SqliteContext : public SqlDriverContext {
  public:
-  SqliteContext() { sqlite::SqliteEngine().createDatabase(path()); }
+  SqliteContext() { engine_.createDatabase(path()); }
   Driver& driver() override { return driver_; }
   ConnectionString connection() override {
     ConnectionString connection;
@@ -24,8 +24,8 @@ class SqliteContext : public SqlDriverContext {
 
  private:
   QTemporaryDir folder_;
-  sqlite::SqliteDriver driver_{0};
-  sqlite::SqliteEngine engine_{0};
+  sqlite::SqliteDriver driver_{0, sqlite::Durability::ProcessEnd};
+  sqlite::SqliteEngine engine_{0, sqlite::Durability::ProcessEnd};
 };
 
 class MemoryContext : public SqlDriverContext {
@@ -50,8 +50,9 @@ class FailingContext : public SqliteContext {
 
  private:
   std::shared_ptr<FaultPlan> plan_ = std::make_shared<FaultPlan>();
-  FailingDriver failing_{std::make_shared<sqlite::SqliteDriver>(0), plan_};
-  FailingEngine failingEngine_{std::make_shared<sqlite::SqliteEngine>(0), plan_};
+  FailingDriver failing_{std::make_shared<sqlite::SqliteDriver>(0, sqlite::Durability::ProcessEnd), plan_};
+  FailingEngine failingEngine_{std::make_shared<sqlite::SqliteEngine>(0, sqlite::Durability::ProcessEnd),
+                               plan_};
 };
 
 }  // namespace

@@ -241,3 +241,17 @@ TEST_F(AdoTest, AnOpenRecordsetIsNotOpenedAgain) {
   rs->Open();
   EXPECT_EQ(rs->Fields().Count(), 5);
 }
+
+TEST_F(AdoTest, ABatchKeepsItsChangesToItself) {
+  fill({u"a"_qs});
+  Recordset rs;
+  rs.setActiveConnection(connection);
+  rs.setSource(u"tblMeta1"_qs);
+  rs.LockType = adLockBatchOptimistic;
+  rs.Open();
+  rs[u"strName"_qs].setValue(u"x"_qs);
+  rs.Update();
+  rs.AddNew(u"strName"_qs, u"y"_qs);
+  EXPECT_EQ(rs.RecordCount(), 2);
+  EXPECT_EQ(stored(), QStringList{u"a"_qs});
+}

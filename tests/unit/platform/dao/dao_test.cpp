@@ -43,8 +43,8 @@ class Dao : public testing::Test {
 
   QTemporaryDir folder;
   QString path = folder.filePath(u"new.mdb"_qs);
-  DBEngine engine{std::make_shared<sql::sqlite::SqliteDriver>(0),
-                  std::make_shared<sql::sqlite::SqliteEngine>(0)};
+  DBEngine engine{std::make_shared<sql::sqlite::SqliteDriver>(0, sql::sqlite::Durability::ProcessEnd),
+                  std::make_shared<sql::sqlite::SqliteEngine>(0, sql::sqlite::Durability::ProcessEnd)};
   std::shared_ptr<Database> db;
 };
 

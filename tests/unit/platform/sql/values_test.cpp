@@ -104,3 +104,16 @@ TEST(DatabaseFile, ARelationKeepsIndexesAndTriggersOfTheTable) {
   EXPECT_TRUE(result.rows[0][0] == Value(u"t"_qs));
   EXPECT_TRUE(result.rows[1][0] == Value(u"d"_qs));
 }
+
+TEST(DatabaseFile, ACompactedCopyHasTheModeOfItsSource) {
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(u"a.mdb"_qs);
+  SqliteEngine engine;
+  engine.createDatabase(path);
+  const auto shared = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::WriteGroup;
+  ASSERT_TRUE(QFile::setPermissions(path, shared));
+  engine.compact(path, path + u".new"_qs);
+  const auto mode = QFile::permissions(path + u".new"_qs);
+  EXPECT_TRUE(mode & QFile::WriteGroup);
+  EXPECT_FALSE(mode & QFile::ReadOther);
+}

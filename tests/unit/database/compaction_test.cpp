@@ -1,0 +1,101 @@
+#include "databaseworld.h"
+
+using namespace hourbook;
+using platform::Failure;
+
+namespace {
+const QString temporaryName = QStringLiteral("tmpHourbook3.mdb.mdb");
+}
+
+class Compaction : public testing::Test {
+ protected:
+  Compaction() {
+    w.createCurrent();
+    reportTarget().ReportToValue = w.shownPath();
+    w.other()->execute(u"insert into tblPersons (strPersonName) values ('Ann')"_qs);
+  }
+  tests::DatabaseWorld w;
+};
+
+TEST_F(Compaction, ReplacesTheDatabaseByACompactedCopy) {
+  {
+    const auto file = w.other();
+    for (int i = 0; i < 100; ++i)
+      file->execute(u"insert into tblReports (strBody) values (?)"_qs, {QString(3000, u'b')});
+    file->execute(u"delete from tblReports"_qs);
+  }
+  const qint64 before = w.read(u"Hourbook3.mdb"_qs).size();
+  subCompactDatabase(true);
+  EXPECT_LT(w.read(u"Hourbook3.mdb"_qs).size(), before);
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+  EXPECT_FALSE(w.exists(temporaryName));
+  EXPECT_FALSE(w.exists(u"Hourbook3.mdb-journal"_qs));
+  EXPECT_EQ(w.shell->gLastLogText, u"Attempting to compact the database at "_qs + w.folder.path());
+  EXPECT_EQ(
+      w.plan->statements.filter(u"compact"_qs),
+      QStringList{u"compact "_qs + w.shownPath() + u' ' + w.folder.path() + u"\\tmpHourbook3.mdb.mdb"_qs});
+}
+
+TEST_F(Compaction, TakesThePathWithAndWithoutTheFileNameAndBackslashes) {
+  for (const QString& value : {w.folder.path(), w.folder.path() + u'\\', w.shownPath() + u'\\'}) {
+    reportTarget().ReportToValue = value;
+    subCompactDatabase(false);
+    EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+  }
+}
+
+TEST_F(Compaction, AFailingCopyLeavesTheDatabaseInPlace) {
+  const QByteArray before = w.read(u"Hourbook3.mdb"_qs);
+  w.plan->failContaining(u"compact"_qs, Failure(3026, u"Not enough space on disk."_qs));
+  w.expectFailure(u"subCompactDatabase"_qs, u"Not enough space on disk."_qs,
+                  [] { subCompactDatabase(true); });
+  EXPECT_EQ(w.read(u"Hourbook3.mdb"_qs), before);
+  EXPECT_FALSE(w.exists(temporaryName));
+}
+
+TEST_F(Compaction, ADatabaseInUseIsLeftInPlace) {
+  const auto other = w.other();
+  other->execute(u"BEGIN IMMEDIATE"_qs);
+  w.expectFailure(u"subCompactDatabase"_qs, u"is in use by another program"_qs,
+                  [] { subCompactDatabase(true); });
+  EXPECT_TRUE(w.exists());
+  EXPECT_FALSE(w.exists(temporaryName));
+}
+
+TEST_F(Compaction, ADatabaseThatCannotBeDeletedLeavesBothFiles) {
+  w.files->failDelete = u"Hourbook3.mdb"_qs;
+  w.expectFailure(u"subCompactDatabase"_qs, u"Permission denied"_qs, [] { subCompactDatabase(true); });
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+  EXPECT_TRUE(w.exists(temporaryName));
+}
+
+TEST_F(Compaction, ACopyThatCannotBeRenamedIsAllThatIsLeft) {
+  w.files->failRename = true;
+  w.expectFailure(u"subCompactDatabase"_qs, u"Permission denied"_qs, [] { subCompactDatabase(true); });
+  EXPECT_FALSE(w.exists());
+  EXPECT_TRUE(w.exists(temporaryName));
+  ASSERT_TRUE(QFile::rename(w.path(temporaryName), w.path()));  // as an administrator would
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}
+
+TEST_F(Compaction, ACopyLeftFromBeforeIsNotOverwritten) {
+  w.write(temporaryName, "left");
+  w.expectFailure(u"subCompactDatabase"_qs, u"Database already exists"_qs, [] { subCompactDatabase(true); });
+  EXPECT_EQ(w.read(temporaryName), QByteArray("left"));
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}
+
+TEST_F(Compaction, NobodyWritesIntoTheFileThatIsBeingReplaced) {
+  // another program that tries between the copy and the exchange
+  qint32 seen = 0;
+  w.plan->rules.append({u"compact"_qs, 0, 1, true, std::nullopt, [&] {
+                          try {
+                            w.other()->execute(u"insert into tblPersons (strPersonName) values ('lost')"_qs);
+                          } catch (const Failure& failure) {
+                            seen = failure.number();
+                          }
+                        }});
+  subCompactDatabase(true);
+  EXPECT_EQ(seen, platform::sql::errors::locked);
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}

@@ -1,0 +1,130 @@
+#pragma once
+#include "database/DatabaseValues.h"
+#include "database/modCreateDB.h"
+#include "database/modDBCode.h"
+#include "database/modUpgrade.h"
+#include "platform/ado/registration.h"
+#include "platform/dao/registration.h"
+#include "platform/scripting/dictionary.h"
+#include "platform/scripting/filesystem.h"
+#include "platform/sql/errors.h"
+#include "platform/sql/failing/failing.h"
+#include "platform/sql/sqlite/engine.h"
+#include "shell/modFileHandling.h"
+#include "shell/modLanguage.h"
+#include "shell/ShellValues.h"
+#include "tests/support/testworld.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace tests {
+
+/// A file system whose deleting and renaming can be told to fail.
+class FailingFiles : public platform::scripting::FileSystemObject {
+ public:
+  struct Faults {
+    QString failDelete;  // part of a path
+    bool failRename = false;
+  };
+  explicit FailingFiles(std::shared_ptr<Faults> faults) : faults_(std::move(faults)) {}
+  void DeleteFile(const QString& path, bool force) override {
+    if (!faults_->failDelete.isEmpty() && path.contains(faults_->failDelete))
+      throw platform::Failure(platform::failure::permissionDenied,
+                              QStringLiteral("Permission denied: ") + path);
+    FileSystemObject::DeleteFile(path, force);
+  }
+  std::shared_ptr<platform::scripting::File> GetFile(const QString& path) override {
+    if (faults_->failRename)
+      throw platform::Failure(platform::failure::permissionDenied,
+                              QStringLiteral("Permission denied: ") + path);
+    return FileSystemObject::GetFile(path);
+  }
+
+ private:
+  std::shared_ptr<Faults> faults_;
+};
+
+inline constexpr auto noWait = platform::sql::sqlite::Durability::ProcessEnd;
+
+/// The world of the database code: a database folder, English phrases, and drivers that can be told to fail.
+class DatabaseWorld {
+ public:
+  DatabaseWorld() {
+    using namespace platform;
+    world.components.add<scripting::DictionaryComponent>(QStringLiteral("Scripting.Dictionary"), [] {
+      return std::make_shared<scripting::DictionaryComponent>();
+    });
+    world.components.add<scripting::FileSystemObject>(QStringLiteral("Scripting.FileSystemObject"), [this] {
+      return std::make_shared<FailingFiles>(files);
+    });
+    auto driver =
+        std::make_shared<sql::FailingDriver>(std::make_shared<sql::sqlite::SqliteDriver>(0, noWait), plan);
+    auto engine =
+        std::make_shared<sql::FailingEngine>(std::make_shared<sql::sqlite::SqliteEngine>(0, noWait), plan);
+    auto drivers = std::make_shared<sql::Drivers>();
+    drivers->add(QStringLiteral("Microsoft.Jet.OLEDB.4.0"), driver);
+    ado::registerComponents(world.components, drivers);
+    dao::registerComponents(world.components, driver, engine);
+    hourbook::LoadLanguages(4);
+    hourbook::subSetupFS();
+    database->gReportValue = folder.path();
+  }
+
+  QString path(const QString& name = QStringLiteral("Hourbook3.mdb")) const { return folder.filePath(name); }
+  /// The path as the program writes it.
+  QString shownPath() const { return folder.path() + QStringLiteral("\\Hourbook3.mdb"); }
+  bool exists(const QString& name = QStringLiteral("Hourbook3.mdb")) const {
+    return QFile::exists(path(name));
+  }
+  void write(const QString& name, const QByteArray& bytes) const {
+    QFile file(path(name));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+  }
+  QByteArray read(const QString& name) const {
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }
+  /// A database as the first release made it.
+  void createOld() const { hourbook::subCreateHBDatabase(shownPath()); }
+  /// A database that is up to date; nothing is open afterwards.
+  void createCurrent() {
+    createOld();
+    hourbook::subCheckUpgrade(shownPath());
+    database->gConnection.reset();
+    plan->clear();
+  }
+  /// Another program's connection to the file.
+  std::unique_ptr<platform::sql::Session> other() const {
+    platform::sql::ConnectionString connection;
+    connection.set(QStringLiteral("Data Source"), path());
+    return platform::sql::sqlite::SqliteDriver(0, noWait).connect(connection);
+  }
+  QStringList columns(const QString& table) const {
+    QStringList names;
+    for (const auto& column : other()->columns(table)) names.append(column.name);
+    return names;
+  }
+  int rows(const QString& sql) const { return static_cast<int>(other()->execute(sql).rows.size()); }
+
+  /// The statements must end the process with a failure report of this procedure, whose text holds `part`.
+  void expectFailure(const QString& procedure, const QString& part, const std::function<void()>& statements) {
+    shell->gInErrorReport = false;
+    world.dialogs.expect(shell->LNGSUBROUTINE + QStringLiteral(" : ") + procedure + u' ',
+                         platform::dialogs::vbNo);
+    EXPECT_TRUE(endsProcess(statements));
+    ASSERT_FALSE(world.dialogs.shown.isEmpty());
+    const QString text = world.dialogs.shown.last().text;
+    EXPECT_TRUE(text.contains(part)) << qPrintable(text);
+  }
+
+  TestWorld world;
+  hourbook::Shared<hourbook::ShellValues>::Scope shell;
+  hourbook::Shared<hourbook::DatabaseValues>::Scope database;
+  QTemporaryDir folder;
+  std::shared_ptr<platform::sql::FaultPlan> plan = std::make_shared<platform::sql::FaultPlan>();
+  std::shared_ptr<FailingFiles::Faults> files = std::make_shared<FailingFiles::Faults>();
+};
+
+}  // namespace tests

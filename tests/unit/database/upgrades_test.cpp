@@ -1,0 +1,134 @@
+#include "databaseworld.h"
+
+using namespace hourbook;
+using platform::Failure;
+using platform::basic::Value;
+
+class Upgrades : public testing::Test {
+ protected:
+  QStringList schemaChanges() const {
+    QStringList changes;
+    for (const QString& statement : w.plan->statements)
+      if (statement.startsWith(u"createTable"_qs) || statement.startsWith(u"addColumn"_qs) ||
+          statement.startsWith(u"Update"_qs))
+        changes.append(statement);
+    return changes;
+  }
+  tests::DatabaseWorld w;
+};
+
+TEST_F(Upgrades, ANewDatabaseGetsWhatHasComeSinceTheFirstRelease) {
+  w.createOld();
+  w.plan->statements.clear();
+  subCheckUpgrade(w.shownPath());
+  EXPECT_EQ(schemaChanges(),
+            QStringList({u"createTable tblOtherSettings"_qs, u"addColumn tblOtherSettings strPropName"_qs,
+                         u"addColumn tblOtherSettings strPropValue"_qs,
+                         u"addColumn tblPersons strPersonCategory"_qs, u"addColumn tblMeta1 blnEnabled"_qs,
+                         u"Update tblMeta1 set blnEnabled = -1"_qs, u"addColumn tblMeta2 blnEnabled"_qs,
+                         u"Update tblMeta2 set blnEnabled = -1"_qs, u"addColumn tblMeta3 blnEnabled"_qs,
+                         u"Update tblMeta3 set blnEnabled = -1"_qs, u"addColumn tblReports strBody"_qs}));
+  const auto file = w.other();
+  const auto other = file->columns(u"tblOtherSettings"_qs);
+  ASSERT_EQ(other.size(), 3);
+  EXPECT_EQ(other[0].name, u"intSettingID"_qs);
+  EXPECT_EQ(other[0].caption, w.shell->LNGSETTINGS + u" ID"_qs);
+  EXPECT_EQ(other[1].name, u"strPropName"_qs);
+  EXPECT_EQ(other[1].size, 255);
+  EXPECT_EQ(other[1].caption, QString());
+  EXPECT_EQ(other[2].name, u"strPropValue"_qs);
+  EXPECT_EQ(other[2].type, platform::sql::Type::Memo);
+  EXPECT_EQ(other[2].caption, u"Value"_qs);
+  EXPECT_FALSE(other[2].allowZeroLength) << "a memo column holds no empty text";
+  EXPECT_EQ(file->columns(u"tblPersons"_qs)[2].caption, u"Category"_qs);
+  EXPECT_EQ(file->columns(u"tblMeta1"_qs)[5].caption, u"Enabled"_qs);
+  EXPECT_EQ(file->columns(u"tblReports"_qs)[12].name, u"strBody"_qs);
+  EXPECT_EQ(file->columns(u"tblReports"_qs)[12].caption, u"Body"_qs);
+  EXPECT_EQ(file->columns(u"tblReports"_qs)[12].type, platform::sql::Type::Memo);
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty()) << "that the probe fails is no failure of the program";
+}
+
+TEST_F(Upgrades, ACurrentDatabaseIsAskedOnceAndNotChanged) {
+  w.createCurrent();
+  subCheckUpgrade(w.shownPath());
+  EXPECT_TRUE(schemaChanges().isEmpty());
+  EXPECT_EQ(w.plan->statements.filter(u"strBody"_qs),
+            QStringList{u"select top 1 strBody from tblReports"_qs});
+}
+
+TEST_F(Upgrades, TheSharedConnectionIsNewAndOpenOnTheFile) {
+  w.createCurrent();
+  const auto before = platform::automation::CreateObject<platform::ado::Connection>(u"ADODB.Connection"_qs);
+  w.database->gConnection = before;
+  subCheckUpgrade(w.shownPath());
+  EXPECT_NE(w.database->gConnection, before);
+  EXPECT_EQ(w.database->gConnection->State(), platform::ado::adStateOpen);
+  EXPECT_FALSE(w.database->blnProbing);
+}
+
+TEST_F(Upgrades, ExistingValuesAreEnabledAndKept) {
+  w.createOld();
+  w.other()->execute(u"insert into tblMeta2 (strName, curRate) values ('Acme', 100)"_qs);
+  subCheckUpgrade(w.shownPath());
+  const auto result =
+      w.other()->execute(u"select strName, blnEnabled from tblMeta2 where blnEnabled = -1"_qs);
+  ASSERT_EQ(result.rows.size(), 1);
+  EXPECT_TRUE(result.rows[0][0] == Value(u"Acme"_qs));
+}
+
+TEST_F(Upgrades, WithOtherSettingsThereOnlyTheEnabledColumnsAndTheBodyAreAdded) {
+  w.createOld();
+  const auto file = w.other();
+  file->execute(u"create table tblOtherSettings (intSettingID integer primary key)"_qs);
+  w.plan->statements.clear();
+  subCheckUpgrade(w.shownPath());
+  EXPECT_EQ(schemaChanges().size(), 7);
+  EXPECT_EQ(schemaChanges().first(), u"addColumn tblMeta1 blnEnabled"_qs);
+  EXPECT_FALSE(w.columns(u"tblPersons"_qs).contains(u"strPersonCategory"_qs));
+}
+
+TEST_F(Upgrades, AnEnabledColumnThatIsThereIsLeftWithItsValues) {
+  w.createOld();
+  w.other()->execute(u"alter table tblMeta2 add column blnEnabled boolean"_qs);
+  w.other()->execute(u"insert into tblMeta2 (strName, blnEnabled) values ('off', 0)"_qs);
+  subCheckUpgrade(w.shownPath());
+  EXPECT_EQ(w.rows(u"select * from tblMeta2 where blnEnabled = 0"_qs), 1);
+  EXPECT_TRUE(w.columns(u"tblMeta3"_qs).contains(u"blnEnabled"_qs));
+}
+
+TEST_F(Upgrades, WithTheBodyThereNothingElseIsLookedFor) {
+  w.createOld();
+  w.other()->execute(u"alter table tblReports add column strBody longtext"_qs);
+  subCheckUpgrade(w.shownPath());
+  EXPECT_FALSE(w.columns(u"tblMeta1"_qs).contains(u"blnEnabled"_qs));
+  EXPECT_FALSE(w.other()->tables().contains(u"tblOtherSettings"_qs));
+}
+
+TEST_F(Upgrades, TheFailureOfTheProbeIsLoggedUnderItsName) {
+  w.createOld();
+  w.plan->failContaining(u"createTable tblOtherSettings"_qs, Failure(3026, u"full"_qs));
+  w.expectFailure(u"subCheckUpgrade"_qs, u"fncReturnRecordset: "_qs, [&] { subCheckUpgrade(w.shownPath()); });
+  EXPECT_FALSE(w.database->blnProbing) << "after the probe, failures of recordsets are reported again";
+}
+
+TEST_F(Upgrades, AFailureEndsTheRoutineAtItsStep) {
+  w.createOld();
+  w.plan->failContaining(u"addColumn tblMeta2 blnEnabled"_qs, Failure(3026, u"Not enough space on disk."_qs));
+  w.expectFailure(u"subCheckUpgrade"_qs, u"Not enough space on disk."_qs,
+                  [&] { subCheckUpgrade(w.shownPath()); });
+  EXPECT_TRUE(w.columns(u"tblMeta1"_qs).contains(u"blnEnabled"_qs));
+  EXPECT_FALSE(w.columns(u"tblMeta2"_qs).contains(u"blnEnabled"_qs));
+  EXPECT_FALSE(w.columns(u"tblReports"_qs).contains(u"strBody"_qs));
+  // the next start takes it up again
+  w.plan->clear();
+  w.database->gConnection.reset();
+  subCheckUpgrade(w.shownPath());
+  EXPECT_TRUE(w.columns(u"tblReports"_qs).contains(u"strBody"_qs));
+}
+
+TEST_F(Upgrades, AMissingFileIsReported) {
+  w.expectFailure(u"subCheckUpgrade"_qs, u"Could not find file"_qs, [&] { subCheckUpgrade(w.shownPath()); });
+  EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(
+      u"Attempting to upgrade Access database in path "_qs + w.shownPath()));
+  EXPECT_FALSE(w.exists());
+}
