@@ -1,0 +1,81 @@
+#include "app/components.h"
+
+#include "platform/ado/connection.h"
+#include "platform/dao/dao.h"
+#include "platform/forms/controls.h"
+#include "platform/outlook/application.h"
+#include "platform/owc/chartspace.h"
+#include "platform/owc/spreadsheet.h"
+#include "platform/scripting/filesystem.h"
+#include "platform/scripting/shell.h"
+#include "tests/support/testworld.h"
+
+#include <QFile>
+
+namespace tests {
+namespace {
+
+using platform::automation::CreateObject;
+
+class ComponentsOfTheMachine : public testing::Test {
+ protected:
+  ComponentsOfTheMachine() {
+    QFile file(calendar.filePath(QStringLiteral("one.ics")));
+    if (file.open(QIODevice::WriteOnly))
+      file.write(
+          "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Hourbook//Test//EN\r\nBEGIN:VEVENT\r\nUID:one\r\n"
+          "DTSTAMP:20240501T000000Z\r\nDTSTART:20240515T090000Z\r\nDTEND:20240515T100000Z\r\nSUMMARY:"
+          "Planning\r\n"
+          "END:VEVENT\r\nEND:VCALENDAR\r\n");
+    configuration.folder = calendar.path();
+    configuration.mailboxName = QStringLiteral("Mailbox - Jane Doe");
+    configuration.outlookVersion = QStringLiteral("11.0.0.8169");
+    configuration.calendars.append(
+        {QStringLiteral("work"), QStringLiteral("Calendar"), calendar.path(), false});
+    configuration.openCalendar = QStringLiteral("work");
+  }
+  TestWorld world;
+  QTemporaryDir calendar;
+  hourbook::Configuration configuration;
+};
+
+TEST_F(ComponentsOfTheMachine, RunOutlookOverTheConfiguredCalendars) {
+  hourbook::registerComponents(world.components, configuration);
+  const auto outlook =
+      platform::automation::GetObject<platform::outlook::Application>(QStringLiteral("Outlook.Application"));
+  const auto folder = outlook->ActiveExplorer()->CurrentFolder();
+  EXPECT_EQ(folder->Name(), QStringLiteral("Calendar"));
+  EXPECT_EQ(folder->ParentName(), QStringLiteral("Mailbox - Jane Doe"));
+  ASSERT_EQ(folder->Items().Count(), 1);
+  EXPECT_EQ(folder->Items().Item(1)->Subject(), QStringLiteral("Planning"));
+}
+
+TEST_F(ComponentsOfTheMachine, OpenNoWindowUnlessTheConfigurationNamesIt) {
+  configuration.openCalendar.clear();
+  hourbook::registerComponents(world.components, configuration);
+  const auto outlook =
+      platform::automation::GetObject<platform::outlook::Application>(QStringLiteral("Outlook.Application"));
+  EXPECT_EQ(outlook->ActiveExplorer(), nullptr);
+}
+
+TEST_F(ComponentsOfTheMachine, AreFoundUnderTheirNames) {
+  hourbook::registerComponents(world.components, configuration);
+  EXPECT_NO_THROW(CreateObject<platform::ado::Connection>(QStringLiteral("ADODB.Connection")));
+  EXPECT_NO_THROW(CreateObject<platform::dao::DBEngine>(QStringLiteral("DAO.DBEngine")));
+  EXPECT_NO_THROW(
+      CreateObject<platform::scripting::FileSystemObject>(QStringLiteral("Scripting.FileSystemObject")));
+  EXPECT_NO_THROW(CreateObject<platform::scripting::WshShell>(QStringLiteral("Wscript.Shell")));
+  EXPECT_NO_THROW(CreateObject<platform::forms::DTPicker>(QStringLiteral("MSComCtl2.DTPicker")));
+  EXPECT_EQ(CreateObject<platform::owc::Spreadsheet>(QStringLiteral("OWC11.Spreadsheet"))->generation(),
+            platform::owc::Generation::Office2003);
+}
+
+TEST_F(ComponentsOfTheMachine, HaveGeneration11OfTheChartAlone) {
+  hourbook::registerComponents(world.components, configuration);
+  EXPECT_NO_THROW(CreateObject<platform::owc::ChartSpace>(QStringLiteral("OWC11.ChartSpace")));
+  EXPECT_FALSE(world.components.has(QStringLiteral("OWC10.Chartspace")));
+  EXPECT_FALSE(world.components.has(QStringLiteral("OWC.Chart")));
+}
+
+}  // namespace
+}  // namespace tests
