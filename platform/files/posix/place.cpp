@@ -120,7 +120,7 @@ bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* 
   if (!maybeExpected && !maybeWritten) return false;
 
   const Descriptor file = openForReading(place.folder, place.name, place.path);
-  const QByteArray hash = hashOf(readAll(file, place.path, now.size, now.size));
+  const QByteArray hash = hashOf(readAll(file, place.path, now.size));
   if (!(maybeExpected && hash == expected.hash) && !(maybeWritten && hash == hashOf(*written))) return false;
   const std::optional<struct stat> after = lookAt(place);  // nobody wrote while it was read
   return after && sameStat(fingerprintOf(*after), now);
@@ -135,20 +135,17 @@ Descriptor openForReading(int folder, const QByteArray& name, const QString& pat
   return file;
 }
 
-QByteArray readAll(int file, const QString& path, qint64 sizeHint, qint64 limit) {
-  constexpr qint64 step = 64 * 1024;
-  QByteArray bytes;
-  bytes.reserve(std::min(sizeHint, limit) + 1);
-  while (bytes.size() <= limit) {
-    const qint64 before = bytes.size();
-    const qint64 wanted = std::min(std::max(step, sizeHint - before), limit - before) + 1;
-    bytes.resize(before + wanted);
-    const ssize_t got =
-        retried([&] { return calls().read(file, bytes.data() + before, static_cast<size_t>(wanted)); });
+QByteArray readAll(int file, const QString& path, qint64 size) {
+  QByteArray bytes(size + 1, Qt::Uninitialized);
+  qint64 done = 0;
+  while (done < bytes.size()) {
+    const ssize_t got = retried(
+        [&] { return calls().read(file, bytes.data() + done, static_cast<size_t>(bytes.size() - done)); });
     if (got < 0) fail(path, errno);
-    bytes.truncate(before + got);
     if (got == 0) break;
+    done += got;
   }
+  bytes.truncate(done);
   return bytes;
 }
 

@@ -71,8 +71,8 @@ inline constexpr qint64 comparedBytes = 1024 * 1024;
 bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written);
 
 Descriptor openForReading(int folder, const QByteArray& name, const QString& path);
-/// At most `limit` bytes and one more, so that the caller sees that there are more.
-QByteArray readAll(int file, const QString& path, qint64 sizeHint, qint64 limit);
+/// At most `size` bytes and one more: a file that grows is noticed, and is not run after.
+QByteArray readAll(int file, const QString& path, qint64 size);
 QByteArray hashOf(const QByteArray& bytes);
 void syncFolder(const Place& place);
 /// Renames within the folder. False, and nothing done, when the new name is taken.

@@ -31,12 +31,11 @@ ReadResult readOnce(const QString& path, qint64 limit, bool* changed) {
   regularFile(path, retried([&] { return calls().fstatat(AT_FDCWD, name.constData(), &found, 0); }), found);
   const Descriptor file = openForReading(AT_FDCWD, name, path);
   const Fingerprint before = fingerprintOf(lookAtOpen(file, path));
-  const QString tooLarge = QStringLiteral("larger than the %1 bytes that are read").arg(limit);
-  if (before.size > limit) failWith(path, tooLarge);
+  if (before.size > limit)
+    failWith(path, QStringLiteral("larger than the %1 bytes that are read").arg(limit));
 
   ReadResult result;
-  result.bytes = readAll(file, path, before.size, limit);
-  if (result.bytes.size() > limit) failWith(path, tooLarge);
+  result.bytes = readAll(file, path, before.size);
   result.fingerprint = fingerprintOf(lookAtOpen(file, path));
   result.fingerprint.hash = hashOf(result.bytes);
   result.ok = true;

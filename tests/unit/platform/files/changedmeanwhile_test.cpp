@@ -1,0 +1,201 @@
+#include "platform/files/atomicfile.h"
+#include "platform/files/posix/systemcalls.h"
+#include "tests/unit/platform/files/folder.h"
+
+using namespace platform::files;
+using tests::TestFolder;
+
+namespace {
+
+const QString name = QStringLiteral("a.ics");
+
+struct ChangedMeanwhileTest : testing::Test {
+  TestFolder folder;
+  QString path = folder.path(name);
+
+  Fingerprint read(const QByteArray& bytes) {
+    folder.put(name, bytes);
+    return readFile(path).fingerprint;
+  }
+  /// An editor that writes into the file itself and puts its time back.
+  void editInPlace(const QByteArray& bytes) {
+    const struct stat before = folder.status(name);
+    folder.put(name, bytes);
+    folder.setTime(name, before.st_mtim);
+  }
+  void replaceByRename(const QByteArray& bytes) {
+    folder.put(QStringLiteral("other"), bytes);
+    ASSERT_EQ(::rename(folder.encoded(QStringLiteral("other")).constData(), folder.encoded(name).constData()),
+              0);
+  }
+  void expectKept(const WriteResult& result, const QByteArray& bytes) {
+    EXPECT_EQ(result.outcome, Outcome::ChangedMeanwhile);
+    EXPECT_EQ(result.error, path + u": changed by another program meanwhile"_qs);
+    EXPECT_EQ(folder.content(name), bytes);
+    EXPECT_EQ(folder.names(), QStringList{name});
+  }
+};
+
+}  // namespace
+
+TEST_F(ChangedMeanwhileTest, AFileThatIsStillWhatWasReadIsReplaced) {
+  const Fingerprint seen = read("old");
+  EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+  EXPECT_EQ(folder.content(name), "new");
+}
+
+TEST_F(ChangedMeanwhileTest, TheFingerprintOfAWriteServesTheNextWrite) {
+  const WriteResult first = replaceFile(path, "first", read("old"));
+  EXPECT_EQ(replaceFile(path, "second", first.fingerprint).outcome, Outcome::Written);
+}
+
+TEST_F(ChangedMeanwhileTest, ALongerTextOfAnotherProgramIsKept) {
+  const Fingerprint seen = read("old");
+  folder.put(name, "longer text");
+  expectKept(replaceFile(path, "new", seen), "longer text");
+}
+
+TEST_F(ChangedMeanwhileTest, AnEditInPlaceThatKeepsSizeTimeAndInodeIsKept) {
+  const Fingerprint seen = read("10:00");
+  editInPlace("11:00");
+  expectKept(replaceFile(path, "12:00!", seen), "11:00");
+}
+
+TEST_F(ChangedMeanwhileTest, AFileRenamedIntoPlaceWithTheSameSizeIsKept) {
+  const Fingerprint seen = read("10:00");
+  replaceByRename("11:00");
+  expectKept(replaceFile(path, "12:00!", seen), "11:00");
+}
+
+TEST_F(ChangedMeanwhileTest, AMereTouchIsNoChange) {
+  const Fingerprint seen = read("old");
+  folder.setTime(name, {1, 0});
+  EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+}
+
+TEST_F(ChangedMeanwhileTest, TheSameContentSyncedAnewIsNoChange) {
+  const Fingerprint seen = read("old");
+  replaceByRename("old");
+  EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+}
+
+TEST_F(ChangedMeanwhileTest, ABigFileWithAnotherTimeIsJudgedByItsContent) {
+  const QByteArray big(2 * 1024 * 1024, 'x');
+  QByteArray changed = big;
+  changed[1'000'000] = 'y';
+  const Fingerprint seen = read(big);
+  folder.setTime(name, {1, 0});
+  EXPECT_EQ(replaceFile(path, big + "more", seen).outcome, Outcome::Written);
+  const Fingerprint again = read(big);
+  folder.put(name, changed);
+  folder.setTime(name, {2, 0});
+  expectKept(replaceFile(path, big + "more", again), changed);
+}
+
+TEST_F(ChangedMeanwhileTest, ABigFileWithItsOldTimeAndInodeIsNotReadAgain) {
+  const Fingerprint seen = read(QByteArray(2 * 1024 * 1024, 'x'));
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  int reads = 0;
+  calls.read = [&](int file, void* bytes, size_t size) {
+    ++reads;
+    return ::read(file, bytes, size);
+  };
+  const ScopedSystemCalls scope(calls);
+  EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+  EXPECT_EQ(reads, 0);
+}
+
+TEST_F(ChangedMeanwhileTest, AFileDeletedByAnotherProgramIsNotMadeAgain) {
+  const Fingerprint seen = read("old");
+  ASSERT_EQ(::unlink(folder.encoded(name).constData()), 0);
+  EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::ChangedMeanwhile);
+  EXPECT_TRUE(folder.names().isEmpty());
+}
+
+TEST_F(ChangedMeanwhileTest, ANewFileIsMadeWhereNothingIs) {
+  EXPECT_EQ(replaceFile(path, "new", readFile(path).fingerprint).outcome, Outcome::Written);
+  EXPECT_EQ(folder.content(name), "new");
+}
+
+TEST_F(ChangedMeanwhileTest, ANewFileNeverTakesTheNameOfOneThatIsThere) {
+  folder.put(name, "theirs");
+  expectKept(replaceFile(path, "mine", Fingerprint{}), "theirs");
+}
+
+TEST_F(ChangedMeanwhileTest, AFileThatAppearsInTheLastMomentKeepsItsName) {
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.renameatNoReplace = [&](int at, const char* from, const char* to) {
+    folder.put(name, "theirs");
+    return SystemCalls::ofTheSystem().renameatNoReplace(at, from, to);
+  };
+  const ScopedSystemCalls scope(calls);
+  expectKept(replaceFile(path, "mine", Fingerprint{}), "theirs");
+}
+
+TEST_F(ChangedMeanwhileTest, ANewFileIsMadeOnFileSystemsThatCannotRefuseATakenName) {
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.renameatNoReplace = [](int, const char*, const char*) {
+    errno = EINVAL;
+    return -1;
+  };
+  const ScopedSystemCalls scope(calls);
+  EXPECT_EQ(replaceFile(path, "new", Fingerprint{}).outcome, Outcome::Written);
+  EXPECT_EQ(folder.names(), QStringList{name});
+}
+
+TEST_F(ChangedMeanwhileTest, AChangeWhileTheNewContentIsWrittenIsKept) {
+  const Fingerprint seen = read("old");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.fsync = [&](int file) {
+    editInPlace("odd");
+    return ::fsync(file);
+  };
+  const ScopedSystemCalls scope(calls);
+  expectKept(replaceFile(path, "newer", seen), "odd");
+}
+
+TEST_F(ChangedMeanwhileTest, AChangeWhileTheContentIsComparedIsKept) {
+  const Fingerprint seen = read("old");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  bool done = false;
+  calls.read = [&](int file, void* bytes, size_t size) {
+    const ssize_t got = ::read(file, bytes, size);
+    if (!std::exchange(done, true)) folder.put(name, "changed");
+    return got;
+  };
+  const ScopedSystemCalls scope(calls);
+  expectKept(replaceFile(path, "new", seen), "changed");
+}
+
+TEST_F(ChangedMeanwhileTest, ASaveRepeatedAfterOnlyTheFoldersSyncFailedSucceeds) {
+  const Fingerprint seen = read("old");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  int syncs = 0;
+  calls.fsync = [&](int file) {
+    if (++syncs == 2) {
+      errno = EIO;
+      return -1;
+    }
+    return ::fsync(file);
+  };
+  const ScopedSystemCalls scope(calls);
+  const WriteResult first = replaceFile(path, "new", seen);
+  EXPECT_EQ(first.outcome, Outcome::Failed);
+  EXPECT_EQ(first.error, path + u": Input/output error"_qs);
+  EXPECT_EQ(first.fingerprint, readFile(path).fingerprint);
+  EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+}
+
+TEST_F(ChangedMeanwhileTest, ChangesOfTwoWritersInTurnAreNeverLost) {
+  // Each adds its own letter to what it read, and reads again when the other was faster.
+  read("");
+  const auto add = [&](char letter, bool disturbed) {
+    for (;;) {
+      const ReadResult before = readFile(path);
+      if (std::exchange(disturbed, false)) replaceByRename(before.bytes + "!");
+      if (replaceFile(path, before.bytes + letter, before.fingerprint).outcome == Outcome::Written) return;
+    }
+  };
+  for (int i = 0; i < 20; ++i) add(char('a' + i), i % 3 == 0);
+  EXPECT_EQ(folder.content(name), "!abc!def!ghi!jkl!mno!pqr!st");
+}
