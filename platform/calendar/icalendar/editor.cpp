@@ -51,7 +51,11 @@ void ComponentEditor::set(const char* name, const QByteArray& head, const QByteA
     if (wanted.size() > maxPropertyBytes)
       throw Failure(errStoreBroken, QStringLiteral("The text is longer than %1 bytes.").arg(maxPropertyBytes),
                     QStringLiteral("IcalendarStore"));
-    replace(line->offset, line->length, folded(wanted, lineEnd()));
+    QByteArray text = folded(wanted, lineEnd());
+    const char last = document_.bytes[line->offset + line->length - 1];
+    if (last != '\n' && last != '\r')
+      text.chop(lineEnd().size());  // the last line of a file without line end
+    replace(line->offset, line->length, text);
   }
   bool isFirst = true;
   removeIf(name, [&](const Property&) { return !std::exchange(isFirst, false); });

@@ -67,9 +67,21 @@ QString plainDisplayName(const QString& name) {
   return plain.simplified().toCaseFolded().replace(u" and "_qs, u" & "_qs);
 }
 
+/// Qt does not list second names ("US/Eastern"), and what it does not know it takes for a rule: "Nowhere"
+/// would be a zone at UTC. So only such names are tried as can be files of the machine's zones.
+bool mayBeZoneFile(const QString& id) {
+  static const QRegularExpression form(
+      u"^(?:[A-Za-z]+(?:/[A-Za-z_-]+)+|Etc/"
+      u"GMT[+-]?\\d{1,2}|(?:EST5EDT|CST6CDT|MST7MDT|PST8PDT)|CET|Cuba|EET|EST|Egypt|"
+      "Eire|GB|GB-Eire|GMT|Greenwich|HST|Hongkong|Iceland|Iran|Israel|Jamaica|Japan|Kwajalein|Libya|MET|MST|"
+      "NZ|NZ-CHAT|"
+      "Navajo|PRC|Poland|Portugal|ROC|ROK|Singapore|Turkey|UCT|UTC|Universal|W-SU|WET|Zulu)$"_qs);
+  return form.match(id).hasMatch();
+}
+
 std::optional<QTimeZone> machineZone(const QString& id) {
   const QByteArray name = id.toUtf8();
-  if (name.isEmpty() || !QTimeZone::isTimeZoneIdAvailable(name)) return std::nullopt;
+  if (!mayBeZoneFile(id) && !QTimeZone::isTimeZoneIdAvailable(name)) return std::nullopt;
   const QTimeZone zone(name);
   return zone.isValid() ? std::optional(zone) : std::nullopt;
 }

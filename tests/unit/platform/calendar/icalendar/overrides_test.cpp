@@ -1,0 +1,117 @@
+#include "tests/unit/platform/calendar/icalendar/fixture.h"
+
+using namespace icalendar_tests;
+
+namespace {
+
+const QByteArray master = event({"UID:s", "SUMMARY:S", "DTSTART;TZID=Europe/Stockholm:20240205T090000",
+                                 "DTEND;TZID=Europe/Stockholm:20240205T100000", "RRULE:FREQ=DAILY;COUNT=4"});
+
+QByteArray override(const QByteArray& id, const QByteArray& start, const QByteArray& end,
+                    const QByteArrayList& more = {"SUMMARY:Moved"}) {
+  return event(QByteArrayList{"UID:s", id, start, end} + more);
+}
+
+const QByteArray secondId = "RECURRENCE-ID;TZID=Europe/Stockholm:20240206T090000";
+const QByteArray movedStart = "DTSTART;TZID=Europe/Stockholm:20240206T150000";
+const QByteArray movedEnd = "DTEND;TZID=Europe/Stockholm:20240206T170000";
+
+const QStringList expectedWhenMoved{u"2024-02-05 09:00 - 10:00 S"_qs, u"2024-02-06 15:00 - 17:00 Moved"_qs,
+                                    u"2024-02-07 09:00 - 10:00 S"_qs, u"2024-02-08 09:00 - 10:00 S"_qs};
+
+}  // namespace
+
+TEST_F(IcalendarTest, AnExceptionReplacesItsOccurrenceWhereverItStandsInTheFile) {
+  const QByteArray moved = override(secondId, movedStart, movedEnd);
+  for (const QByteArray& content : {master + moved, moved + master}) {
+    write(u"s.ics"_qs, calendar(content));
+    EXPECT_EQ(shown(u"2024-02-01"_qs, u"2024-02-28"_qs), expectedWhenMoved);
+  }
+  write(u"s.ics"_qs, calendar(moved) + calendar(master));  // in another calendar of the file
+  EXPECT_EQ(shown(u"2024-02-01"_qs, u"2024-02-28"_qs), expectedWhenMoved);
+  write(u"s.ics"_qs, calendar(master));  // in a file of its own
+  write(u"t.ics"_qs, calendar(moved));
+  EXPECT_EQ(shown(u"2024-02-01"_qs, u"2024-02-28"_qs), expectedWhenMoved);
+}
+
+TEST_F(IcalendarTest, TheNameOfAnOccurrenceMayBeWrittenInAnyForm) {
+  for (const char* id :
+       {"RECURRENCE-ID:20240206T080000Z", "RECURRENCE-ID:20240206T090000",
+        "RECURRENCE-ID;VALUE=DATE:20240206", "RECURRENCE-ID;TZID=America/New_York:20240206T030000",
+        "RECURRENCE-ID;TZID=W. Europe Standard Time:20240206T090000",
+        "RECURRENCE-ID;TZID=Asia/Tokyo:20240206T090000"}) {
+    write(u"s.ics"_qs, calendar(master + override(id, movedStart, movedEnd)));
+    EXPECT_EQ(shown(u"2024-02-01"_qs, u"2024-02-28"_qs), expectedWhenMoved) << id;
+    EXPECT_EQ(expanded(u"2024-02-06"_qs, u"2024-02-06"_qs).value(0).key.recurrenceId, u"20240206T090000"_qs)
+        << id;
+  }
+}
+
+TEST_F(IcalendarTest, AnExceptionMovedOutOfThePeriodIsNotShownAndOneMovedInIs) {
+  write(u"s.ics"_qs,
+        calendar(master + override(secondId, "DTSTART:20240601T080000Z", "DTEND:20240601T090000Z")));
+  EXPECT_TRUE(shown(u"2024-02-06"_qs, u"2024-02-06"_qs).isEmpty());
+  EXPECT_EQ(shown(u"2024-06-01"_qs, u"2024-06-01"_qs), QStringList{u"2024-06-01 10:00 - 11:00 Moved"_qs});
+}
+
+TEST_F(IcalendarTest, ACancelledOccurrenceIsNotShown) {
+  write(u"s.ics"_qs, calendar(master + override(secondId, movedStart, movedEnd, {"STATUS:CANCELLED"})));
+  EXPECT_EQ(shown(u"2024-02-06"_qs, u"2024-02-07"_qs), QStringList{u"2024-02-07 09:00 - 10:00 S"_qs});
+}
+
+TEST_F(IcalendarTest, AnExceptionWithoutItsSeriesIsShownByItself) {
+  write(u"s.ics"_qs, calendar(override(secondId, movedStart, movedEnd)));
+  const QList<Item> items = expanded(u"2024-02-01"_qs, u"2024-02-28"_qs);
+  ASSERT_EQ(items.size(), 1);
+  EXPECT_EQ(items[0].kind, Kind::Exception);
+  EXPECT_EQ(items[0].key.recurrenceId, u"20240206T090000"_qs);
+  EXPECT_EQ(plain().size(), 1);
+}
+
+TEST_F(IcalendarTest, AnAllDayExceptionIsNamedByAMidnightOfAnyZone) {
+  const QByteArray days =
+      event({"UID:s", "SUMMARY:S", "DTSTART;VALUE=DATE:20260219", "DTEND;VALUE=DATE:20260220",
+             "RRULE:FREQ=WEEKLY;COUNT=4;BYDAY=TU,TH;WKST=MO"});
+  for (const char* id : {"RECURRENCE-ID;TZID=W. Europe Standard Time:20260226T000000",
+                         "RECURRENCE-ID;TZID=UTC+01:20260226T000000", "RECURRENCE-ID;VALUE=DATE:20260226",
+                         "RECURRENCE-ID:20260226T000000Z"}) {
+    write(u"s.ics"_qs,
+          calendar(days + override(id, "DTSTART;VALUE=DATE:20260227", "DTEND;VALUE=DATE:20260228")));
+    for (const char* viewer : {"Europe/Stockholm", "America/New_York", "Asia/Tokyo"})
+      EXPECT_EQ(
+          shown(u"2026-02-01"_qs, u"2026-03-31"_qs, viewer),
+          (QStringList{u"2026-02-19 - 2026-02-20 all day S"_qs, u"2026-02-24 - 2026-02-25 all day S"_qs,
+                       u"2026-02-27 - 2026-02-28 all day Moved"_qs, u"2026-03-03 - 2026-03-04 all day S"_qs}))
+          << id << ' ' << viewer;
+  }
+}
+
+TEST_F(IcalendarTest, AnExceptionMayHoldForAllThatFollow) {
+  write(u"s.ics"_qs,
+        calendar(master + override("RECURRENCE-ID;RANGE=THISANDFUTURE;TZID=Europe/Stockholm:20240206T090000",
+                                   movedStart, movedEnd)));
+  EXPECT_EQ(shown(u"2024-02-01"_qs, u"2024-02-28"_qs),
+            (QStringList{u"2024-02-05 09:00 - 10:00 S"_qs, u"2024-02-06 15:00 - 17:00 Moved"_qs,
+                         u"2024-02-07 15:00 - 17:00 Moved"_qs, u"2024-02-08 15:00 - 17:00 Moved"_qs}));
+  const QList<Item> items = expanded(u"2024-02-07"_qs, u"2024-02-07"_qs);
+  ASSERT_EQ(items.size(), 1);
+  EXPECT_EQ(items[0].kind, Kind::Occurrence);
+  EXPECT_EQ(items[0].key.recurrenceId, u"20240207T090000"_qs);
+}
+
+TEST_F(IcalendarTest, TwoItemsOfOneUidAreToldApartByTheirPlace) {
+  write(u"a.ics"_qs, calendar(event({"UID:x", "SUMMARY:First", "DTSTART:20240205T080000Z"}) +
+                              event({"UID:x", "SUMMARY:Second", "DTSTART:20240205T090000Z"})));
+  write(u"b.ics"_qs, calendar(event({"UID:x", "SUMMARY:Third", "DTSTART:20240205T100000Z"})));
+  const QList<Item> items = plain();
+  ASSERT_EQ(items.size(), 3);
+  EXPECT_EQ(items[0].key.place, u"a.ics"_qs);
+  EXPECT_EQ(items[1].key.place, u"a.ics#2"_qs);
+  EXPECT_EQ(items[2].key.place, u"b.ics"_qs);
+  Change change;
+  change.subject = u"Changed"_qs;
+  save(items[1], change);
+  EXPECT_EQ(described(plain()),
+            (QStringList{u"2024-02-05 09:00 - 09:00 First"_qs, u"2024-02-05 10:00 - 10:00 Changed"_qs,
+                         u"2024-02-05 11:00 - 11:00 Third"_qs}));
+}

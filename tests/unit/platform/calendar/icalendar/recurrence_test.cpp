@@ -1,0 +1,141 @@
+#include "platform/calendar/icalendar/recurrence.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+using namespace platform::calendar::icalendar;
+
+namespace {
+
+constexpr qint64 never = std::numeric_limits<qint64>::max();
+
+qint64 wall(const QString& text) {
+  const QDateTime time = QDateTime::fromString(text, u"yyyy-MM-dd HH:mm"_qs);
+  return wallOf(time.date(), time.time());
+}
+
+QStringList starts(const QByteArray& text, const QString& start, const QString& from, const QString& to,
+                   const QString& until = {}) {
+  QString why;
+  const auto rule = ruleOf(text, &why);
+  if (!rule) return {why};
+  QStringList result;
+  const bool whole =
+      walk(*rule, wall(start), until.isEmpty() ? never : wall(until), wall(from), wall(to), [&](qint64 at) {
+        result.append(dateOfWall(at).toString(u"yyyy-MM-dd "_qs) + timeOfWall(at).toString(u"HH:mm"_qs));
+        return true;
+      });
+  if (!whole) result.append(u"..."_qs);
+  return result;
+}
+
+}  // namespace
+
+TEST(Rules, StartInTheMidstKeepsTheBeat) {
+  EXPECT_EQ(starts("FREQ=WEEKLY;INTERVAL=2;BYDAY=MO,WE;WKST=SU", u"2020-01-06 09:00"_qs,
+                   u"2024-01-01 00:00"_qs, u"2024-01-20 00:00"_qs),
+            (QStringList{u"2024-01-01 09:00"_qs, u"2024-01-03 09:00"_qs, u"2024-01-15 09:00"_qs,
+                         u"2024-01-17 09:00"_qs}));
+  EXPECT_EQ(
+      starts("FREQ=DAILY;INTERVAL=3", u"2020-01-01 10:00"_qs, u"2024-01-01 12:00"_qs, u"2024-01-05 00:00"_qs),
+      QStringList{u"2024-01-04 10:00"_qs});
+  EXPECT_EQ(starts("FREQ=MONTHLY;INTERVAL=5;BYDAY=-1FR", u"2020-01-31 09:00"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-12-31 00:00"_qs),
+            (QStringList{u"2024-03-29 09:00"_qs, u"2024-08-30 09:00"_qs}));
+}
+
+TEST(Rules, HoursAndMinutesKeepTheBeatToo) {
+  EXPECT_EQ(starts("FREQ=HOURLY;INTERVAL=5", u"2000-01-01 09:00"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-01-01 11:00"_qs),
+            (QStringList{u"2024-01-01 00:00"_qs, u"2024-01-01 05:00"_qs, u"2024-01-01 10:00"_qs}));
+  EXPECT_EQ(starts("FREQ=MINUTELY;INTERVAL=20;BYHOUR=9", u"2000-01-01 09:00"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-01-01 23:00"_qs),
+            (QStringList{u"2024-01-01 09:00"_qs, u"2024-01-01 09:20"_qs, u"2024-01-01 09:40"_qs}));
+  EXPECT_EQ(starts("FREQ=HOURLY;BYDAY=MO;BYHOUR=8,9;BYMINUTE=0,30", u"2024-01-01 08:00"_qs,
+                   u"2024-01-02 00:00"_qs, u"2024-01-08 08:30"_qs),
+            (QStringList{u"2024-01-08 08:00"_qs, u"2024-01-08 08:30"_qs}));
+}
+
+TEST(Rules, CountIsCountedFromTheStartOfTheSeries) {
+  EXPECT_EQ(
+      starts("FREQ=DAILY;COUNT=4", u"2024-01-01 09:00"_qs, u"2024-01-03 00:00"_qs, u"2024-12-31 00:00"_qs),
+      (QStringList{u"2024-01-03 09:00"_qs, u"2024-01-04 09:00"_qs}));
+  EXPECT_EQ(
+      starts("FREQ=HOURLY;COUNT=3", u"2024-01-01 09:00"_qs, u"2024-01-01 10:30"_qs, u"2024-12-31 00:00"_qs),
+      QStringList{u"2024-01-01 11:00"_qs});
+}
+
+TEST(Rules, AStartThatDoesNotSuitItsRuleCountsAsTheFirst) {
+  EXPECT_EQ(starts("FREQ=WEEKLY;BYDAY=TH,FR;COUNT=3", u"2020-11-02 13:30"_qs, u"2020-11-01 00:00"_qs,
+                   u"2021-01-01 00:00"_qs),
+            (QStringList{u"2020-11-05 13:30"_qs, u"2020-11-06 13:30"_qs}));
+}
+
+TEST(Rules, TheLastMomentIsIncluded) {
+  EXPECT_EQ(starts("FREQ=DAILY", u"2024-01-01 09:00"_qs, u"2024-01-01 00:00"_qs, u"2024-12-31 00:00"_qs,
+                   u"2024-01-02 09:00"_qs),
+            (QStringList{u"2024-01-01 09:00"_qs, u"2024-01-02 09:00"_qs}));
+  EXPECT_TRUE(starts("FREQ=DAILY", u"2024-01-01 09:00"_qs, u"2024-06-01 00:00"_qs, u"2024-12-31 00:00"_qs,
+                     u"2024-01-02 09:00"_qs)
+                  .isEmpty());
+}
+
+TEST(Rules, MonthsWithoutTheDayAreLeftOut) {
+  EXPECT_EQ(starts("FREQ=MONTHLY;BYMONTHDAY=31", u"2024-01-31 09:00"_qs, u"2024-02-01 00:00"_qs,
+                   u"2024-06-01 00:00"_qs),
+            (QStringList{u"2024-03-31 09:00"_qs, u"2024-05-31 09:00"_qs}));
+  EXPECT_EQ(starts("FREQ=YEARLY", u"1604-02-29 00:00"_qs, u"2023-01-01 00:00"_qs, u"2025-01-01 00:00"_qs),
+            QStringList{u"2024-02-29 00:00"_qs});
+}
+
+TEST(Rules, WorkdaysAndPositionsAreUnderstood) {
+  EXPECT_EQ(starts("FREQ=MONTHLY;BYDAY=MO,TU,WE,TH,FR;BYSETPOS=-1", u"2020-01-31 10:00"_qs,
+                   u"2024-01-01 00:00"_qs, u"2024-03-01 00:00"_qs),
+            (QStringList{u"2024-01-31 10:00"_qs, u"2024-02-29 10:00"_qs}));
+  EXPECT_EQ(starts("FREQ=YEARLY;BYWEEKNO=20;BYDAY=MO", u"1997-05-12 09:00"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-12-31 00:00"_qs),
+            QStringList{u"2024-05-13 09:00"_qs});
+}
+
+TEST(Rules, WhatCannotBeUnderstoodSaysWhy) {
+  for (const char* text : {"",
+                           "INTERVAL=2",
+                           "FREQ=SOMETIMES",
+                           "FREQ=DAILY;INTERVAL=0",
+                           "FREQ=DAILY;INTERVAL=-1",
+                           "FREQ=DAILY;COUNT=0",
+                           "FREQ=DAILY;UNTIL=never",
+                           "FREQ=MONTHLY;BYDAY=0TH",
+                           "FREQ=MONTHLY;BYDAY=XX",
+                           "FREQ=MONTHLY;BYMONTHDAY=0",
+                           "FREQ=MONTHLY;BYMONTHDAY=32",
+                           "FREQ=YEARLY;BYMONTH=13",
+                           "FREQ=YEARLY;BYMONTH=",
+                           "FREQ=DAILY;BYHOUR=24",
+                           "FREQ=YEARLY;BYWEEKNO=54",
+                           "FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30",
+                           "FREQ=YEARLY;RSCALE=CHINESE",
+                           "FREQ=HOURLY;BYSETPOS=1",
+                           "%n;BYMONTH=",
+                           "FREQ=DAILY;COUNT"}) {
+    QString why;
+    EXPECT_FALSE(ruleOf(text, &why)) << text;
+    EXPECT_FALSE(why.isEmpty()) << text;
+  }
+}
+
+TEST(Rules, OddButClearPartsAreTaken) {
+  QString why;
+  for (const char* text : {"freq=daily", "FREQ=DAILY;", ";FREQ=DAILY;X-OTHER=1", "FREQ = DAILY ; COUNT = 3",
+                           "FREQ=WEEKLY;BYDAY=1MO", "RSCALE=GREGORIAN;FREQ=YEARLY;SKIP=OMIT"})
+    EXPECT_TRUE(ruleOf(text, &why)) << text << ' ' << qPrintable(why);
+}
+
+TEST(Rules, AWalkWithoutEndIsBrokenOff) {
+  EXPECT_EQ(starts("FREQ=SECONDLY;COUNT=2000000000", u"2000-01-01 00:00"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-01-02 00:00"_qs),
+            QStringList{u"..."_qs});
+  EXPECT_EQ(starts("FREQ=SECONDLY;INTERVAL=60;BYSECOND=30;COUNT=1", u"2000-01-01 00:00"_qs,
+                   u"2024-01-01 00:00"_qs, u"2024-01-02 00:00"_qs),
+            QStringList{u"..."_qs});
+}
