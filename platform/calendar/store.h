@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <QTimeZone>
 
 #include <memory>
 #include <optional>
