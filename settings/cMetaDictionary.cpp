@@ -38,7 +38,7 @@ void cMetaDictionary::AddMeta(const QString& MetaName, const QString& MetaCatego
 void cMetaDictionary::ReadFromRecordset(Recordset& MetaRecordset) {
   using namespace platform::basic;
   const auto safeField = [&](const char16_t* name, bool numeric) {
-    Value value = fieldValue(MetaRecordset, QString(name));
+    Value value = fieldValue(MetaRecordset, QString::fromUtf16(name));
     return fncSafeValue(value, numeric);
   };
   // A copy of the list that holds the names alone has one field.

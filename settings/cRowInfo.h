@@ -13,7 +13,7 @@ class cRowInfo {
   platform::basic::Value Hours;       // as the cell holds it, text or number
   QString Subject;
   platform::basic::Date StartTime;
-  qint16 RowNumber = 0;  // from 1 within the reporting range; key in `gRowItems`
+  qint16 RowNumber = 0;  // from 1 within the reporting range; position in `gRowItems`
   platform::basic::Currency curRate;
   platform::basic::Date Posted;  // of a row reported already
   QString NotesField;

@@ -1,0 +1,161 @@
+#include "platform/basic/convert.h"
+#include "settings/cGlobalSettings.h"
+#include "shell/modErrorReport.h"
+#include "tests/unit/database/databaseworld.h"
+
+using namespace Qt::StringLiterals;
+
+namespace hourbook::tests {
+
+using platform::basic::Currency;
+using platform::sql::FaultPlan;
+
+class GlobalSettings : public testing::Test {
+ protected:
+  void run(const QString& sql) { db.other()->execute(sql); }
+  bool read(cGlobalSettings& settings, qint32 target = 2) {
+    return settings.ReadGlobalSettings(target, db.folder.path());
+  }
+  int captionRows() { return db.rows(u"select * from tblMetaLists"_s); }
+
+  ::tests::DatabaseWorld db;
+};
+
+TEST_F(GlobalSettings, ANewObjectReportsToAnAccessDatabaseInTheProgramsFolder) {
+  const cGlobalSettings settings;
+  EXPECT_EQ(settings.ReportTo, 2);
+  EXPECT_EQ(settings.ReportToValue, db.world.programFolder());
+  EXPECT_EQ(settings.CostCarrier, 0);
+  EXPECT_EQ(settings.MetaDataLists.Count(), 0);
+  ASSERT_TRUE(settings.OtherSettings);
+}
+
+TEST_F(GlobalSettings, TheTargetOfTheConnectionIsTheirsWhileTheyLive) {
+  EXPECT_EQ(databaseValues().target, nullptr);
+  {
+    cGlobalSettings settings;
+    EXPECT_EQ(&reportTarget(), &settings);
+    {
+      const cGlobalSettings inner;
+      EXPECT_EQ(&reportTarget(), &inner);
+    }
+    EXPECT_EQ(&reportTarget(), &settings);
+  }
+  EXPECT_EQ(databaseValues().target, nullptr);
+}
+
+TEST_F(GlobalSettings, AMissingDatabaseGivesFalseWithoutAWord) {
+  cGlobalSettings settings;
+  EXPECT_FALSE(read(settings));
+  EXPECT_EQ(settings.MetaDataLists.Count(), 0);
+}
+
+TEST_F(GlobalSettings, ANewDatabaseGetsTheRowsOfTheDefaultCaptions) {
+  db.createCurrent();
+  cGlobalSettings settings;
+  settings.CostCarrier = 3;
+  EXPECT_TRUE(read(settings));
+  EXPECT_EQ(settings.CostCarrier, 0);
+  EXPECT_EQ(settings.ReportTo, 2);
+  EXPECT_EQ(settings.ReportToValue, db.shownPath());
+  ASSERT_EQ(settings.MetaDataLists.Count(), 3);
+  EXPECT_EQ(settings.MetaDataLists.Item(u"Meta1"_s)->Caption, u"Customer"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(u"Meta2"_s)->Caption, u"Task"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(u"Meta3"_s)->Caption, QString());
+  EXPECT_EQ(settings.MetaDataLists.Item(3)->Index, 3);
+  EXPECT_EQ(captionRows(), 3);
+}
+
+TEST_F(GlobalSettings, ASecondReadFindsThoseRowsAndAddsNone) {
+  db.createCurrent();
+  cGlobalSettings settings;
+  EXPECT_TRUE(read(settings));
+  EXPECT_TRUE(read(settings));
+  EXPECT_EQ(captionRows(), 3);
+  EXPECT_EQ(settings.MetaDataLists.Count(), 3);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->Caption, u"Task"_s);
+}
+
+TEST_F(GlobalSettings, EverythingIsReadFromItsTable) {
+  db.createCurrent();
+  run(u"insert into tblSettings (intCostCarrier, intReportTo, strReportToValue) values (3, 4, 'elsewhere')"_s);
+  run(u"insert into tblMetaLists (strMetaListCaption, strMetaListCategoryCaption, "
+      u"strMetaListSuperCategoryCaption)"
+      " values ('Client', 'Branch', null)"_s);
+  run(u"insert into tblMetaLists (strMetaListCaption) values ('Job')"_s);
+  run(u"insert into tblMeta1 (strName, strCategory, curRate, blnEnabled) values ('Zeta', 'Big', 12.5, -1)"_s);
+  run(u"insert into tblMeta1 (strName, blnEnabled) values ('Acme', 0)"_s);
+  run(u"insert into tblOtherSettings (strPropName, strPropValue) values ('ADDepartment', '1')"_s);
+  cGlobalSettings settings;
+  EXPECT_TRUE(read(settings));
+  EXPECT_EQ(settings.CostCarrier, 3);
+  EXPECT_EQ(settings.ReportTo, 4);
+  EXPECT_EQ(settings.ReportToValue, u"elsewhere"_s);
+  const cMetaDictionary& first = *settings.MetaDataLists.Item(1);
+  EXPECT_EQ(first.Caption, u"Client"_s);
+  EXPECT_EQ(first.CategoryCaption, u"Branch"_s);
+  EXPECT_EQ(first.SuperCategoryCaption, QString());
+  EXPECT_EQ(first.MetaDic->Keys(), (QStringList{u"Acme"_s, u"Zeta"_s}));
+  EXPECT_EQ(first.MetaDic->Item(u"Zeta"_s)->HourlyRate, Currency::fromDouble(12.5));
+  EXPECT_TRUE(first.MetaDic->Item(u"Zeta"_s)->Enabled);
+  EXPECT_FALSE(first.MetaDic->Item(u"Acme"_s)->Enabled);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->Caption, u"Job"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(3)->Caption, QString());
+  EXPECT_EQ(captionRows(), 3);
+  EXPECT_EQ(platform::basic::CInt(settings.OtherSettings->GetValue(u"ADDepartment"_s, 2)), 1);
+}
+
+TEST_F(GlobalSettings, TheConnectionIsLetGoAfterReading) {
+  db.createCurrent();
+  cGlobalSettings settings;
+  read(settings);
+  EXPECT_EQ(databaseValues().gConnection, nullptr);
+}
+
+TEST_F(GlobalSettings, CaptionsThatCannotBeWrittenAreTakenAllTheSame) {
+  db.createCurrent();
+  db.plan->failContaining(u"insert"_s, platform::Failure(-2147467259, u"read-only"_s));
+  cGlobalSettings settings;
+  EXPECT_TRUE(read(settings));
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->Caption, u"Customer"_s);
+  EXPECT_EQ(captionRows(), 0);
+}
+
+TEST_F(GlobalSettings, AnAspTargetFailsWithAClearText) {
+  cGlobalSettings settings;
+  db.expectFailure(u"subSetupDBObjects"_s,
+                   u"This version of the program cannot read common settings from an ASP page: "
+                   "http://example.org/hours\r\n"_s,
+                   [&] { settings.ReadGlobalSettings(1, u"http://example.org/hours\\"_s); });
+  EXPECT_EQ(settings.ReportTo, 1);
+  EXPECT_TRUE(db.plan->statements.isEmpty());
+}
+
+TEST_F(GlobalSettings, AListThatCannotBeReadIsReported) {
+  db.createCurrent();
+  run(u"insert into tblMetaLists (strMetaListCategoryCaption) values ('a caption is missing')"_s);
+  cGlobalSettings settings;
+  db.expectFailure(u"subSetupDBObjects"_s, u"#94\r\n"_s, [&] { read(settings); });
+}
+
+TEST_F(GlobalSettings, AreFilledOutOnlyWithEverythingThatReportingNeeds) {
+  cGlobalSettings settings;
+  EXPECT_FALSE(settings.fncCheckFilledOut());
+  for (int n = 1; n <= 3; ++n) settings.MetaDataLists.Add(std::make_shared<cMetaDictionary>());
+  settings.CostCarrier = 1;
+  settings.MetaDataLists.Item(2)->AddMeta(u"a"_s);
+  settings.MetaDataLists.Item(3)->AddMeta(u"a"_s);
+  EXPECT_FALSE(settings.fncCheckFilledOut());
+  settings.MetaDataLists.Item(1)->AddMeta(u"a"_s);
+  EXPECT_TRUE(settings.fncCheckFilledOut());
+  settings.CostCarrier = 0;
+  EXPECT_FALSE(settings.fncCheckFilledOut());
+  settings.CostCarrier = 1;
+  settings.ReportTo = 0;
+  EXPECT_FALSE(settings.fncCheckFilledOut());
+  settings.ReportTo = 2;
+  settings.ReportToValue.clear();
+  EXPECT_FALSE(settings.fncCheckFilledOut());
+}
+
+}  // namespace hourbook::tests

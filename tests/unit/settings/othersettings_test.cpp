@@ -1,0 +1,111 @@
+#include "platform/basic/convert.h"
+#include "settings/cOtherSettings.h"
+#include "shell/modErrorReport.h"
+#include "tests/unit/settings/settingsworld.h"
+
+using namespace Qt::StringLiterals;
+
+namespace hourbook::tests {
+
+using platform::ado::Recordset;
+using platform::basic::Date;
+using platform::basic::Null;
+using platform::basic::Value;
+
+class OtherSettings : public SettingsWorld {
+ protected:
+  std::shared_ptr<Recordset> table(const QList<std::pair<QString, QString>>& rows = {}) {
+    using namespace platform::ado;
+    auto recordset = std::make_shared<Recordset>();
+    recordset->Fields().Append(u"intSettingID"_s, adInteger);
+    recordset->Fields().Append(u"strPropName"_s, adVarWChar, 255);
+    recordset->Fields().Append(u"strPropValue"_s, adLongVarWChar);
+    recordset->Open();
+    for (const auto& [name, value] : rows) {
+      recordset->AddNew();
+      recordset->Fields().Item(1).setValue(name);
+      recordset->Fields().Item(2).setValue(value);
+      recordset->Update();
+    }
+    if (!rows.isEmpty()) recordset->MoveFirst();
+    return recordset;
+  }
+  static QStringList rowsOf(Recordset& recordset) {
+    QStringList rows;
+    if (recordset.RecordCount() != 0) recordset.MoveFirst();
+    for (; !recordset.isEOF(); recordset.MoveNext())
+      rows.append(platform::basic::CStr(recordset.Fields().Item(1).Value()) + u'=' +
+                  platform::basic::CStr(recordset.Fields().Item(2).Value()));
+    return rows;
+  }
+  cOtherSettings settings;
+};
+
+TEST_F(OtherSettings, OfANameThatComesTwiceTheLastRowCounts) {
+  settings.FromRS(table({{u"ADDepartment"_s, u"0"_s}, {u"Other"_s, u"x"_s}, {u"addepartment"_s, u"1"_s}}));
+  EXPECT_EQ(settings.dicValues->Count(), 2);
+  EXPECT_EQ(settings.GetValue(u"ADDepartment"_s, 2), Value(qint16(1)));
+}
+
+TEST_F(OtherSettings, WithoutATableThereAreNone) {
+  settings.SetValue(u"a"_s, u"b"_s);
+  settings.FromRS(nullptr);
+  EXPECT_EQ(settings.dicValues->Count(), 0);
+  EXPECT_EQ(fncLastLogText().left(20), u"Attempting to create"_s);
+}
+
+TEST_F(OtherSettings, AnIntegerIsTheNumberOrZero) {
+  settings.SetValue(u"one"_s, u"1"_s);
+  settings.SetValue(u"x"_s, u"x"_s);
+  settings.SetValue(u"null"_s, Null());
+  EXPECT_EQ(settings.GetValue(u"one"_s, 2), Value(qint16(1)));
+  EXPECT_EQ(settings.GetValue(u"x"_s, 2), Value(qint16(0)));
+  EXPECT_EQ(settings.GetValue(u"null"_s, 2), Value(qint16(0)));
+  EXPECT_EQ(settings.GetValue(u"none"_s, 2), Value(qint16(0)));
+  EXPECT_EQ(fncLastLogText(), u"Reading the value of the Other Setting none"_s);
+}
+
+TEST_F(OtherSettings, ADateIsItsValueOrTheZeroDate) {
+  settings.SetValue(u"day"_s, u"5/15/2024"_s);
+  EXPECT_EQ(settings.GetValue(u"day"_s, 7), Value(Date::of(2024, 5, 15)));
+  EXPECT_EQ(settings.GetValue(u"none"_s, 7), Value(Date()));
+}
+
+TEST_F(OtherSettings, ATextIsItsValueOrEmpty) {
+  settings.SetValue(u"number"_s, qint32(7));
+  EXPECT_EQ(settings.GetValue(u"number"_s, 8), Value(u"7"_s));
+  EXPECT_EQ(settings.GetValue(u"none"_s, 8), Value(QString()));
+}
+
+TEST_F(OtherSettings, ABooleanIsItsValueOrFalse) {
+  settings.SetValue(u"yes"_s, u"True"_s);
+  settings.SetValue(u"one"_s, u"1"_s);
+  settings.SetValue(u"x"_s, u"perhaps"_s);
+  EXPECT_EQ(settings.GetValue(u"yes"_s, 11), Value(true));
+  EXPECT_EQ(settings.GetValue(u"one"_s, 11), Value(true));
+  EXPECT_EQ(settings.GetValue(u"x"_s, 11), Value(false));
+  EXPECT_EQ(settings.GetValue(u"none"_s, 11), Value(false));
+}
+
+TEST_F(OtherSettings, AnyOtherTypeGivesNothing) {
+  settings.SetValue(u"one"_s, u"1"_s);
+  EXPECT_EQ(settings.GetValue(u"one"_s, 3), Value());
+}
+
+TEST_F(OtherSettings, ValuesAreAddedAndChangedInTheTableAndOthersStay) {
+  const auto rows = table({{u"Old"_s, u"stays"_s}, {u"ADDepartment"_s, u"0"_s}});
+  settings.SetValue(u"ADDepartment"_s, qint32(1));
+  settings.SetValue(u"New"_s, u"text"_s);
+  settings.ToRS(rows);
+  EXPECT_EQ(rowsOf(*rows), (QStringList{u"Old=stays"_s, u"ADDepartment=1"_s, u"New=text"_s}));
+  EXPECT_EQ(fncLastLogText(), u"Setting field New to the value text"_s);
+}
+
+TEST_F(OtherSettings, AnEmptyTextIsStoredAsABlank) {
+  const auto rows = table();
+  settings.SetValue(u"Empty"_s, QString());
+  settings.ToRS(rows);
+  EXPECT_EQ(rowsOf(*rows), QStringList{u"Empty= "_s});
+}
+
+}  // namespace hourbook::tests

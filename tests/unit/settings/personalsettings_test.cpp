@@ -1,0 +1,289 @@
+#include "platform/basic/convert.h"
+#include "settings/cPersonalSettings.h"
+#include "shell/modErrorReport.h"
+#include "shell/modRegistryEntry.h"
+#include "tests/unit/settings/settingsworld.h"
+
+using namespace Qt::StringLiterals;
+
+namespace hourbook::tests {
+
+using platform::basic::Currency;
+using platform::basic::Value;
+
+class PersonalSettings : public SettingsWorld {
+ protected:
+  PersonalSettings() { values.gLastLogText.clear(); }
+
+  void writeReportPath(const QString& text) {
+    writeFile(documents.filePath(u"My Hourbooks/ReportPath.txt"_s), text);
+  }
+  void setRegistry(const QString& key, const QString& text) {
+    fncSaveRegistryValue(u"Settings"_s, key, text);
+  }
+  QString registry(const QString& key) { return fncGetRegistryValue(u"Settings"_s, key, u"<none>"_s); }
+  static QStringList linesOf(const cPersonalSettings& settings) {
+    return settings.fncMetadataList().split(u"\r\n"_s, Qt::SkipEmptyParts);
+  }
+};
+
+TEST_F(PersonalSettings, WithoutAConnectionFileTheProgramsFolderHoldsAnAccessDatabase) {
+  const cPersonalSettings settings;
+  EXPECT_EQ(settings.ReportChoice, 2);
+  EXPECT_EQ(settings.ReportValue, world.programFolder() + u'\\');
+  EXPECT_EQ(fncLastLogText(), u"Assuming Access database"_s);
+}
+
+TEST_F(PersonalSettings, TheDefaultsOfANewObject) {
+  const cPersonalSettings settings;
+  EXPECT_EQ(settings.MetaDataLists.Count(), 0);
+  EXPECT_EQ(settings.PersonalRate, Currency());
+  EXPECT_FALSE(settings.FilterPrivate);
+  EXPECT_FALSE(settings.FilterRecurring);
+  EXPECT_FALSE(settings.FilterEvents);
+  EXPECT_LT(settings.DateLastReport.year(), 1900);
+  EXPECT_FALSE(settings.Convert24);
+  EXPECT_EQ(platform::basic::CDbl(settings.Convert24Hours), 8);
+  EXPECT_FALSE(settings.RemoveLunch);
+  EXPECT_EQ(platform::basic::CDbl(settings.RemoveLunchHours), 0.75);
+  EXPECT_FALSE(settings.CreateLocalCube);
+  EXPECT_FALSE(settings.StartGrid);
+  EXPECT_FALSE(settings.WriteSubject);
+  EXPECT_EQ(settings.PaneWidth, 185);
+  EXPECT_EQ(settings.PaneHeight, 600);
+  EXPECT_EQ(settings.PaneDockPos, 2);
+}
+
+TEST_F(PersonalSettings, AConnectionFileInTheProgramsFolderSelectsTheServer) {
+  writeFile(inProgramFolder(u"HourbookConnection.txt"_s), u"Provider=SQLOLEDB;\r\nInitial Catalog=å"_s);
+  const cPersonalSettings settings;
+  EXPECT_EQ(settings.ReportChoice, 3);
+  EXPECT_EQ(settings.ReportValue, u"Provider=SQLOLEDB;\r\nInitial Catalog=å"_s);
+  EXPECT_EQ(fncLastLogText(), u"Checking for HourbookConnection.txt"_s);
+}
+
+TEST_F(PersonalSettings, AnEmptyConnectionFileSelectsTheServerWithoutAText) {
+  writeFile(inProgramFolder(u"HourbookConnection.txt"_s), {});
+  const cPersonalSettings settings;
+  EXPECT_EQ(settings.ReportChoice, 3);
+  EXPECT_EQ(settings.ReportValue, QString());
+}
+
+TEST_F(PersonalSettings, TheReportPathFileNamesTheFolder) {
+  QTemporaryDir shared;
+  writeReportPath(shared.path() + u"/\r\n"_s);
+  EXPECT_EQ(cPersonalSettings().fncReadReportPath(), shared.path() + u'/');
+  EXPECT_EQ(cPersonalSettings().ReportValue, shared.path() + u'\\');
+  writeFile(shared.filePath(u"HourbookConnection.txt"_s), u"Provider=x"_s);
+  EXPECT_EQ(cPersonalSettings().ReportChoice, 3);
+  EXPECT_EQ(cPersonalSettings().ReportValue, u"Provider=x"_s);
+}
+
+TEST_F(PersonalSettings, TheReportPathFileHidesTheProgramsFolder) {
+  writeReportPath(documents.path());
+  writeFile(inProgramFolder(u"HourbookConnection.txt"_s), u"Provider=x"_s);
+  EXPECT_EQ(cPersonalSettings().ReportChoice, 2);
+}
+
+TEST_F(PersonalSettings, LookingForTheReportPathMakesNoFolder) {
+  cPersonalSettings().fncReadReportPath();
+  EXPECT_TRUE(QDir(documents.path()).isEmpty());
+}
+
+TEST_F(PersonalSettings, AFailureOfTheConstructorIsReported) {
+  world.components.remove(u"Scripting.FileSystemObject"_s);
+  class Files : public platform::scripting::FileSystemObject {
+   public:
+    bool FileExists(const QString&) const override { throw platform::Failure(70, u"Permission denied"_s); }
+  };
+  values.gFileSystem = std::make_shared<Files>();
+  EXPECT_REPORTED(world, "cPersonalSettings.Class_Initialize", cPersonalSettings());
+}
+
+TEST_F(PersonalSettings, TheSettingsTextHasSixLinesAndOneForEachNamedList) {
+  cPersonalSettings settings;
+  settings.ReportChoice = 2;
+  settings.ReportValue = u"C:\\Data\\"_s;
+  settings.PersonalRate = Currency::fromDouble(450.5);
+  settings.FilterEvents = true;
+  settings.FilterRecurring = true;
+  settings.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s, u"Bolt"_s}));
+  settings.MetaDataLists.Add(listOf({}, {u"Lost"_s}));
+  settings.MetaDataLists.Add(listOf(u"Task"_s, {}));
+  EXPECT_EQ(settings.fncBuildBody(),
+            u"2\r\nC:\\Data\\\r\n450.5\r\nTrue\r\nFalse\r\nTrue\r\nCustomer:Acme;Bolt;\r\nTask:\r\n"_s);
+  EXPECT_EQ(settings.fncMetadataList(), u"Customer:Acme;Bolt;\r\nTask:\r\n"_s);
+}
+
+TEST_F(PersonalSettings, EveryJoinedElementIsFollowedByTheSeparator) {
+  EXPECT_EQ(cPersonalSettings().fncJoinDic({u"a"_s, u"b"_s}, u";"_s), u"a;b;"_s);
+  EXPECT_EQ(cPersonalSettings().fncJoinDic({}, u";"_s), QString());
+}
+
+TEST_F(PersonalSettings, MetaLinesBecomeListsOfNames) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u"Customer:Acme;Bolt;\r\nTask:;Support;;\r\n"_s);
+  ASSERT_EQ(settings.MetaDataLists.Count(), 2);
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->MetaName(), u"Customer"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->MetaDic->Keys(), (QStringList{u"Acme"_s, u"Bolt"_s}));
+  EXPECT_FALSE(settings.MetaDataLists.Item(1)->MetaDic->Item(u"Acme"_s)->Enabled);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->MetaDic->Keys(), QStringList{u"Support"_s});
+}
+
+TEST_F(PersonalSettings, ANameWithoutValuesOrColonGivesAnEmptyList) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u"Customer:\r\nWhole line\r\n"_s);
+  ASSERT_EQ(settings.MetaDataLists.Count(), 2);
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->MetaDic->Count(), 0);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->MetaName(), u"Whole line"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->MetaDic->Count(), 0);
+}
+
+TEST_F(PersonalSettings, AValueMayHoldAColon) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u"Task:a:b;c;\r\n"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->MetaDic->Keys(), (QStringList{u"a:b"_s, u"c"_s}));
+}
+
+TEST_F(PersonalSettings, LinesWithoutANameAreSkipped) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u":a;b;\r\n\r\nTask:c;\r\n"_s);
+  ASSERT_EQ(settings.MetaDataLists.Count(), 1);
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->MetaName(), u"Task"_s);
+}
+
+TEST_F(PersonalSettings, ATextOfOneLineLeavesTheListsAsTheyAre) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u"Task:c;\r\n"_s);
+  settings.subPopulateMetadataList({});
+  settings.subPopulateMetadataList(u"Customer:Acme;"_s);
+  ASSERT_EQ(settings.MetaDataLists.Count(), 1);
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->MetaName(), u"Task"_s);
+}
+
+TEST_F(PersonalSettings, WhatStandsBehindTheLastLineBreakIsNoLine) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u"Task:c;\r\nCustomer:d;"_s);
+  EXPECT_EQ(linesOf(settings), QStringList{u"Task:c;"_s});
+}
+
+TEST_F(PersonalSettings, ASettingsTextReadsBack) {
+  cPersonalSettings first;
+  first.ReportChoice = 3;
+  first.ReportValue = u"Provider=x"_s;
+  first.PersonalRate = Currency::fromDouble(400);
+  first.FilterEvents = first.FilterPrivate = true;
+  first.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s}));
+  cPersonalSettings second;
+  second.FromString(first.fncBuildBody());
+  EXPECT_EQ(second.fncBuildBody(), first.fncBuildBody());
+}
+
+TEST_F(PersonalSettings, TheRegistryIsReadInItsTextForm) {
+  setRegistry(u"ReportChoice"_s, u"3"_s);
+  setRegistry(u"ReportValue"_s, u"Provider=x"_s);
+  setRegistry(u"PersonalRate"_s, u"450.5"_s);
+  for (const QString& key : {u"FilterEvents"_s, u"FilterPrivate"_s, u"FilterRecurring"_s, u"Convert24"_s,
+                             u"RemoveLunch"_s, u"CreateLocalCube"_s, u"StartGrid"_s, u"WriteSubject"_s})
+    setRegistry(key, u"False"_s);
+  setRegistry(u"MetadataList"_s, u"Customer:Acme;\r\nTask:Support;\r\n"_s);
+  setRegistry(u"Convert24Hours"_s, u"7.5"_s);
+  setRegistry(u"RemoveLunchHours"_s, u"0.5"_s);
+  setRegistry(u"PaneWidth"_s, u"999"_s);
+  cPersonalSettings settings;
+  settings.StartGrid = true;
+  EXPECT_TRUE(settings.GetValuesFromSettings());
+  EXPECT_EQ(settings.ReportChoice, 3);
+  EXPECT_EQ(settings.ReportValue, u"Provider=x"_s);
+  EXPECT_EQ(settings.PersonalRate, Currency::fromDouble(450.5));
+  EXPECT_FALSE(settings.FilterEvents || settings.FilterPrivate || settings.FilterRecurring);
+  EXPECT_FALSE(settings.Convert24 || settings.RemoveLunch || settings.CreateLocalCube);
+  EXPECT_FALSE(settings.StartGrid || settings.WriteSubject);
+  EXPECT_EQ(linesOf(settings), (QStringList{u"Customer:Acme;"_s, u"Task:Support;"_s}));
+  EXPECT_EQ(settings.Convert24Hours, Value(u"7.5"_s));
+  EXPECT_EQ(settings.RemoveLunchHours, Value(u"0.5"_s));
+  EXPECT_EQ(settings.PaneWidth, 185);
+}
+
+TEST_F(PersonalSettings, MissingRegistryValuesTakeTheirDefaults) {
+  setRegistry(u"ReportChoice"_s, u"2"_s);
+  cPersonalSettings settings;
+  const QString folder = settings.ReportValue;
+  EXPECT_TRUE(settings.GetValuesFromSettings());
+  EXPECT_EQ(settings.ReportValue, folder);
+  EXPECT_EQ(settings.PersonalRate, Currency());
+  EXPECT_TRUE(settings.FilterEvents && settings.FilterPrivate && settings.FilterRecurring);
+  EXPECT_TRUE(settings.Convert24 && settings.RemoveLunch && settings.CreateLocalCube);
+  EXPECT_TRUE(settings.StartGrid && settings.WriteSubject);
+  EXPECT_EQ(settings.Convert24Hours, Value(u"8"_s));
+  EXPECT_EQ(settings.RemoveLunchHours, Value(u"0.75"_s));
+  EXPECT_EQ(settings.MetaDataLists.Count(), 0);
+}
+
+TEST_F(PersonalSettings, ARegistryThatCannotBeReadGivesFalseAndALogText) {
+  world.registry.failOpenWith = 5;
+  cPersonalSettings settings;
+  EXPECT_FALSE(settings.GetValuesFromSettings());
+  EXPECT_TRUE(fncLastLogText().startsWith(u"Could not open registry section"_s));
+}
+
+TEST_F(PersonalSettings, ARegistryValueThatIsNoneOfItsKindGivesFalse) {
+  setRegistry(u"ReportChoice"_s, u"2"_s);
+  setRegistry(u"Convert24"_s, u"perhaps"_s);
+  cPersonalSettings settings;
+  EXPECT_FALSE(settings.GetValuesFromSettings());
+}
+
+TEST_F(PersonalSettings, SavingWritesEveryValueToTheRegistryAsText) {
+  cPersonalSettings settings;
+  settings.ReportChoice = 2;
+  settings.ReportValue = u"C:\\Data\\"_s;
+  settings.PersonalRate = Currency::fromDouble(450.5);
+  settings.FilterEvents = true;
+  settings.StartGrid = true;
+  settings.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s}));
+  settings.SaveSettings();
+  const QList<std::pair<QString, QString>> expected{{u"ReportChoice"_s, u"2"_s},
+                                                    {u"ReportValue"_s, u"C:\\Data\\"_s},
+                                                    {u"PersonalRate"_s, u"450.5"_s},
+                                                    {u"FilterEvents"_s, u"True"_s},
+                                                    {u"FilterPrivate"_s, u"False"_s},
+                                                    {u"FilterRecurring"_s, u"False"_s},
+                                                    {u"MetadataList"_s, u"Customer:Acme;\r\n"_s},
+                                                    {u"Convert24"_s, u"False"_s},
+                                                    {u"Convert24Hours"_s, u"8"_s},
+                                                    {u"StartGrid"_s, u"True"_s},
+                                                    {u"RemoveLunch"_s, u"False"_s},
+                                                    {u"RemoveLunchHours"_s, u"0.75"_s},
+                                                    {u"CreateLocalCube"_s, u"False"_s},
+                                                    {u"WriteSubject"_s, u"False"_s},
+                                                    {u"PaneWidth"_s, u"185"_s},
+                                                    {u"PaneHeight"_s, u"600"_s},
+                                                    {u"PaneDockPos"_s, u"2"_s}};
+  for (const auto& [key, text] : expected) EXPECT_EQ(registry(key), text) << qPrintable(key);
+  EXPECT_EQ(fncLastLogText(), u"Saving personal settings to registry"_s);
+}
+
+TEST_F(PersonalSettings, WhatWasSavedReadsBackInEveryLocale) {
+  for (const QString& locale : {u"de_DE"_s, u"en_US"_s}) {
+    world.setLocale(locale);
+    cPersonalSettings first;
+    first.PersonalRate = Currency::fromDouble(450.5);
+    first.RemoveLunch = true;
+    first.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s}));
+    first.MetaDataLists.Add(listOf(u"Task"_s, {u"Support"_s}));
+    first.SaveSettings();
+    cPersonalSettings second;
+    EXPECT_TRUE(second.GetValuesFromSettings());
+    EXPECT_EQ(second.fncBuildBody(), first.fncBuildBody());
+    EXPECT_TRUE(second.RemoveLunch);
+    EXPECT_EQ(platform::basic::CDbl(second.RemoveLunchHours), 0.75);
+  }
+}
+
+TEST_F(PersonalSettings, ARegistryThatCannotBeWrittenIsReported) {
+  world.registry.failWriteWith = 29;
+  EXPECT_REPORTED(world, "SaveSettings", cPersonalSettings().SaveSettings());
+}
+
+}  // namespace hourbook::tests
