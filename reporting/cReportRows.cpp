@@ -25,6 +25,7 @@ namespace dialogs = platform::dialogs;
 
 namespace {
 
+constexpr int longestText = 255;  // of a subject or name, in the recordset and in the tables
 constexpr int columnSubject = 1, columnFirstMeta = 2, columnHours = 6, columnStatus = 7;
 constexpr qint32 errNoSuchTarget = 445;  // "Object doesn't support this action"
 
@@ -32,14 +33,14 @@ void appendReportColumns(Recordset& rs) {
   ado::Fields fields = rs.Fields();
   fields.Append(QStringLiteral("intRowCounter"), ado::adBigInt);
   fields.Append(QStringLiteral("dteStartDate"), ado::adDBDate);
-  fields.Append(QStringLiteral("strSubject"), ado::adVarWChar, 255);
+  fields.Append(QStringLiteral("strSubject"), ado::adVarWChar, longestText);
   fields.Append(QStringLiteral("intHours"), ado::adSingle);
-  fields.Append(QStringLiteral("strMeta1"), ado::adVarWChar, 255);
-  fields.Append(QStringLiteral("strMeta2"), ado::adVarWChar, 255);
-  fields.Append(QStringLiteral("strMeta3"), ado::adVarWChar, 255);
+  fields.Append(QStringLiteral("strMeta1"), ado::adVarWChar, longestText);
+  fields.Append(QStringLiteral("strMeta2"), ado::adVarWChar, longestText);
+  fields.Append(QStringLiteral("strMeta3"), ado::adVarWChar, longestText);
   fields.Append(QStringLiteral("curPersonalRate"), ado::adCurrency);
   fields.Append(QStringLiteral("intResult"), ado::adBigInt);
-  fields.Append(QStringLiteral("strPerson"), ado::adVarWChar, 255);
+  fields.Append(QStringLiteral("strPerson"), ado::adVarWChar, longestText);
   fields.Append(QStringLiteral("strBody"), ado::adBSTR);
 }
 
@@ -47,7 +48,8 @@ void addReportRow(Recordset& rs, const cRowInfo& row) {
   rs.AddNew();
   rs[QStringLiteral("intRowCounter")].setValue(qint64(row.RowNumber));
   rs[QStringLiteral("dteStartDate")].setValue(row.StartTime);
-  rs[QStringLiteral("strSubject")].setValue(row.Subject);
+  // other calendars know longer subjects than the tables hold; the end of one is no reason to report nothing
+  rs[QStringLiteral("strSubject")].setValue(row.Subject.left(longestText));
   rs[QStringLiteral("intHours")].setValue(row.Hours);
   rs[QStringLiteral("strPerson")].setValue(outlookValues().gCurrentUser);
   rs[QStringLiteral("strBody")].setValue(row.NotesField);
@@ -96,6 +98,7 @@ void cReportRows::subReadRow(int r) {
   auto& positions = row->Marking->colMarkings;
   for (int n = 1; n <= 3 && n <= positions.Count(); ++n)
     positions.Item(n)->MetaName = CStr(ReportsRange->Cells(r, columnFirstMeta + n - 1).Value());
+  // by position: the fetch files the appointments under the row of the sheet, where the first one is row 2
   const auto& appointment = outlookValues().gRowItems.Item(r);
   row->NotesField = fncReadBodyThroughVcal(*appointment);
   row->StartTime = appointment->Start();

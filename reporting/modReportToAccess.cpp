@@ -43,6 +43,7 @@ QString textOf(const Value& value) {
 /// Hours times a rate. The hours become money-like first (four decimals), so that 1.33 hours are 1.33 and not
 /// what a single float makes of them.
 Value costOf(const Value& hours, const platform::basic::Currency& rate) {
+  if (platform::basic::IsNull(hours)) return platform::basic::Null{};
   return platform::basic::CCur(hours) * rate;
 }
 
@@ -161,6 +162,7 @@ std::shared_ptr<Recordset> fncReportToAccess(const std::shared_ptr<Recordset>& r
     reportRows(opened(rs), *output, pending ? pending : &mine);
   } catch (const Failure& failure) {
     hand(pending ? pending : &mine, failure, QStringLiteral("fncReportToAccess"));
+    if (output) tolerate([&] { output->Cancel(); });  // a row that has got no result
   }
   closeSharedConnection();
   if (mine) subHandleError(mine->failure, mine->procedure);
