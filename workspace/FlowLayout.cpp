@@ -35,22 +35,27 @@ int FlowLayout::gap() const {
 
 QList<FlowLayout::Row> FlowLayout::rowsFor(int width) const {
   QList<Row> rows{Row{}};
+  bool stretched = false;
   for (QLayoutItem* item : items_) {
     const bool stretch = item->spacerItem() != nullptr;
     if (item->isEmpty() && !stretch) continue;
     const QSize size = item->sizeHint();
     const int needed = rows.last().items.isEmpty() || stretch ? size.width() : size.width() + gap();
-    if (!rows.last().items.isEmpty() && rows.last().width + needed > width) rows.append(Row{});
+    if (!rows.last().items.isEmpty() && rows.last().width + needed > width) {
+      rows.append(Row{});
+      rows.last().atFarEnd = stretched;
+    }
     Row& row = rows.last();
     row.width += row.items.isEmpty() || stretch ? size.width() : size.width() + gap();
     row.height = qMax(row.height, size.height());
     row.items.append(item);
+    stretched = stretched || stretch;
   }
   return rows;
 }
 
 void FlowLayout::placeRow(const Row& row, const QRect& area, int top) const {
-  int left = area.left();
+  int left = area.left() + (row.atFarEnd ? qMax(0, area.width() - row.width) : 0);
   bool first = true;
   for (QLayoutItem* item : row.items) {
     if (item->spacerItem()) {

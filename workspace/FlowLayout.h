@@ -11,7 +11,7 @@ class FlowLayout : public QLayout {
   ~FlowLayout() override;
 
   void addLayout(QLayout* layout);
-  /// What follows goes to the far end of its row as long as the row has room.
+  /// What follows goes to the far end of its row, in the rows below too.
   void addStretch();
 
   void addItem(QLayoutItem* item) override { items_.append(item); }
@@ -28,6 +28,7 @@ class FlowLayout : public QLayout {
  private:
   struct Row {
     QList<QLayoutItem*> items;
+    bool atFarEnd = false;  // begins behind a stretch
     int width = 0;
     int height = 0;
   };

@@ -12,7 +12,6 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -28,6 +27,13 @@ namespace forms = platform::forms;
 namespace {
 
 inline constexpr int baseWidth = 920, baseHeight = 680;  // of a window on a screen with room
+
+/// As high as the fields and buttons beside it, so that its text stands on their line.
+template <class Widget>
+Widget* asHighAs(const QWidget& neighbour, Widget* widget) {
+  widget->setMinimumHeight(neighbour.sizeHint().height());
+  return widget;
+}
 
 const QString startPickerName = QStringLiteral("dtpStartDate");
 
@@ -92,26 +98,31 @@ QLayout* ReportWindow::periodRow() {
   line_ = new QLabel(this);
   forms::bind(form_.lnTo, line_);
   line_->hide();
+  QPushButton* get = button(form_.cmdGetValues, new QPushButton(this));
   row->addLayout(startField_);
-  row->addWidget(line_);
+  row->addWidget(asHighAs(*get, line_));
   row->addLayout(endField_);
   row->addWidget(framePeriod());
   row->addLayout(field(form_.lblWeek, form_.cmbWeek, new QComboBox(this)));
-  row->addWidget(button(form_.cmdGetValues, new QPushButton(this)));
+  row->addWidget(get);
   row->addStretch();
-  row->addWidget(button(form_.chkGrid, new QCheckBox(this)));
+  row->addWidget(asHighAs(*get, button(form_.chkGrid, new QCheckBox(this))));
   row->addLayout(field(form_.lblFilterCalendar, form_.cmbFilterCalendar, new QComboBox(this)));
   return row;
 }
 
+/// Only groups: a line round fields that stand in one row with others would break the row.
 QWidget* ReportWindow::framePeriod() {
-  auto* frame = new QGroupBox(this);
+  auto* frame = new QWidget(this);
+  frame->setObjectName(form_.fraPeriod.Name());
+  connect(&form_.fraPeriod, &forms::Control::propertyChanged, frame,
+          [this, frame] { frame->setVisible(form_.fraPeriod.Visible()); });
   auto* row = new FlowLayout(frame);
+  row->setContentsMargins({});
   row->addLayout(field(form_.lblYear, form_.cmbYear, new QComboBox(this)));
   row->addLayout(field(form_.lblMonth, form_.cmbMonth, new QComboBox(this)));
   row->addLayout(field(form_.lblDay, form_.cmbDay, new QComboBox(this)));
   row->addLayout(daysBefore());
-  forms::bind(form_.fraPeriod, frame);
   return frame;
 }
 
@@ -186,6 +197,7 @@ QWidget* ReportWindow::statisticsPart() {
   auto* tabs = new QTabBar(this);
   tabs->setExpanding(false);
   tabs->setUsesScrollButtons(true);
+  tabs->setDrawBase(false);
   forms::bind(form_.tbsViews, tabs, QStringLiteral("Statistics"));
   auto* caption = new QLabel(this);
   auto* total = new QLabel(this);
@@ -212,12 +224,12 @@ QLayout* ReportWindow::buttonRow() {
   auto* row = new FlowLayout;
   status_ = new QLabel(this);
   status_->setObjectName(QStringLiteral("status"));
-  row->addWidget(status_);
+  QPushButton* ok = button(form_.cmdOK, new QPushButton(this));
+  row->addWidget(asHighAs(*ok, status_));
   row->addStretch();
   row->addWidget(button(form_.cmdAddNew, new QPushButton(this)));
   row->addWidget(button(form_.cmdSaveChanges, new QPushButton(this)));
   row->addWidget(button(form_.cmdPrint, new QPushButton(this)));
-  QPushButton* ok = button(form_.cmdOK, new QPushButton(this));
   row->addWidget(ok);
   row->addWidget(button(form_.cmdCancel, new QPushButton(this)));
   for (QPushButton* each : findChildren<QPushButton*>()) each->setAutoDefault(false);

@@ -112,6 +112,7 @@ void bind(TabStrip& control, QTabBar* widget, const QString& accessibleName) {
         widget->setTabText(i, text);
     }
     widget->setCurrentIndex(control.Index());
+    widget->updateGeometry();  // a bar that is not shown yet does not tell its layout that it has grown
   });
   QObject::connect(&control, &TabStrip::tabsChanged, follower, &Follower::follow);
   QObject::connect(widget, &QTabBar::currentChanged, follower, [follower, &control](int index) {

@@ -156,6 +156,12 @@ TEST_F(Window, HasANameForEveryControlThatTakesTheKeyboard) {
   }
 }
 
+TEST_F(Window, ShowsTheTabsOfTheStatistics) {
+  open();
+  QCoreApplication::processEvents();
+  EXPECT_GE(control("tbsViews")->height(), window->fontMetrics().height());
+}
+
 TEST_F(Window, BreaksItsPeriodRowWhereItIsNarrow) {
   open();
   window->resize(900, 600);
