@@ -58,9 +58,9 @@ basic::Value converted(int dataType, const basic::Value& value) {
     case adBigInt:
       return whole<qint64>(value);
     case adSingle: {
-      const auto single = static_cast<float>(number(value));
-      if (!std::isfinite(single)) cannotConvert();
-      return single;
+      const double wide = number(value);
+      if (!(std::abs(wide) <= static_cast<double>(std::numeric_limits<float>::max()))) cannotConvert();
+      return static_cast<float>(wide);
     }
     case adDouble:
       return number(value);

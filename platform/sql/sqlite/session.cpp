@@ -13,6 +13,8 @@
 #include <QSqlRecord>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace platform::sql::sqlite {
 
 namespace {
@@ -193,34 +195,33 @@ Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& par
   }
   if (query.lastError().isValid()) fail(query.lastError(), statement);
 
-  QHash<QString, QList<Column>> origins;
-  for (int i = 0; i < record.count(); ++i) {
-    Column column;
-    column.name = record.fieldName(i);
-    const QString table = record.field(i).tableName();
-    bool known = false;
-    if (!table.isEmpty() && !table.startsWith(u"sqlite_")) {
-      if (!origins.contains(table)) origins.insert(table, columns(table));
-      for (const Column& origin : origins.value(table))
-        if (origin.name.compare(column.name, Qt::CaseInsensitive) == 0) {
-          column = origin;
-          known = true;
-        }
-    }
-    for (const QVariantList& row : stored) {
-      if (known) break;
-      if (row[i].isNull()) continue;
-      column.type = typeOfValue(row[i]);
-      known = true;
-    }
-    result.columns.append(column);
-  }
+  result.columns = describe(record, stored);
   for (const QVariantList& row : stored) {
     QList<basic::Value> values;
     for (qsizetype i = 0; i < row.size(); ++i) values.append(fromStored(row[i], result.columns[i].type));
     result.rows.append(values);
   }
   return result;
+}
+
+/// The columns as their tables declare them; a computed one by the first value that it holds.
+QList<Column> SqliteSession::describe(const QSqlRecord& record, const QList<QVariantList>& rows) {
+  QList<Column> list;
+  QHash<QString, QList<Column>> origins;
+  for (int i = 0; i < record.count(); ++i) {
+    Column column;
+    column.name = record.fieldName(i);
+    const auto firstValue =
+        std::find_if(rows.begin(), rows.end(), [i](const QVariantList& row) { return !row[i].isNull(); });
+    if (firstValue != rows.end()) column.type = typeOfValue((*firstValue)[i]);
+    QString table = record.field(i).tableName();
+    if (table.startsWith(u"sqlite_")) table.clear();  // the engine's own declare no types
+    if (!table.isEmpty() && !origins.contains(table)) origins.insert(table, columns(table));
+    for (const Column& origin : origins.value(table))
+      if (origin.name.compare(column.name, Qt::CaseInsensitive) == 0) column = origin;
+    list.append(column);
+  }
+  return list;
 }
 
 QStringList SqliteSession::tables() {

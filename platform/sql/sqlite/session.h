@@ -2,9 +2,11 @@
 #include "platform/sql/driver.h"
 
 #include <QAtomicInt>
+#include <QVariant>
 
 class QSqlDatabase;
 class QSqlError;
+class QSqlRecord;
 
 namespace platform::sql::sqlite {
 
@@ -43,6 +45,7 @@ class SqliteSession : public Session {
  private:
   QSqlDatabase database() const;
   bool catalogued() const;
+  QList<Column> describe(const QSqlRecord& record, const QList<QList<QVariant>>& rows);
   [[noreturn]] void fail(const QSqlError& error, const QString& statement) const;
   void close();
 
