@@ -9,7 +9,7 @@ namespace {
 [[noreturn]] void malformed() {
   throw Failure(
       errors::badConnectionString,
-      QStringLiteral("Format of the initialization string does not conform to the OLE DB specification."));
+      QStringLiteral("Format of the initialization string is not that of an OLE DB connection string."));
 }
 
 /// Walks over the text, one "key=value" at a time.
