@@ -4,6 +4,7 @@
 #include <QSettings>
 #include <QStringDecoder>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 
 namespace platform::registry {
 
@@ -12,15 +13,12 @@ namespace {
 /// A copy that QSettings may read and write, in a folder that only this user can enter.
 class WorkingCopy {
  public:
-  explicit WorkingCopy(const QByteArray& bytes) {
-    QFile file(path());
-    usable_ = folder_.isValid() && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-              file.write(bytes) == bytes.size();
-    file.close();
-    usable_ = usable_ && read() == bytes;
+  explicit WorkingCopy(const QByteArray& bytes) : file_(folder_.filePath(QStringLiteral("XXXXXX.ini"))) {
+    usable_ = folder_.isValid() && file_.open() && file_.write(bytes) == bytes.size() && file_.flush() &&
+              read() == bytes;
   }
   bool usable() const { return usable_; }
-  QString path() const { return folder_.filePath(QStringLiteral("registry.ini")); }
+  QString path() const { return file_.fileName(); }
   std::optional<QByteArray> read() const {
     QFile file(path());
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
@@ -29,6 +27,7 @@ class WorkingCopy {
 
  private:
   QTemporaryDir folder_;
+  QTemporaryFile file_;
   bool usable_ = false;
 };
 
