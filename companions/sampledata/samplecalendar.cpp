@@ -26,7 +26,7 @@ const QStringList& subjects() {
                                 u"Møte om leveranse"_s,
                                 u"Reunión con el cliente"_s,
                                 u"Вопросы по отчёту"_s,
-                                u"週次レビュー"_s,
+                                u"Ügyféltalálkozó"_s,
                                 u"Data migration, second try"_s,
                                 u"Pair programming"_s,
                                 u"Write-up of the workshop"_s,
