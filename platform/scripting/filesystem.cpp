@@ -20,8 +20,8 @@ QString absolutePath(const QString& path) {
 }
 
 bool isReadOnly(const QString& path) {
-  const QFile::Permissions anyWrite =
-      QFile::WriteOwner | QFile::WriteUser | QFile::WriteGroup | QFile::WriteOther;
+  // The file's own mode as well: the administrator may write everything, and is still to be asked.
+  const QFile::Permissions anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
   return !(QFile::permissions(path) & anyWrite) || !QFileInfo(path).isWritable();
 }
 

@@ -94,6 +94,7 @@ QString QtDialogs::InputBox(const QString& prompt, const QString& title, const Q
   box.setWindowTitle(title);
   box.setLabelText(plainLines(prompt));
   box.setTextValue(defaultText);
+  (void)box.minimumSizeHint();  // the box makes its buttons only when its layout is asked for
   makePlain(&box);
   box.findChild<QLineEdit*>()->setObjectName(QStringLiteral("txtInput"));
   const auto* buttons = box.findChild<QDialogButtonBox*>();
