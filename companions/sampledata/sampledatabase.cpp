@@ -89,7 +89,7 @@ void addReports(const QList<PostedRow>& posted, const QList<QHash<QString, qint3
     (*reports)[u"strSubject"_s].setValue(row.subject);
     (*reports)[u"strMonthName"_s].setValue(names.monthName(day.month(), false));
     (*reports)[u"strWeekdayName"_s].setValue(names.weekdayName(day.dayOfWeek(), false));
-    (*reports)[u"dtmDate"_s].setValue(Date::fromLocal(row.start));
+    (*reports)[u"dtmDate"_s].setValue(Date::fromLocal(row.start).dateOnly());
     (*reports)[u"curCost"_s].setValue(Currency::fromDouble(row.hours) * rateOf(row.values.first()));
     (*reports)[u"dteReported"_s].setValue(Date::fromLocal(row.reported));
     (*reports)[u"intPersonID"_s].setValue(person);

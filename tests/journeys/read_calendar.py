@@ -3,8 +3,8 @@
 
 usage: read_calendar.py FOLDER_OR_FILE
 
-UID, RECURRENCE-ID, DTSTART, SUMMARY, CATEGORIES (joined by "|"), X-HOURBOOK-BILLINGINFORMATION, as python3-icalendar
-reads them.
+UID, RECURRENCE-ID, DTSTART, SUMMARY, CATEGORIES (joined by "|"), X-HOURBOOK-BILLINGINFORMATION, CLASS, minutes,
+RRULE ("yes" where there is one), DESCRIPTION, as python3-icalendar reads them.
 """
 import pathlib
 import sys
@@ -13,7 +13,7 @@ import icalendar
 
 
 def text(value):
-    return str(value).replace("\t", " ").replace("\n", "\\n")
+    return str(value).replace("\\", "\\\\").replace("\t", " ").replace("\r", "").replace("\n", "\\n")
 
 
 def moment(event, name):
@@ -22,6 +22,16 @@ def moment(event, name):
         return ""
     value = prop.dt
     return value.strftime("%Y%m%dT%H%M%S") if hasattr(value, "hour") else value.strftime("%Y%m%d")
+
+
+def minutes(event):
+    if "DURATION" in event:
+        length = event["DURATION"].dt
+    elif "DTEND" in event:
+        length = event["DTEND"].dt - event["DTSTART"].dt
+    else:
+        return ""
+    return int(length.total_seconds() // 60)
 
 
 def categories(event):
@@ -41,6 +51,10 @@ def main():
                 text(event.get("SUMMARY", "")),
                 categories(event),
                 text(event.get("X-HOURBOOK-BILLINGINFORMATION", "")),
+                text(event.get("CLASS", "")),
+                minutes(event),
+                "yes" if "RRULE" in event else "",
+                text(event.get("DESCRIPTION", "")),
                 sep="\t",
             )
 
