@@ -84,8 +84,9 @@ class EventReader {
   }
 
   void takeRule(QList<QByteArray>& into, const Line& line) {
-    const QByteArray text = parsed(document_, line).value;
+    const QByteArray text = parsed(document_, line).value.trimmed();
     QString why;
+    if (text.isEmpty()) return;
     if (ruleOf(text, &why))
       into.append(text);
     else

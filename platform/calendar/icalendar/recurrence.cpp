@@ -19,6 +19,8 @@ bool numbers(const QByteArray& text, int low, int high, QList<int>& into) {
     if (!good || value < low || value > high || (low < 0 && value == 0)) return false;
     if (!into.contains(value)) into.append(value);
   }
+  std::sort(into.begin(),
+            into.end());  // libical takes the hours of a day in the order in which they are written
   return true;
 }
 
@@ -250,12 +252,34 @@ bool walkSubDaily(const Rule& rule, qint64 start, qint64 from, qint64 to, Counte
   return counter.whole();
 }
 
+/// A weekly rule for one weekday begins on that weekday and then needs to name none. (With an interval
+/// libical is a week off where a rule names Sunday alone.)
+qint64 startOnItsWeekday(Rule& rule, qint64 start) {
+  if (rule.frequency != Rule::Frequency::Weekly || rule.byDay.size() != 1) return start;
+  const auto placeInWeek = [&](int weekday) { return (weekday - rule.weekStart + 7) % 7; };
+  const int days = placeInWeek(rule.byDay[0].second) - placeInWeek(dateOfWall(start).dayOfWeek() % 7);
+  rule.byDay.clear();
+  if (days == 0) return start;
+  const QTime time = timeOfWall(start);  // on a later day also the hours before that of the start count
+  const QTime earliest(rule.byHour.isEmpty() ? time.hour() : 0, rule.byMinute.isEmpty() ? time.minute() : 0,
+                       rule.bySecond.isEmpty() ? time.second() : 0);
+  return wallOf(dateOfWall(start).addDays(days + (days < 0 ? rule.interval * 7 : 0)), earliest);
+}
+
+/// Days and weeks are all of one length, so such a rule may as well begin some whole beats later.
+qint64 alignedBefore(const Rule& rule, qint64 start, qint64 from) {
+  const qint64 beat = rule.interval * (rule.frequency == Rule::Frequency::Weekly  ? 7 * dayMs
+                                       : rule.frequency == Rule::Frequency::Daily ? dayMs
+                                                                                  : 0);
+  return beat == 0 || from < start ? start : start + (from - start) / beat * beat;
+}
+
 }  // namespace
 
 std::optional<Rule> ruleOf(const QByteArray& text, QString* why) {
   Rule rule;
   bool hasFrequency = false;
-  for (const QByteArray& part : text.toUpper().split(';')) {
+  for (const QByteArray& part : text.toUpper().replace('\\', "").split(';')) {
     const qsizetype equals = part.indexOf('=');
     if (part.trimmed().isEmpty()) continue;
     const QByteArray key = part.left(qMax<qsizetype>(equals, 0)).trimmed();
@@ -275,6 +299,12 @@ std::optional<Rule> ruleOf(const QByteArray& text, QString* why) {
     *why = QStringLiteral("A recurrence rule by the hour or finer names positions or weeks.");
     return std::nullopt;
   }
+  if (!rule.bySetPos.isEmpty() &&
+      (rule.byHour.size() > 1 || rule.byMinute.size() > 1 || rule.bySecond.size() > 1)) {
+    *why = QStringLiteral(
+        "A recurrence rule counts positions among several times of a day.");  // libical miscounts them
+    return std::nullopt;
+  }
   if (hasFrequency && !rule.isSubDaily() && !iteratorOf(rule, wallOf(QDate(2024, 1, 1), QTime(9, 0)))) {
     *why = QStringLiteral("A recurrence rule joins parts that cannot go together.");
     return std::nullopt;
@@ -287,9 +317,12 @@ bool walk(const Rule& rule, qint64 start, qint64 until, qint64 from, qint64 to,
   Counter counter(rule, start, until, from, to, take);
   if (start > to || until < start) return true;
   if (rule.isSubDaily()) return walkSubDaily(rule, start, from, to, counter);
-  const Iterator iterator = iteratorOf(rule, start);
+  const bool midst = rule.count == 0 && from > start && from <= until;
+  Rule walked = rule;
+  const qint64 first = startOnItsWeekday(walked, start);
+  const Iterator iterator = iteratorOf(walked, midst ? alignedBefore(rule, first, from) : first);
   if (!iterator) return true;
-  if (rule.count == 0 && from > start && from <= until)
+  if (midst && rule.frequency >= Rule::Frequency::Monthly)
     icalrecur_iterator_set_start(iterator.get(), timeOf(from));
   for (;;) {
     const icaltimetype next = icalrecur_iterator_next(iterator.get());

@@ -10,6 +10,10 @@ bool isNameByte(char c) {
          c == '.';
 }
 
+bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
 /// These never stand in one another; a second one's BEGIN tells that the first one's END is missing.
 bool isEntry(const QByteArray& name) {
   return name == "VEVENT" || name == "VTODO" || name == "VJOURNAL" || name == "VFREEBUSY" ||
@@ -53,12 +57,12 @@ class Scanner {
       return;
     }
     if (folded) {
-      for (int i = begin; i < contentEnd; ++i)
-        if (data[i] != ' ' && data[i] != '\t') {
-          complain(number_, QStringLiteral("This line continues nothing and was left out."));
-          return;
-        }
-      return;
+      while (begin < contentEnd && isBlank(data[begin])) ++begin;
+      if (begin == contentEnd) return;
+      if (qstrnicmp(data + begin, "BEGIN:", 6) != 0) {
+        complain(number_, QStringLiteral("This line continues nothing and was left out."));
+        return;
+      }
     }
     handle();
     pending_ = {begin, end - begin, number_, 0};
@@ -72,7 +76,7 @@ class Scanner {
     int length = 0;
     while (length < line.length && isNameByte(data[length])) ++length;
     int after = length;
-    while (after < line.length && (data[after] == ' ' || data[after] == '\t')) ++after;
+    while (after < line.length && isBlank(data[after])) ++after;  // some fold right behind the name
     if (length == 0 || after >= line.length || (data[after] != ':' && data[after] != ';')) {
       complain(line.number, QStringLiteral("This line is no property and was left out."));
       length = 0;

@@ -42,7 +42,8 @@ qint64 DateValue::wall() const {
 }
 
 std::optional<DateValue> dateValue(const QByteArray& written, const Property& property) {
-  const QByteArray text = written.trimmed().toUpper();
+  QByteArray text = written.trimmed().toUpper();
+  if (text.endsWith('"')) text.chop(1);  // closes a zone's name that was opened before the colon
   const auto date = dateIn(text);
   if (!date) return std::nullopt;
   DateValue value;

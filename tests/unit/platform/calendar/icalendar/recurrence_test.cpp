@@ -44,6 +44,24 @@ TEST(Rules, StartInTheMidstKeepsTheBeat) {
             (QStringList{u"2024-03-29 09:00"_qs, u"2024-08-30 09:00"_qs}));
 }
 
+TEST(Rules, SundaysKeepTheBeatToo) {
+  EXPECT_EQ(starts("FREQ=WEEKLY;INTERVAL=3;BYDAY=SU", u"2023-06-13 09:00"_qs, u"2025-01-09 09:00"_qs,
+                   u"2025-02-20 00:00"_qs),
+            (QStringList{u"2025-01-26 09:00"_qs, u"2025-02-16 09:00"_qs}));
+}
+
+TEST(Rules, OneWeekdayMayComeAtHoursBeforeThatOfTheStart) {
+  EXPECT_EQ(starts("FREQ=WEEKLY;INTERVAL=4;BYDAY=TU;BYHOUR=8", u"2019-02-20 23:30"_qs, u"2019-02-20 00:00"_qs,
+                   u"2019-05-01 00:00"_qs),
+            (QStringList{u"2019-03-19 08:30"_qs, u"2019-04-16 08:30"_qs}));
+}
+
+TEST(Rules, TheHoursOfADayComeInTheirOrder) {
+  EXPECT_EQ(starts("FREQ=DAILY;BYHOUR=14,8;COUNT=2", u"2024-01-01 08:00"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-01-20 00:00"_qs),
+            (QStringList{u"2024-01-01 08:00"_qs, u"2024-01-01 14:00"_qs}));
+}
+
 TEST(Rules, HoursAndMinutesKeepTheBeatToo) {
   EXPECT_EQ(starts("FREQ=HOURLY;INTERVAL=5", u"2000-01-01 09:00"_qs, u"2024-01-01 00:00"_qs,
                    u"2024-01-01 11:00"_qs),
@@ -116,6 +134,7 @@ TEST(Rules, WhatCannotBeUnderstoodSaysWhy) {
                            "FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30",
                            "FREQ=YEARLY;RSCALE=CHINESE",
                            "FREQ=HOURLY;BYSETPOS=1",
+                           "FREQ=MONTHLY;BYDAY=MO;BYSETPOS=1;BYHOUR=9,14",
                            "%n;BYMONTH=",
                            "FREQ=DAILY;COUNT"}) {
     QString why;
@@ -126,8 +145,9 @@ TEST(Rules, WhatCannotBeUnderstoodSaysWhy) {
 
 TEST(Rules, OddButClearPartsAreTaken) {
   QString why;
-  for (const char* text : {"freq=daily", "FREQ=DAILY;", ";FREQ=DAILY;X-OTHER=1", "FREQ = DAILY ; COUNT = 3",
-                           "FREQ=WEEKLY;BYDAY=1MO", "RSCALE=GREGORIAN;FREQ=YEARLY;SKIP=OMIT"})
+  for (const char* text :
+       {"freq=daily", "FREQ=DAILY;", ";FREQ=DAILY;X-OTHER=1", "FREQ = DAILY ; COUNT = 3",
+        "FREQ=WEEKLY;BYDAY=1MO", "RSCALE=GREGORIAN;FREQ=YEARLY;SKIP=OMIT", "FREQ=DAILY\\;COUNT=10"})
     EXPECT_TRUE(ruleOf(text, &why)) << text << ' ' << qPrintable(why);
 }
 

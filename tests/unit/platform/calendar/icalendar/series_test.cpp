@@ -127,6 +127,12 @@ TEST_F(SeriesTest, ARuleThatIsNotUnderstoodLeavesTheFirstOccurrenceAndIsNamed) {
   EXPECT_TRUE(problemTexts().value(0).startsWith(u"s.ics:9: "_qs)) << qPrintable(problemTexts().value(0));
 }
 
+TEST_F(SeriesTest, AnEmptyRuleIsNone) {
+  series({nine, ten, "RRULE:"});
+  EXPECT_EQ(plain().value(0).kind, Kind::Single);
+  EXPECT_TRUE(problemTexts().isEmpty());
+}
+
 TEST_F(SeriesTest, AnEndlessSeriesIsShownFarFromItsStart) {
   series({nine, ten, "RRULE:FREQ=WEEKLY;BYDAY=MO"});
   EXPECT_EQ(days(u"2049-12-27"_qs, u"2050-01-03"_qs), (QStringList{u"12-27 09:00"_qs, u"01-03 09:00"_qs}));

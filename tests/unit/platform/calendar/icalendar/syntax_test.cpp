@@ -61,6 +61,20 @@ TEST(Scan, ALineThatBeginsWithTheColonGoesOnWithTheLineAbove) {
   EXPECT_TRUE(document.problems.isEmpty());
 }
 
+TEST(Scan, ALineFoldedRightBehindItsNameIsRead) {
+  const Document document =
+      scan(calendar(event({"UID", " :KOrganizer-1", "ATTENDEE", " ;CN=Alice", " :mailto:a"})), {});
+  EXPECT_EQ(valueOf(document, "UID"), "KOrganizer-1");
+  EXPECT_EQ(firstOf(document, onlyEvent(document), "ATTENDEE")->parameter("CN"), "Alice");
+  EXPECT_TRUE(document.problems.isEmpty());
+}
+
+TEST(Scan, AnIndentedBeginIsABegin) {
+  const Document document = scan("   " + calendar(event({"UID:1"})), {});
+  EXPECT_EQ(valueOf(document, "UID"), "1");
+  EXPECT_TRUE(document.problems.isEmpty());
+}
+
 TEST(Scan, EmptyLinesAndAByteOrderMarkDoNoHarm) {
   const Document document = scan(
       "\xEF\xBB\xBF" + calendar("\r\n" + event({"UID:1", "", "SUMMARY:x", "", " y", "  "})) + "\r\n\r\n", {});

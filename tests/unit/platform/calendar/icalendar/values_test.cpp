@@ -20,6 +20,7 @@ TEST(Dates, EachFormIsTold) {
   EXPECT_EQ(dateOf("DTSTART:20240219T090000Z")->form, DateValue::Form::Utc);
   EXPECT_EQ(dateOf("DTSTART;TZID=Europe/Paris:20240219T090000")->tzid, u"Europe/Paris"_qs);
   EXPECT_EQ(dateOf("DTSTART;TZID=Europe/Paris:20240219T090000Z")->form, DateValue::Form::Utc);
+  EXPECT_EQ(dateOf("DTSTART;TZID=\"Europe/Paris:20240219T090000\"")->tzid, u"Europe/Paris"_qs);
   EXPECT_EQ(dateOf("DTSTART:20240219T0915")->time, QTime(9, 15));
 }
 
