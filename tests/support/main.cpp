@@ -51,6 +51,7 @@ int runTests(int argc, char** argv) {
   }
   moveHome(home.path());
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("LANGUAGE", "en");  // what the system says of a failure is in English, whatever the locale
   tests::installMessageHandler();
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
