@@ -9,11 +9,12 @@ namespace platform::outlook {
 namespace {
 
 /// The first folder of all stores that suits, or nullptr.
-std::shared_ptr<MAPIFolder> firstFolder(const Application& application,
+std::shared_ptr<MAPIFolder> firstFolder(const QList<std::shared_ptr<calendar::Store>>& stores,
+                                        const std::shared_ptr<const Session>& session,
                                         const std::function<bool(const calendar::FolderInfo&)>& suits) {
-  for (const std::shared_ptr<calendar::Store>& store : application.profile().stores)
+  for (const std::shared_ptr<calendar::Store>& store : stores)
     for (const calendar::FolderInfo& info : store->folders())
-      if (suits(info)) return std::make_shared<MAPIFolder>(store, info, application.session());
+      if (suits(info)) return std::make_shared<MAPIFolder>(store, info, session);
   return nullptr;
 }
 
@@ -36,8 +37,9 @@ std::shared_ptr<MAPIFolder> NameSpace::GetDefaultFolder(int type) const {
     throw Failure(failure::invalidProcedureCall, u"There is no default folder of type %1."_s.arg(type),
                   u"NameSpace"_s);
   const bool appointments = type == olFolderCalendar;
-  const auto folder = firstFolder(
-      application_, [&](const calendar::FolderInfo& info) { return info.holdsAppointments == appointments; });
+  const auto folder = firstFolder(stores_, session_, [&](const calendar::FolderInfo& info) {
+    return info.holdsAppointments == appointments;
+  });
   if (!folder)
     throw Failure(calendar::errNotFound,
                   appointments ? u"No calendar is set up."_s : u"No mail folder is set up."_s,
@@ -63,8 +65,9 @@ Application::Application(Profile profile)
     : profile_(std::move(profile)),
       session_(std::make_shared<const Session>(Session{profile_.version, profile_.draftFolder})) {
   if (profile_.openFolder.isEmpty()) return;
-  const auto folder =
-      firstFolder(*this, [this](const calendar::FolderInfo& info) { return info.id == profile_.openFolder; });
+  const auto folder = firstFolder(profile_.stores, session_, [this](const calendar::FolderInfo& info) {
+    return info.id == profile_.openFolder;
+  });
   if (!folder)
     throw Failure(calendar::errNotFound, u"The calendar \"%1\" cannot be found."_s.arg(profile_.openFolder),
                   u"Application"_s);
@@ -79,7 +82,7 @@ std::shared_ptr<NameSpace> Application::GetNamespace(const QString& type) const 
   if (type.compare(u"MAPI"_s, Qt::CaseInsensitive) != 0)
     throw Failure(failure::invalidProcedureCall, u"The namespace \"%1\" is not known."_s.arg(type),
                   u"Application"_s);
-  return std::make_shared<NameSpace>(*this);
+  return std::make_shared<NameSpace>(profile_.stores, session_);
 }
 
 std::shared_ptr<Explorer> Application::ActiveExplorer() const {

@@ -32,25 +32,27 @@ class MAPIFolder {
 class Explorer {
  public:
   explicit Explorer(std::shared_ptr<MAPIFolder> folder) : folder_(std::move(folder)) {}
+  virtual ~Explorer() = default;
   std::shared_ptr<MAPIFolder> CurrentFolder() const { return folder_; }
-  void Activate() { active = true; }
+  virtual void Activate() { active = true; }
   bool active = false;
 
  private:
   std::shared_ptr<MAPIFolder> folder_;
 };
 
-class Application;
-
+/// May outlive the application that it comes from.
 class NameSpace {
  public:
-  explicit NameSpace(const Application& application) : application_(application) {}
+  NameSpace(QList<std::shared_ptr<calendar::Store>> stores, std::shared_ptr<const Session> session)
+      : stores_(std::move(stores)), session_(std::move(session)) {}
   /// olFolderCalendar: the first folder that holds appointments; olFolderInbox: the first that does not.
   /// Failure errNotFound when there is none.
   std::shared_ptr<MAPIFolder> GetDefaultFolder(int type) const;
 
  private:
-  const Application& application_;
+  QList<std::shared_ptr<calendar::Store>> stores_;
+  std::shared_ptr<const Session> session_;
 };
 
 /// The open windows. Positions count from 1.
@@ -66,10 +68,11 @@ class Application {
  public:
   /// Failure errNotFound when the folder that is open in the window is in none of the stores.
   explicit Application(Profile profile);
-  QString Version() const;
+  virtual ~Application() = default;
+  virtual QString Version() const;
   std::shared_ptr<NameSpace> GetNamespace(const QString& type) const;  // "MAPI"
   /// nullptr when no window is open or none has been activated.
-  std::shared_ptr<Explorer> ActiveExplorer() const;
+  virtual std::shared_ptr<Explorer> ActiveExplorer() const;
   outlook::Explorers& Explorers() { return explorers_; }
   std::shared_ptr<MailItem> CreateItem(int type) const;  // olMailItem
   const Profile& profile() const { return profile_; }

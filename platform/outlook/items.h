@@ -141,6 +141,7 @@ class Attachment {
   explicit Attachment(QByteArray content, QString fileName = QStringLiteral("attachment"),
                       QByteArray type = QByteArrayLiteral("application/octet-stream"))
       : content_(std::move(content)), fileName_(std::move(fileName)), type_(std::move(type)) {}
+  /// Readable by its owner only: it mostly goes to a folder that all users share.
   void SaveAsFile(const QString& path) const;
   const QByteArray& content() const { return content_; }
   QString FileName() const { return fileName_; }

@@ -15,8 +15,9 @@ namespace platform::outlook {
 
 namespace {
 
-void write(const QString& path, const QByteArray& bytes, const QString& source) {
-  const files::WriteResult result = files::replaceFile(path, bytes);
+void write(const QString& path, const QByteArray& bytes, const QString& source,
+           files::FileMode mode = files::FileMode::Usual) {
+  const files::WriteResult result = files::replaceFile(path, bytes, std::nullopt, mode);
   if (result.outcome != files::Outcome::Written)
     throw Failure(calendar::errStoreBroken, result.error, source);
 }
@@ -41,7 +42,7 @@ QString mailLink(const MailItem& mail) {
 }  // namespace
 
 void Attachment::SaveAsFile(const QString& path) const {
-  write(path, content_, u"Attachment"_s);
+  write(path, content_, u"Attachment"_s, files::FileMode::OwnerOnly);
 }
 
 void MailItem::Save() {

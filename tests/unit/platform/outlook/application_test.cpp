@@ -58,6 +58,13 @@ TEST_F(ApplicationTest, DefaultFoldersAreTheFirstOfTheirKindOverAllStores) {
   EXPECT_EQ(failureOf([&] { names->GetDefaultFolder(5); }), failure::invalidProcedureCall);
 }
 
+TEST_F(ApplicationTest, ANamespaceOutlivesItsApplication) {
+  auto application = std::make_shared<Application>(profile);
+  const auto names = application->GetNamespace(u"MAPI"_s);
+  application.reset();
+  EXPECT_EQ(names->GetDefaultFolder(olFolderCalendar)->Name(), u"Projects"_s);
+}
+
 TEST_F(ApplicationTest, AFolderThatNoStoreHasIsNotFound) {
   profile.stores = {store};
   Application application(profile);

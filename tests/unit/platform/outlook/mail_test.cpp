@@ -179,6 +179,12 @@ TEST_F(MailTest, AnAttachmentIsSavedByteForByteAndReplacesWhatWasThere) {
   EXPECT_EQ(contentOf(path), content);
 }
 
+TEST_F(MailTest, ASavedAttachmentIsItsOwnersAlone) {
+  const QString path = drafts.filePath(u"HBTemp.txt"_s);
+  Attachment(QByteArray("x")).SaveAsFile(path);
+  EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther));
+}
+
 TEST_F(MailTest, AnAttachmentThatCannotBeSavedIsAFailureThatNamesTheFile) {
   try {
     Attachment(QByteArray("x")).SaveAsFile(drafts.filePath(u"missing/HBTemp.txt"_s));
