@@ -47,7 +47,7 @@ class Fields {
 class Recordset {
  public:
   Recordset();
-  ~Recordset();
+  virtual ~Recordset();
   Recordset(const Recordset&) = delete;
   Recordset& operator=(const Recordset&) = delete;
 
@@ -63,7 +63,7 @@ class Recordset {
   int State() const;
   bool isEOF() const;
   bool isBOF() const;
-  int RecordCount() const;
+  virtual int RecordCount() const;
   void MoveFirst();  // Failure 3021 when there are no rows
   void MoveNext();   // Failure 3021 at the end
   /// Moves to the first row at or behind the current one that matches "name = 'text'" (or = number); to the

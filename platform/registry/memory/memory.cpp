@@ -16,7 +16,7 @@ int MemoryRegistry::openKey(const QString& key) {
 }
 
 int MemoryRegistry::setValue(const QString& key, const QString& name, const basic::Value& value) {
-  if (failWriteWith != codeSuccess) {
+  if (failWriteWith != codeSuccess && --passWrites < 0) {
     lastError_ =
         QStringLiteral("%1: the value \"%2\" could not be set (%3)").arg(key, name).arg(failWriteWith);
     return failWriteWith;

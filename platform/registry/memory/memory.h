@@ -15,6 +15,7 @@ class MemoryRegistry : public Registry {
 
   int failOpenWith = 0;   // not 0: every openKey answers this
   int failWriteWith = 0;  // not 0: every setValue answers this
+  int passWrites = 0;     // so many of them pass first
 
  private:
   QHash<QString, QHash<QString, basic::Value>> keys_;

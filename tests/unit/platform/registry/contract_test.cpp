@@ -157,3 +157,12 @@ TEST(MemoryRegistry, FailsAsItIsTold) {
   Value out;
   EXPECT_EQ(registry.value(key, QStringLiteral("A"), &out), codeNotFound);
 }
+
+TEST(MemoryRegistry, LetsTheFirstWritesPassWhereItIsToldSo) {
+  MemoryRegistry registry;
+  registry.failWriteWith = 5;
+  registry.passWrites = 1;
+  EXPECT_EQ(registry.setValue(key, QStringLiteral("A"), QStringLiteral("x")), codeSuccess);
+  EXPECT_EQ(registry.setValue(key, QStringLiteral("B"), QStringLiteral("x")), 5);
+  EXPECT_EQ(registry.setValue(key, QStringLiteral("C"), QStringLiteral("x")), 5);
+}
