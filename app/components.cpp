@@ -10,6 +10,7 @@
 #include "platform/scripting/dictionary.h"
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/shell.h"
+#include "platform/scripting/shellapplication.h"
 #include "platform/sql/sqlite/engine.h"
 #include "platform/sql/sqlite/session.h"
 
@@ -55,6 +56,7 @@ void registerScripting(Components& components) {
   using namespace platform::scripting;
   addPlain<DictionaryComponent>(components, QStringLiteral("Scripting.Dictionary"));
   addPlain<FileSystemObject>(components, QStringLiteral("Scripting.FileSystemObject"));
+  addPlain<ShellApplication>(components, QStringLiteral("Shell.Application"));
   addPlain<WshShell>(components, QStringLiteral("Wscript.Shell"));
 }
 

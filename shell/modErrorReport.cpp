@@ -7,6 +7,7 @@
 #include "platform/outlook/application.h"
 #include "platform/process/process.h"
 #include "platform/scripting/filesystem.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
 
@@ -48,11 +49,7 @@ std::shared_ptr<platform::outlook::Application> outlookApp() {
 }
 
 platform::outlook::Application& connectedOutlook() {
-  const auto application = outlookApp();
-  if (!application)
-    throw platform::Failure(platform::failure::objectNotSet,
-                            QStringLiteral("Object variable or With block variable not set"));
-  return *application;
+  return present(outlookApp());
 }
 
 [[noreturn]] void sendReport() {

@@ -4,8 +4,10 @@
 #include "platform/basic/text.h"
 #include "platform/dialogs/dialogs.h"
 #include "platform/process/process.h"
+#include "platform/scripting/shellapplication.h"
 #include "shell/modErrorReport.h"
 #include "shell/modScriptingDic.h"
+#include "shell/Present.h"
 #include "shell/Tolerate.h"
 
 namespace hourbook {
@@ -169,6 +171,28 @@ void subExecute(const QString& command, const QString& folder, const QString& pa
   if (const auto failure = tolerate([&] { shell->Run(line, normalWindow); })) showFailedStart(path, *failure);
 } catch (const Failure& failure) {
   subHandleError(failure, QStringLiteral("modFileHandling.subExecute"));
+}
+
+void fncPrintFile(const QString& path) try {
+  FileSystemObject& system = files();
+  subLog(QStringLiteral("Attempting to print the file ") + path);
+  const auto file = system.GetFile(path);
+  fncInvokeVerb(file->ParentFolder()->Path(), file->Name(), QStringLiteral("Print"));
+} catch (const Failure& failure) {
+  // kept: reported under the name of the procedure that saves files
+  subHandleError(failure, QStringLiteral("fncSaveTextFile"));
+}
+
+void fncInvokeVerb(const QString& folder, const QString& file, const QString& verb) try {
+  subLog(QStringLiteral("Trying to execute ") + folder);
+  const auto shell = platform::automation::CreateObject<platform::scripting::ShellApplication>(
+      QStringLiteral("Shell.Application"));
+  const auto place = shell->NameSpace(folder);
+  const auto item = present(place).Items().Item(file);
+  present(item).InvokeVerb(verb);
+} catch (const Failure& failure) {
+  // kept: the name of a form that this program does not have
+  subHandleError(failure, QStringLiteral("frmDummy.Form_Load"));
 }
 
 QString fncProgramPath(const QString& folder, const QString& name) {

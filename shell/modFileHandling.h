@@ -20,6 +20,11 @@ QString fncSaveTextFile(QString& fileName, const QString& text, bool temporary);
 /// programs bear no ".exe", as "HBCube" too) or opens a URL or a mailto: link. A failed start is shown in a
 /// box.
 void subExecute(const QString& command, const QString& folder = {}, const QString& parameters = {});
+/// Prints a file with the system's own means.
+void fncPrintFile(const QString& path);
+/// Does with a file of a folder what its entry in the desktop offers: "print", "open"; an empty verb is the
+/// default one.
+void fncInvokeVerb(const QString& folder, const QString& file, const QString& verb);
 /// The path of a program in a folder, named "name.exe", or "name" where programs bear no extension. A name
 /// that exists comes first; without any, the ".exe" form.
 QString fncProgramPath(const QString& folder, const QString& name);

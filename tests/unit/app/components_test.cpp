@@ -8,6 +8,7 @@
 #include "platform/owc/spreadsheet.h"
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/shell.h"
+#include "platform/scripting/shellapplication.h"
 #include "tests/support/testworld.h"
 
 #include <QFile>
@@ -65,6 +66,7 @@ TEST_F(ComponentsOfTheMachine, AreFoundUnderTheirNames) {
   EXPECT_NO_THROW(
       CreateObject<platform::scripting::FileSystemObject>(QStringLiteral("Scripting.FileSystemObject")));
   EXPECT_NO_THROW(CreateObject<platform::scripting::WshShell>(QStringLiteral("Wscript.Shell")));
+  EXPECT_NO_THROW(CreateObject<platform::scripting::ShellApplication>(QStringLiteral("Shell.Application")));
   EXPECT_NO_THROW(CreateObject<platform::forms::DTPicker>(QStringLiteral("MSComCtl2.DTPicker")));
   EXPECT_EQ(CreateObject<platform::owc::Spreadsheet>(QStringLiteral("OWC11.Spreadsheet"))->generation(),
             platform::owc::Generation::Office2003);

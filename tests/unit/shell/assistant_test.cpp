@@ -46,7 +46,6 @@ TEST_F(Assistant, AMessageIsShownInTheAssistantsBalloon) {
   EXPECT_EQ(shown.options, msoAlertButtonOK);
   EXPECT_EQ(shown.icon, msoAlertIconInfo);
   EXPECT_EQ(fncLastLogText(), u"Creating Assistant to display message Check this!"_s);
-  EXPECT_TRUE(application->ActiveExplorer()->active);
 }
 
 TEST_F(Assistant, AMessageWithoutAnApplicationIsAPlainBox) {
@@ -70,6 +69,7 @@ TEST_F(Assistant, AMessageThatTheAssistantCannotShowIsAPlainBox) {
 TEST_F(Assistant, AQuestionGivesTheAnswersCode) {
   world.dialogs.expect(u"Go?"_s, vbYes);
   EXPECT_EQ(fncAskAssistant(application, u"Go?"_s), 6);
+  EXPECT_EQ(fncLastLogText(), u"Creating Assistant to display message Go?"_s);
   world.dialogs.expect(u"Go?"_s, vbNo);
   EXPECT_EQ(fncAskAssistant(application, u"Go?"_s), 7);
   const Shown& shown = world.dialogs.shown.first();
@@ -89,6 +89,24 @@ TEST_F(Assistant, AQuestionThatTheAssistantCannotAskIsLeftToTheCaller) {
   NoAssistant dialogs;
   const ScopedDialogs scope(dialogs);
   EXPECT_THROW(fncAskAssistant(application, u"Go?"_s), Failure);
+}
+
+TEST_F(Assistant, AMessageAndAQuestionBringOutlooksWindowToTheFrontFirst) {
+  class Window : public platform::outlook::Explorer {
+   public:
+    using Explorer::Explorer;
+    void Activate() override { ++activations; }
+    int activations = 0;
+  };
+  const auto window = std::make_shared<Window>(nullptr);
+  window->active = true;
+  application->Explorers().list = {window};
+  world.dialogs.expect(u"Check this!"_s, vbOK);
+  fncShowAssistantMessage(application, u"Check this!"_s);
+  EXPECT_EQ(window->activations, 1);
+  world.dialogs.expect(u"Go?"_s, vbYes);
+  fncAskAssistant(application, u"Go?"_s);
+  EXPECT_EQ(window->activations, 2);
 }
 
 }  // namespace hourbook::tests

@@ -210,4 +210,24 @@ TEST_F(ErrorReport, TheProgramsVersionHasThreeNumbers) {
   EXPECT_TRUE(QRegularExpression(u"^\\d+\\.\\d+\\.\\d+$"_s).match(fncProgramVersion()).hasMatch());
 }
 
+TEST_F(ErrorReport, ADialogThatCannotBeShownEndsTheProgramAndNoMailIsMade) {
+  installOutlook(true);
+  NoDialogs none;
+  const platform::dialogs::ScopedDialogs scope(none);
+  EXPECT_ENDS_PROCESS(subHandleError(u"Broken"_s, 5, 1, u"Main"_s));
+  EXPECT_EQ(onlyDraft(), u"<0 drafts>"_s);
+  EXPECT_TRUE(world.process.opened.isEmpty());
+}
+
+TEST_F(ErrorReport, AConnectionThatFailsOnYesStillGoesOnToTheMail) {
+  installOutlook(false);
+  values.outlook.fncConnectOutlook = [this](qint32) {
+    application = std::make_shared<Application>(profile);
+    throw Failure(5, u"No window can be opened"_s);
+  };
+  world.dialogs.expect({}, vbYes);
+  EXPECT_ENDS_PROCESS(subHandleError(u"Broken"_s, 5, 1, u"Main"_s));
+  EXPECT_TRUE(onlyDraft().contains(fncSupportMailbox())) << qPrintable(onlyDraft());
+}
+
 }  // namespace hourbook::tests

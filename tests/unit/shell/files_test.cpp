@@ -105,6 +105,7 @@ TEST_F(TextFiles, ALockedFileIsReportedAndNothingIsWritten) {
   files->locked = {u"a.txt"_s};
   EXPECT_REPORTED(world, "fncSaveTextFile", fncSaveTextFile(name, u"new"_s, false));
   EXPECT_EQ(contentOf(documents.filePath(u"a.txt"_s)), u"old"_s);
+  EXPECT_EQ(fncLastLogText(), u"Checking for previoius existance of "_s + name);
 }
 
 TEST_F(TextFiles, ALockedTemporaryFileGivesWayToANumberedName) {
@@ -124,6 +125,13 @@ TEST_F(TextFiles, ANumberedNameThatCanBeDeletedIsUsedAgain) {
   files->locked = {u"a.txt"_s};
   QString name = u"a.txt"_s;
   EXPECT_EQ(fncSaveTextFile(name, u"new"_s, true), temp.path() + u"\\a1.txt"_s);
+}
+
+TEST_F(TextFiles, TheNumberStandsInFrontOfTheLastFourCharactersWhateverTheExtension) {
+  writeFile(temp.filePath(u"report.html"_s), u"old"_s);
+  files->locked = {u"report.html"_s};
+  QString name = u"report.html"_s;
+  EXPECT_EQ(fncSaveTextFile(name, u"new"_s, true), temp.path() + u"\\report.1html"_s);
 }
 
 TEST_F(TextFiles, AFileThatCannotBeWrittenIsReported) {
@@ -239,6 +247,57 @@ TEST_F(StartingPrograms, WithoutAShellNothingIsRunAfterItsMessage) {
   world.components.remove(u"Wscript.Shell"_s);
   world.dialogs.expect(u"Scripting.Dictionary"_s, vbOK);
   subExecute(u"http://example.org"_s);
+}
+
+class FilesOfTheDesktop : public ShellWorld {
+ protected:
+  FilesOfTheDesktop() { writeFile(report, u"x"_s); }
+  const QString report = documents.filePath(u"HBKReport.htm"_s);
+};
+
+TEST_F(FilesOfTheDesktop, AFileIsPrintedByTheSystem) {
+  keepLog();
+  fncPrintFile(documents.path() + u"\\HBKReport.htm"_s);
+  EXPECT_EQ(world.process.started, (QList<QStringList>{{u"lp"_s, report}}));
+  EXPECT_TRUE(wasLogged(u"Attempting to print the file "_s + documents.path() + u"\\HBKReport.htm"_s));
+  EXPECT_EQ(fncLastLogText(), u"Trying to execute "_s + documents.path());
+}
+
+TEST_F(FilesOfTheDesktop, AMissingFileIsReportedUnderTheNameOfTheSavingProcedure) {
+  EXPECT_REPORTED(world, "fncSaveTextFile", fncPrintFile(documents.filePath(u"gone.htm"_s)));
+  EXPECT_TRUE(world.dialogs.shown.first().text.contains(u"#53\r\n"_s));
+  EXPECT_TRUE(world.process.started.isEmpty());
+}
+
+TEST_F(FilesOfTheDesktop, AMachineThatCannotPrintIsReportedWithTheReason) {
+  world.process.startFailure = u"lp: No such file or directory"_s;
+  EXPECT_REPORTED(world, "frmDummy.Form_Load", fncPrintFile(report));
+  const QString text = world.dialogs.shown.first().text;
+  EXPECT_TRUE(text.contains(u"cannot be printed"_s)) << qPrintable(text);
+  EXPECT_TRUE(text.contains(u"lp: No such file or directory"_s)) << qPrintable(text);
+}
+
+TEST_F(FilesOfTheDesktop, AnEmptyVerbOpensTheFile) {
+  fncInvokeVerb(documents.path(), u"HBKReport.htm"_s, {});
+  EXPECT_EQ(world.process.opened, QStringList{report});
+}
+
+TEST_F(FilesOfTheDesktop, AnUnknownVerbIsReported) {
+  EXPECT_REPORTED(world, "frmDummy.Form_Load",
+                  fncInvokeVerb(documents.path(), u"HBKReport.htm"_s, u"fold"_s));
+  EXPECT_TRUE(world.dialogs.shown.first().text.contains(u"\"fold\""_s));
+}
+
+TEST_F(FilesOfTheDesktop, AFileAFolderOrADesktopThatIsNotThereIsReported) {
+  const auto numberOf = [this](const QString& folder, const QString& file) {
+    values.gInErrorReport = false;
+    EXPECT_REPORTED(world, "frmDummy.Form_Load", fncInvokeVerb(folder, file, u"Print"_s));
+    return world.dialogs.shown.last().text.section(u'#', 1).section(u'\r', 0, 0);
+  };
+  EXPECT_EQ(numberOf(documents.path(), u"gone.htm"_s), u"91"_s);
+  EXPECT_EQ(numberOf(documents.filePath(u"gone"_s), u"HBKReport.htm"_s), u"91"_s);
+  world.components.remove(u"Shell.Application"_s);
+  EXPECT_EQ(numberOf(documents.path(), u"HBKReport.htm"_s), u"429"_s);
 }
 
 }  // namespace hourbook::tests
