@@ -3,6 +3,7 @@
 #include "platform/basic/failure.h"
 #include "platform/basic/text.h"
 #include "platform/registry/registry.h"
+#include "shell/modErrorReport.h"
 
 namespace hourbook {
 
@@ -18,10 +19,10 @@ constexpr int notFound = 2;
   throw Failure(registryFailure + code, text, QStringLiteral("modRegistryEntry"));
 }
 
-/// With what the system said, where it said something.
-[[noreturn]] void refuseCall(QString text, int code) {
+/// What the system said is noted as a step: so the dialog of the failure quotes it.
+[[noreturn]] void refuseCall(const QString& text, int code) {
   const QString said = Registry::current().lastError();
-  if (!said.isEmpty()) text += platform::basic::vbCrLf + said;
+  if (!said.isEmpty()) subLog(said);
   refuse(text, code);
 }
 

@@ -1,3 +1,4 @@
+#include "shell/modErrorReport.h"
 #include "shell/modRegistryEntry.h"
 #include "shell/Tolerate.h"
 #include "tests/unit/shell/shellworld.h"
@@ -103,11 +104,26 @@ TEST_F(RegistryEntry, AStoreThatCannotBeReadIsRefusedWithTheSystemsCode) {
             u"800407ee Could not open registry section"_s);
 }
 
-TEST_F(RegistryEntry, WhatTheSystemSaidStandsBelowTheRefusal) {
+TEST_F(RegistryEntry, WhatTheSystemSaidIsTheNewestStepAndNoPartOfTheRefusal) {
   registry.failOpenWith = 5;
   registry.said = u"/home/ann/.config/x: Permission denied"_s;
   EXPECT_EQ(failureOf([] { fncGetRegistryValue(u"s"_s, u"k"_s, {}); }),
-            u"800407d5 Could not open registry section\r\n/home/ann/.config/x: Permission denied"_s);
+            u"800407d5 Could not open registry section"_s);
+  EXPECT_EQ(fncLastLogText(), registry.said);
+  registry.failOpenWith = 0;
+  registry.failWriteWith = 29;
+  registry.said = u"/home/ann/.config/x: No space left on device"_s;
+  EXPECT_EQ(failureOf([] { fncSaveRegistryValue(u"s"_s, u"k"_s, u"v"_s); }),
+            u"800407ed Could not set key value"_s);
+  EXPECT_EQ(fncLastLogText(), registry.said);
+}
+
+TEST_F(RegistryEntry, ASystemThatSaysNothingLeavesTheNewestStepAsItIs) {
+  subLog(u"Saving"_s);
+  registry.failOpenWith = 5;
+  EXPECT_EQ(failureOf([] { fncSaveRegistryValue(u"s"_s, u"k"_s, u"v"_s); }),
+            u"800407d5 Could not open/create registry section"_s);
+  EXPECT_EQ(fncLastLogText(), u"Saving"_s);
 }
 
 TEST_F(RegistryEntry, AValueThatIsNoTextIsRefused) {
