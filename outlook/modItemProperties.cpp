@@ -55,14 +55,24 @@ Value ofProperty(const Value& value, int type, const Value& defaultValue) {
   }
 }
 
-QString readAndDelete(const QString& path) {
+bool saveVcal(const AppointmentItem& appointment, const QString& path) {
+  bool saved = false;
+  tolerate([&] {
+    const std::shared_ptr<MailItem> mail = appointment.ForwardAsVcal();
+    if (mail->Attachments.empty()) return;
+    mail->Attachments.front().SaveAsFile(platform::scripting::systemPath(path));
+    saved = true;
+  });
+  return saved;
+}
+
+QString wholeFile(const QString& path) {
   QString content;
   tolerate([&] {
     const auto stream = shellValues().gFileSystem->OpenTextFile(path);
     content = stream->ReadAll();
     stream->Close();
   });
-  tolerate([&] { shellValues().gFileSystem->DeleteFile(path, true); });
   return content;
 }
 
@@ -97,7 +107,7 @@ AppointmentItem& subFixLongProperty(AppointmentItem& item, const QString& text, 
 
 QString fncGetLongProperty(AppointmentItem& item, const QString& property) try {
   subLog(QStringLiteral("Entering fncGetLongProperty"));
-  const auto count = CLng(fncGetOutlookValue(item, property + u"Count"_s, vbInteger));
+  const qint32 count = CInt(fncGetOutlookValue(item, property + u"Count"_s, vbInteger));
   QString text;
   for (qint32 index = 0; index <= count; ++index)
     text += CStr(fncGetOutlookValue(item, property + QString::number(index), vbString));
@@ -120,13 +130,9 @@ QString fncDescriptionOfVcal(const QString& vcalendar) {
 QString fncReadBodyThroughVcal(const AppointmentItem& appointment) {
   QString path;
   tolerate([&] { path = fncGetTempPath() + u"\\HBTemp.txt"_s; });
-  tolerate([&] {
-    const std::shared_ptr<MailItem> mail = appointment.ForwardAsVcal();
-    if (!mail->Attachments.empty())
-      mail->Attachments.front().SaveAsFile(platform::scripting::systemPath(path));
-  });
-  QString content;
-  tolerate([&] { content = readAndDelete(path); });
+  // A file that was there already, and could not be replaced, holds another appointment's text.
+  const QString content = saveVcal(appointment, path) ? wholeFile(path) : QString();
+  tolerate([&] { shellValues().gFileSystem->DeleteFile(path, true); });
   return fncDescriptionOfVcal(content);
 }
 

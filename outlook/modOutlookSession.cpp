@@ -6,6 +6,7 @@
 #include "platform/dialogs/dialogs.h"
 #include "platform/scripting/shell.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
 
@@ -65,14 +66,13 @@ void refuseOld(qint16 version) {
 
 void seeToWindow(Pending& pending, qint32 folderType) {
   OutlookValues& values = outlookValues();
-  if (values.gOutlookApp->ActiveExplorer()) return;
+  std::shared_ptr<Explorer> active;
+  pending.step([&] { active = values.gOutlookApp->ActiveExplorer(); });
+  if (active) return;
   auto& explorers = values.gOutlookApp->Explorers();
   pending.step([&] {
     if (explorers.Count() != 0) return;
-    if (!values.gNameSpace)
-      throw Failure(platform::failure::objectNotSet,
-                    QStringLiteral("Object variable or With block variable not set"));
-    explorers.Add(values.gNameSpace->GetDefaultFolder(folderType), olFolderDisplayNormal);
+    explorers.Add(present(values.gNameSpace).GetDefaultFolder(folderType), olFolderDisplayNormal);
   });
   pending.step([&] { explorers.Item(1)->Activate(); });
 }
@@ -91,8 +91,10 @@ ItemPointer walkForSettings(const Items& items, ItemPointer found) {
   const int count = items.Count();
   if (count >= walkLimit) return found;
   for (int i = 1; i <= count - 1; ++i) {
+    bool matches = false;
     tolerate([&] { found = items.Item(i); });
-    if (found && found->Subject() == settingAppointmentName) break;
+    tolerate([&] { matches = present(found).Subject() == settingAppointmentName; });
+    if (matches) break;
   }
   return found;
 }
@@ -110,13 +112,14 @@ void fncConnectOutlook(qint32 folderType) {
             platform::dialogs::vbOKOnly);
   if (!values.gOutlookApp) refuseMissing(pending);
   useNamespace(pending);
-  pending.step([&] { seeToWindow(pending, folderType); });
+  seeToWindow(pending, folderType);
 }
 
 qint16 fncGetOutlookVersion() {
   OutlookValues& values = outlookValues();
   if (values.outlookMajorVersion != 0) return values.outlookMajorVersion;
   if (!values.gOutlookApp) fncConnectOutlook(olFolderInbox);
+  if (values.outlookMajorVersion != 0) return values.outlookMajorVersion;  // read by the connection
   const QString version = values.gOutlookApp->Version();
   values.outlookMajorVersion = platform::basic::CInt(version.left(version.indexOf(u'.')));
   return values.outlookMajorVersion;

@@ -177,6 +177,18 @@ TEST_F(ItemProperties, ACountOutOfRangeIsReported) {
   EXPECT_REPORTED(world, "fncGetLongProperty", fncGetLongProperty(*item, u"S"_s));
 }
 
+TEST_F(ItemProperties, ACountAbove32767IsReported) {
+  set(u"SCount"_s, olNumber, 32768.0);
+  EXPECT_REPORTED(world, "fncGetLongProperty", fncGetLongProperty(*item, u"S"_s));
+  EXPECT_TRUE(world.dialogs.shown.first().text.contains(u"#6\r\n"_s));
+}
+
+TEST_F(ItemProperties, ReadingALongTextIsLogged) {
+  keepLog();
+  fncGetLongProperty(*item, u"S"_s);
+  EXPECT_TRUE(wasLogged(u"Entering fncGetLongProperty"_s));
+}
+
 TEST_F(ItemProperties, APropertyThatCannotBeAddedIsToldAndTheNextOneIsTried) {
   values.LNGCHECKPERM = u"Check that you have the appropriate permissions!"_s;
   // A property that is there as a date takes no text.
@@ -224,6 +236,50 @@ TEST_F(BodyThroughVcal, AFileThatCannotBeWrittenGivesAnEmptyText) {
   QDir::temp().mkpath(u"HBTemp.txt/inner"_s);
   EXPECT_EQ(readBack(u"text"_s), QString());
   QDir(QDir::temp().filePath(u"HBTemp.txt"_s)).removeRecursively();
+}
+
+TEST_F(BodyThroughVcal, AReadOnlyFileOfThatNameIsDeletedByForce) {
+  const QString path = QDir::temp().filePath(u"HBTemp.txt"_s);
+  writeFile(path, vcal(u"Of another=0D=0A"_s));
+  ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner));
+  EXPECT_NE(readBack(u"text"_s), u"Of another"_s);
+  EXPECT_FALSE(QFile::exists(path));
+  EXPECT_EQ(readBack(u"text"_s), u"text"_s);
+}
+
+TEST_F(BodyThroughVcal, AFileOfThatNameIsNotTakenForTheBodyWhenTheNewOneCannotBeSaved) {
+  class Files : public platform::scripting::FileSystemObject {
+   public:
+    QString old;
+    std::shared_ptr<platform::scripting::TextStream> OpenTextFile(const QString&, int, bool) override {
+      return FileSystemObject::OpenTextFile(old);
+    }
+  };
+  const auto files = std::make_shared<Files>();
+  files->old = documents.filePath(u"HBTemp.txt"_s);
+  writeFile(files->old, vcal(u"Of another=0D=0A"_s));
+  values.gFileSystem = files;
+  const QString path = QDir::temp().filePath(u"HBTemp.txt"_s);
+  QDir().mkpath(path);  // nothing can be saved under the name of a folder
+  EXPECT_EQ(readBack(u"text"_s), QString());
+  QDir().rmdir(path);
+}
+
+TEST_F(BodyThroughVcal, TheFileIsItsOwnersAlone) {
+  class Files : public platform::scripting::FileSystemObject {
+   public:
+    QFile::Permissions met;
+    std::shared_ptr<platform::scripting::TextStream> OpenTextFile(const QString& path, int mode,
+                                                                  bool create) override {
+      met = QFile::permissions(platform::scripting::systemPath(path));
+      return FileSystemObject::OpenTextFile(path, mode, create);
+    }
+  };
+  const auto files = std::make_shared<Files>();
+  values.gFileSystem = files;
+  EXPECT_EQ(readBack(u"text"_s), u"text"_s);
+  EXPECT_TRUE(files->met & QFile::ReadOwner);
+  EXPECT_FALSE(files->met & (QFile::ReadGroup | QFile::ReadOther));
 }
 
 TEST_F(BodyThroughVcal, SoftLineBreaksAreTakenOutAndMarkedOnesMadeReal) {

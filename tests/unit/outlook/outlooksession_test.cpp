@@ -71,6 +71,7 @@ TEST_F(OutlookSession, WithoutOutlookTheUserIsAskedToStartItAndTheProgramEnds) {
   world.dialogs.expect(u"Please start Outlook manually before you execute this application!"_s, vbOK);
   EXPECT_ENDS_PROCESS(fncConnectOutlook(9));
   EXPECT_EQ(world.dialogs.shown.first().title, u"Hourbook for Outlook Reporting"_s);
+  EXPECT_EQ(world.dialogs.shown.first().options, platform::dialogs::vbOKOnly);  // and no icon
 }
 
 TEST_F(OutlookSession, AnOutlookOlderThan2000IsRefusedWithItsVersion) {
@@ -89,6 +90,14 @@ TEST_F(OutlookSession, BeforeThePhrasesAreReadTheRefusalShowsItsTechnicalLineOnl
   world.dialogs.expect({}, vbOK);
   EXPECT_ENDS_PROCESS(fncConnectOutlook(9));
   EXPECT_EQ(world.dialogs.shown.first().text, u"\r\n8"_s);
+}
+
+TEST_F(OutlookSession, AVersionThatCannotBeReadIsRefusedAsZero) {
+  profile.version = u"unknown"_s;
+  runOutlook();
+  world.dialogs.expect({}, vbOK);
+  EXPECT_ENDS_PROCESS(fncConnectOutlook(9));
+  EXPECT_EQ(world.dialogs.shown.first().text, u"\r\n0"_s);
 }
 
 TEST_F(OutlookSession, Outlook2000ItselfIsAccepted) {
@@ -141,11 +150,30 @@ TEST_F(OutlookSession, AWindowThatCannotBeOpenedIsPassedOver) {
   EXPECT_TRUE(outlook.gOutlookApp);
 }
 
+TEST_F(OutlookSession, AWindowThatCannotBeAskedForCountsAsNone) {
+  class Windowless : public Application {
+   public:
+    using Application::Application;
+    std::shared_ptr<platform::outlook::Explorer> ActiveExplorer() const override {
+      throw Failure(5, u"broken"_s);
+    }
+  };
+  profile.openFolder.clear();
+  memory->addFolder(folderInfo);
+  world.components.addRunning<Application>(u"Outlook.Application"_s,
+                                           [this] { return std::make_shared<Windowless>(profile); });
+  fncConnectOutlook(9);
+  ASSERT_EQ(outlook.gOutlookApp->Explorers().Count(), 1);
+  EXPECT_TRUE(outlook.gOutlookApp->Explorers().Item(1)->active);
+}
+
 TEST_F(OutlookSession, ASecondConnectionDoesNothing) {
   runOutlook();
   fncConnectOutlook(9);
   const auto first = outlook.gOutlookApp;
+  subLog(u"between"_s);
   fncConnectOutlook(6);
+  EXPECT_EQ(fncLastLogText(), u"Attempting to start MS Outlook 2000 or later"_s);
   EXPECT_EQ(outlook.gOutlookApp, first);
   EXPECT_EQ(asked.size(), 1);
 }
@@ -156,6 +184,31 @@ TEST_F(OutlookSession, TheVersionIsReadOnce) {
   profile.version = u"14.0.1"_s;
   outlook.gOutlookApp = makeOutlook();
   EXPECT_EQ(fncGetOutlookVersion(), 11);
+}
+
+TEST_F(OutlookSession, TheVersionIsReadOnceAlsoWhenItHasToConnectFirst) {
+  class Counting : public Application {
+   public:
+    using Application::Application;
+    QString Version() const override {
+      ++reads;
+      return Application::Version();
+    }
+    mutable int reads = 0;
+  };
+  makeOutlook();
+  const auto application = std::make_shared<Counting>(profile);
+  world.components.addRunning<Application>(u"Outlook.Application"_s, [application] { return application; });
+  EXPECT_EQ(fncGetOutlookVersion(), 11);
+  EXPECT_EQ(fncGetOutlookVersion(), 11);
+  EXPECT_EQ(application->reads, 1);
+}
+
+TEST_F(OutlookSession, TheNamespaceOutlivesAConnectionThatIsReplaced) {
+  connect();
+  const auto names = outlook.gNameSpace;
+  outlook.gOutlookApp = makeOutlook();
+  EXPECT_EQ(names->GetDefaultFolder(9)->Id(), u"calendar"_s);
 }
 
 class UserName : public OutlookWorld {
@@ -271,6 +324,29 @@ TEST_F(SettingAppointment, IsNotSeenAsTheLastItemAndTheOneBeforeItComesBack) {
   refuseLookups();
   ASSERT_TRUE(fncGetSettingAppointment());
   EXPECT_EQ(fncGetSettingAppointment()->Subject(), u"Meeting 2"_s);
+}
+
+TEST_F(SettingAppointment, IsFoundBehindAnItemThatCannotBeRead) {
+  connect();
+  addOthers(2);
+  addAppointment(name);
+  addOthers(1);
+  refuseLookups();
+  // The count asks for the folder's tag once, and so does each item.
+  store->failCall(platform::calendar::FailingStore::Operation::ChangeTag, 3, Failure(5, u"broken"_s));
+  ASSERT_TRUE(fncGetSettingAppointment());
+  EXPECT_EQ(fncGetSettingAppointment()->Subject(), name);
+}
+
+TEST_F(SettingAppointment, IsTheItemReadLastInAWalkWhoseLastItemsCannotBeRead) {
+  connect();
+  addOthers(4);
+  refuseLookups();
+  for (const int call : {3, 4})
+    store->failCall(platform::calendar::FailingStore::Operation::ChangeTag, call, Failure(5, u"broken"_s));
+  const auto found = fncGetSettingAppointment();
+  ASSERT_TRUE(found);
+  EXPECT_EQ(found->Subject(), u"Meeting 0"_s);
 }
 
 TEST_F(SettingAppointment, IsNothingInAWalkOverASingleItem) {
