@@ -15,6 +15,8 @@ struct SettingsValues {
   std::shared_ptr<cGlobalSettings> gGlobalSettings;
 };
 
-inline SettingsValues& settingsValues() { return Shared<SettingsValues>::current(); }
+inline SettingsValues& settingsValues() {
+  return Shared<SettingsValues>::current();
+}
 
 }  // namespace hourbook

@@ -7,6 +7,7 @@
 #include "shell/genTools.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
+#include "shell/Present.h"
 #include "shell/Tolerate.h"
 
 namespace hourbook {
@@ -26,25 +27,15 @@ QString defaultCaption(qint16 n) {
   return n == 2 ? phrases().LNGTASK : QString();
 }
 
-Recordset& opened(const std::shared_ptr<Recordset>& recordset) {
-  if (!recordset)
-    throw Failure(platform::failure::objectNotSet,
-                  QStringLiteral("Object variable or With block variable not set"));
-  return *recordset;
-}
-
 }  // namespace
 
 cGlobalSettings::cGlobalSettings() : OtherSettings(std::make_shared<cOtherSettings>()) {
   ReportToValue = fncStripSlash(platform::process::Process::current().programFolder());
-  DatabaseValues& values = databaseValues();
-  previousTarget_ = values.target;
-  values.target = this;
+  databaseValues().target = this;
 }
 
 cGlobalSettings::~cGlobalSettings() {
-  if (Shared<DatabaseValues>::exists() && databaseValues().target == this)
-    databaseValues().target = previousTarget_;
+  if (Shared<DatabaseValues>::exists() && databaseValues().target == this) databaseValues().target = nullptr;
 }
 
 bool cGlobalSettings::fncCheckFilledOut() const {
@@ -102,7 +93,7 @@ void cGlobalSettings::subReadMetaList(qint16 n, bool blnReadOnly) {
 }
 
 void cGlobalSettings::subReadCaptions(cMetaDictionary& list, qint16 n) {
-  Recordset& captions = opened(metaLists_);
+  Recordset& captions = present(metaLists_);
   if (captions.isEOF()) {
     list.Caption = defaultCaption(n);
     // A new database lacks the row; one that cannot be written to goes on without it.

@@ -37,7 +37,6 @@ class cGlobalSettings : public ReportTarget {
 
   std::shared_ptr<platform::ado::Recordset> settings_;
   std::shared_ptr<platform::ado::Recordset> metaLists_;
-  ReportTarget* previousTarget_ = nullptr;
 };
 
 }  // namespace hourbook

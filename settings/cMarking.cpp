@@ -3,6 +3,7 @@
 #include "platform/basic/text.h"
 #include "settings/cPersonalSettings.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 
 namespace hourbook {
@@ -10,11 +11,7 @@ namespace hourbook {
 namespace {
 
 const MetaDataCollection& listsInUse() {
-  const auto& settings = settingsValues().gPersonalSettings;
-  if (!settings)
-    throw platform::Failure(platform::failure::objectNotSet,
-                            QStringLiteral("Object variable or With block variable not set"));
-  return settings->MetaDataLists;
+  return present(settingsValues().gPersonalSettings).MetaDataLists;
 }
 
 /// Exact, unlike the keys of the list, and whether the value is enabled or not.
@@ -52,6 +49,7 @@ QString cMarking::MarkingCategories() const try {
   QString text;
   for (const auto& position : colMarkings)
     if (!position->MetaName.isEmpty()) text += separator + position->MetaName;
+  // the separator is one sign on every system; of several the whole would go
   if (!separator.isEmpty() && text.endsWith(separator)) text.chop(separator.size());
   // kept: a doubled separator vanishes whole
   if (!separator.isEmpty()) text.remove(separator + separator);

@@ -4,6 +4,7 @@
 #include "shell/genTools.h"
 #include "shell/modErrorReport.h"
 #include "shell/modScriptingDic.h"
+#include "shell/Present.h"
 
 namespace hourbook {
 
@@ -63,7 +64,7 @@ void cMetaDictionary::ReadFromRecordset(Recordset& MetaRecordset) {
 
 void cMetaDictionary::FillCombo(platform::forms::ComboBox& lstListCombo) const try {
   lstListCombo.Clear();
-  for (const QString& name : MetaDic->Keys()) lstListCombo.AddItem(name);
+  for (const QString& name : present(MetaDic).Keys()) lstListCombo.AddItem(name);
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("cMetaDictionary.subFillcombo"));
 }

@@ -6,6 +6,7 @@
 #include "shell/genTools.h"
 #include "shell/modErrorReport.h"
 #include "shell/modScriptingDic.h"
+#include "shell/Present.h"
 #include "shell/Tolerate.h"
 
 namespace hourbook {
@@ -55,19 +56,20 @@ void cOtherSettings::ToRS(const std::shared_ptr<Recordset>& adrRS) const {
   cSimpleList stored;
   stored.FromRS(adrRS);
   for (const QString& name : dicValues->Keys()) {
+    Recordset& table = present(adrRS);
     if (!stored.DicList->Exists(name)) {
-      adrRS->AddNew();
-      adrRS->Fields().Item(1).setValue(name);
+      table.AddNew();
+      table.Fields().Item(1).setValue(name);
     } else {
-      if (adrRS->RecordCount() != 0) adrRS->MoveFirst();
-      adrRS->Find(QStringLiteral("strPropName = '") + name + QStringLiteral("'"));
+      if (table.RecordCount() != 0) table.MoveFirst();
+      table.Find(QStringLiteral("strPropName = '") + name + QStringLiteral("'"));
     }
     QString text = fncNullToEmpty(dicValues->Item(name));
     // kept: the memo column holds no empty texts, so one reads back as a blank
     if (text.isEmpty()) text = QStringLiteral(" ");
     subLog(QStringLiteral("Setting field ") + name + QStringLiteral(" to the value ") + text);
-    adrRS->Fields().Item(QStringLiteral("strPropValue")).setValue(text);
-    adrRS->Update();
+    table.Fields().Item(QStringLiteral("strPropValue")).setValue(text);
+    table.Update();
   }
 }
 

@@ -68,7 +68,7 @@ bool cPersonalSettings::GetValuesFromSettings() try {
   Convert24 = registryBoolean(QStringLiteral("Convert24"));
   Convert24Hours = registryText(QStringLiteral("Convert24Hours"), QStringLiteral("8"));
   RemoveLunch = registryBoolean(QStringLiteral("RemoveLunch"));
-  RemoveLunchHours = registryText(QStringLiteral("RemoveLunchHours"), QStringLiteral("0.75"));
+  RemoveLunchHours = registryText(QStringLiteral("RemoveLunchHours"), CStr(Value(0.75)));
   CreateLocalCube = registryBoolean(QStringLiteral("CreateLocalCube"));
   StartGrid = registryBoolean(QStringLiteral("StartGrid"));
   WriteSubject = registryBoolean(QStringLiteral("WriteSubject"));

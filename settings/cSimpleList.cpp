@@ -4,6 +4,7 @@
 #include "shell/genTools.h"
 #include "shell/modErrorReport.h"
 #include "shell/modScriptingDic.h"
+#include "shell/Present.h"
 #include "shell/Tolerate.h"
 
 #include <QRandomGenerator>
@@ -44,7 +45,8 @@ void removeOthers(Recordset& recordset, const cSimpleList& wanted, const cSimple
 cSimpleList::cSimpleList() : DicList(fncCreateDic<QString>()) {}
 
 void cSimpleList::subAddOnce(const QString& item) {
-  if (!DicList->Exists(item)) DicList->Add(item, item);
+  auto& list = present(DicList);
+  if (!list.Exists(item)) list.Add(item, item);
 }
 
 QString cSimpleList::ToString() const {
@@ -103,8 +105,9 @@ QStringList cSimpleList::ToArray() const {
 void cSimpleList::ToRS(const std::shared_ptr<Recordset>& adrRS) const try {
   cSimpleList stored;
   stored.FromRS(adrRS);
-  addMissing(*adrRS, *this, stored);
-  if (adrRS->RecordCount() > DicList->Count()) removeOthers(*adrRS, *this, stored);
+  Recordset& table = present(adrRS);
+  addMissing(table, *this, stored);
+  if (table.RecordCount() > DicList->Count()) removeOthers(table, *this, stored);
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("cSimpleList.ToRS"));
 }

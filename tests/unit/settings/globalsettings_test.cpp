@@ -35,12 +35,15 @@ TEST_F(GlobalSettings, TheTargetOfTheConnectionIsTheirsWhileTheyLive) {
   {
     cGlobalSettings settings;
     EXPECT_EQ(&reportTarget(), &settings);
-    {
-      const cGlobalSettings inner;
-      EXPECT_EQ(&reportTarget(), &inner);
-    }
-    EXPECT_EQ(&reportTarget(), &settings);
   }
+  EXPECT_EQ(databaseValues().target, nullptr);
+}
+
+TEST_F(GlobalSettings, ANewObjectInPlaceOfAnOldOneLeavesNoDeadTarget) {
+  auto settings = std::make_shared<cGlobalSettings>();
+  settings = std::make_shared<cGlobalSettings>();
+  EXPECT_EQ(databaseValues().target, settings.get());
+  settings.reset();
   EXPECT_EQ(databaseValues().target, nullptr);
 }
 
@@ -156,6 +159,49 @@ TEST_F(GlobalSettings, AreFilledOutOnlyWithEverythingThatReportingNeeds) {
   settings.ReportTo = 2;
   settings.ReportToValue.clear();
   EXPECT_FALSE(settings.fncCheckFilledOut());
+}
+
+TEST_F(GlobalSettings, TheDefaultCaptionsAreThePhrasesOfTheLanguage) {
+  db.createCurrent();
+  db.shell->LNGCUSTOMER = u"Kund"_s;
+  db.shell->LNGTASK = u"Uppgift"_s;
+  cGlobalSettings settings;
+  EXPECT_TRUE(read(settings));
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->Caption, u"Kund"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->Caption, u"Uppgift"_s);
+}
+
+TEST_F(GlobalSettings, ACountOfRowsThatFailsIsPassedOver) {
+  class Uncounted : public platform::ado::Recordset {
+   public:
+    int RecordCount() const override { throw platform::Failure(3251, u"not counted"_s); }
+  };
+  db.createCurrent();
+  run(u"insert into tblSettings (intCostCarrier, intReportTo, strReportToValue) values (3, 4, 'elsewhere')"_s);
+  db.world.components.add<platform::ado::Recordset>(u"ADODB.Recordset"_s,
+                                                    [] { return std::make_shared<Uncounted>(); });
+  cGlobalSettings settings;
+  EXPECT_TRUE(read(settings));
+  EXPECT_EQ(settings.CostCarrier, 3);
+}
+
+TEST_F(GlobalSettings, AConnectionThatCannotBeClosedIsLetGoAllTheSame) {
+  const auto drivers = std::make_shared<platform::sql::Drivers>();
+  databaseValues().gConnection = std::make_shared<platform::ado::Connection>(drivers);
+  EXPECT_THROW(databaseValues().gConnection->Close(), platform::Failure);
+  cGlobalSettings settings;
+  EXPECT_NO_THROW(settings.subCloseDBObjects());
+  EXPECT_EQ(databaseValues().gConnection, nullptr);
+}
+
+TEST_F(GlobalSettings, AValueWhoseEnabledFlagIsUnknownIsReported) {
+  db.createCurrent();
+  // The database's own column knows no Null; one that another program has added may.
+  run(u"alter table tblMeta1 drop column blnEnabled"_s);
+  run(u"alter table tblMeta1 add column blnEnabled bit null"_s);
+  run(u"insert into tblMeta1 (strName, blnEnabled) values ('Acme', null)"_s);
+  cGlobalSettings settings;
+  db.expectFailure(u"subSetupDBObjects"_s, u"#13\r\n"_s, [&] { read(settings); });
 }
 
 }  // namespace hourbook::tests

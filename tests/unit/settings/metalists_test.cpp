@@ -181,4 +181,11 @@ TEST_F(MetaLists, AnEmptyListLeavesTheDropDownEmpty) {
   EXPECT_EQ(combo.ListCount(), 0);
 }
 
+TEST_F(MetaLists, ValuesThatAreGoneAreReported) {
+  list.MetaDic.reset();
+  platform::forms::ComboBox combo(u"cmbMeta1"_s);
+  EXPECT_REPORTED(world, "cMetaDictionary.subFillcombo", list.FillCombo(combo));
+  EXPECT_TRUE(world.dialogs.shown.first().text.contains(u"#91\r\n"_s));
+}
+
 }  // namespace hourbook::tests

@@ -1,6 +1,7 @@
 #include "platform/basic/convert.h"
 #include "settings/cOtherSettings.h"
 #include "shell/modErrorReport.h"
+#include "shell/Tolerate.h"
 #include "tests/unit/settings/settingsworld.h"
 
 using namespace Qt::StringLiterals;
@@ -106,6 +107,50 @@ TEST_F(OtherSettings, AnEmptyTextIsStoredAsABlank) {
   settings.SetValue(u"Empty"_s, QString());
   settings.ToRS(rows);
   EXPECT_EQ(rowsOf(*rows), QStringList{u"Empty= "_s});
+}
+
+TEST_F(OtherSettings, AnEmptyTextReadsBackAsABlank) {
+  const auto rows = table();
+  settings.SetValue(u"Empty"_s, QString());
+  settings.ToRS(rows);
+  rows->MoveFirst();
+  settings.FromRS(rows);
+  EXPECT_EQ(settings.GetValue(u"Empty"_s, 8), Value(u" "_s));
+}
+
+TEST_F(OtherSettings, WhatIsNoValueOfItsTypeFailsToTheCaller) {
+  const auto numberOf = [this](const QString& text, int type) {
+    settings.SetValue(u"a"_s, text);
+    const auto failure = tolerate([&] { settings.GetValue(u"a"_s, type); });
+    return failure ? failure->number() : 0;
+  };
+  EXPECT_EQ(numberOf(u"40000"_s, 2), platform::failure::overflow);
+  EXPECT_EQ(numberOf(u"someday"_s, 7), platform::failure::typeMismatch);
+}
+
+TEST_F(OtherSettings, ANameWithAnApostropheThatIsStoredAlreadyFailsToTheCaller) {
+  const auto rows = table({{u"d'or"_s, u"x"_s}});
+  settings.SetValue(u"d'or"_s, u"y"_s);
+  const auto failure = tolerate([&] { settings.ToRS(rows); });
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->number(), 3001);
+  EXPECT_EQ(rowsOf(*rows), QStringList{u"d'or=x"_s});
+}
+
+TEST_F(OtherSettings, WithoutATableStoringFailsToTheCaller) {
+  EXPECT_NO_THROW(settings.ToRS(nullptr));  // without values nothing is asked of it
+  settings.SetValue(u"a"_s, u"b"_s);
+  const auto failure = tolerate([&] { settings.ToRS(nullptr); });
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->number(), 91);
+}
+
+TEST_F(OtherSettings, ReadingAndSavingAreLogged) {
+  keepLog();
+  settings.FromRS(nullptr);
+  EXPECT_TRUE(wasLogged(u"Looping through dababase tables to find all Other Settings"_s));
+  settings.ToRS(table());
+  EXPECT_TRUE(wasLogged(u"Saving other settings to database"_s));
 }
 
 }  // namespace hourbook::tests

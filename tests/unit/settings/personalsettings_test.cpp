@@ -224,7 +224,7 @@ TEST_F(PersonalSettings, ARegistryThatCannotBeReadGivesFalseAndALogText) {
   world.registry.failOpenWith = 5;
   cPersonalSettings settings;
   EXPECT_FALSE(settings.GetValuesFromSettings());
-  EXPECT_TRUE(fncLastLogText().startsWith(u"Could not open registry section"_s));
+  EXPECT_EQ(fncLastLogText(), u"Could not open registry section"_s);
 }
 
 TEST_F(PersonalSettings, ARegistryValueThatIsNoneOfItsKindGivesFalse) {
@@ -284,6 +284,59 @@ TEST_F(PersonalSettings, WhatWasSavedReadsBackInEveryLocale) {
 TEST_F(PersonalSettings, ARegistryThatCannotBeWrittenIsReported) {
   world.registry.failWriteWith = 29;
   EXPECT_REPORTED(world, "SaveSettings", cPersonalSettings().SaveSettings());
+  const QString text = world.dialogs.shown.first().text;
+  EXPECT_TRUE(text.contains(u"the value \"ReportChoice\" could not be set (29)\r\n"_s)) << qPrintable(text);
+  EXPECT_TRUE(text.contains(u"\r\nCould not set key value\r\n"_s)) << qPrintable(text);
+}
+
+TEST_F(PersonalSettings, MissingHoursOfLunchAreThreeQuartersInEveryLocale) {
+  setRegistry(u"ReportChoice"_s, u"2"_s);
+  for (const QString& locale : {u"sv_SE"_s, u"de_DE"_s, u"en_US"_s}) {
+    world.setLocale(locale);
+    cPersonalSettings settings;
+    EXPECT_TRUE(settings.GetValuesFromSettings());
+    EXPECT_EQ(platform::basic::CDbl(settings.RemoveLunchHours), 0.75) << qPrintable(locale);
+  }
+}
+
+TEST_F(PersonalSettings, ReadingAndSavingAreLogged) {
+  keepLog();
+  cPersonalSettings settings;
+  settings.GetValuesFromSettings();
+  EXPECT_TRUE(wasLogged(u"Reading Hourbook settings from Registry!"_s));
+  EXPECT_TRUE(wasLogged(u"Getting settings from appointment on 1 jan 2050"_s));
+  settings.SaveSettings();
+  EXPECT_TRUE(wasLogged(u"Saving personal settings to setting appointment of 1/1/2050"_s));
+}
+
+TEST_F(PersonalSettings, ASettingsTextOfSixClosedLinesIsTakenAndLeavesNoLists) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u"Task:c;\r\n"_s);
+  settings.FromString(u"3\r\nProvider=x\r\n450\r\nTrue\r\nFalse\r\nTrue\r\n"_s);
+  EXPECT_EQ(settings.ReportChoice, 3);
+  EXPECT_EQ(settings.ReportValue, u"Provider=x"_s);
+  EXPECT_EQ(settings.PersonalRate, Currency::fromDouble(450));
+  EXPECT_TRUE(settings.FilterEvents && settings.FilterRecurring);
+  EXPECT_EQ(settings.MetaDataLists.Count(), 0);
+}
+
+TEST_F(PersonalSettings, TheRegistryIsWrittenInItsOrder) {
+  const QStringList order{u"ReportChoice"_s,    u"ReportValue"_s,   u"PersonalRate"_s,
+                          u"FilterEvents"_s,    u"FilterPrivate"_s, u"FilterRecurring"_s,
+                          u"MetadataList"_s,    u"Convert24"_s,     u"Convert24Hours"_s,
+                          u"StartGrid"_s,       u"RemoveLunch"_s,   u"RemoveLunchHours"_s,
+                          u"CreateLocalCube"_s, u"WriteSubject"_s,  u"PaneWidth"_s,
+                          u"PaneHeight"_s,      u"PaneDockPos"_s};
+  for (int passed = 0; passed < order.size(); ++passed) {
+    platform::registry::MemoryRegistry memory;
+    const platform::registry::ScopedRegistry inForce(memory);
+    memory.passWrites = passed;
+    memory.failWriteWith = 29;
+    values.gInErrorReport = false;
+    EXPECT_REPORTED(world, "SaveSettings", cPersonalSettings().SaveSettings());
+    for (int i = 0; i < order.size(); ++i)
+      EXPECT_EQ(registry(order[i]) != u"<none>"_s, i < passed) << passed << ' ' << qPrintable(order[i]);
+  }
 }
 
 }  // namespace hourbook::tests

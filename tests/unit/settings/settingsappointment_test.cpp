@@ -85,10 +85,20 @@ TEST_F(SettingsAppointment, MayBeMissing) {
   EXPECT_EQ(CDbl(settings.Convert24Hours), 8);
 }
 
-TEST_F(SettingsAppointment, LosesTheDecimalsOfTheRate) {
-  QString text = textFor(u"3"_s, u"Provider=x"_s);
-  storeText(text.replace(u"\r\n450\r\n"_s, u"\r\n450.5\r\n"_s));
+TEST_F(SettingsAppointment, LosesTheDecimalsOfTheRateHalvesToEven) {
+  const QString text = textFor(u"3"_s, u"Provider=x"_s);
+  storeText(QString(text).replace(u"\r\n450\r\n"_s, u"\r\n450.5\r\n"_s));
   EXPECT_EQ(read().PersonalRate, Currency::fromDouble(450));
+  storeText(QString(text).replace(u"\r\n450\r\n"_s, u"\r\n451.5\r\n"_s));
+  EXPECT_EQ(read().PersonalRate, Currency::fromDouble(452));
+}
+
+TEST_F(SettingsAppointment, WithARateAbove32767IsReported) {
+  QString text = textFor(u"3"_s, u"Provider=x"_s);
+  storeText(text.replace(u"\r\n450\r\n"_s, u"\r\n32768\r\n"_s));
+  cPersonalSettings settings;
+  EXPECT_REPORTED(world, "subReadExistingSettingAppointment2050", settings.GetValuesFromSettings());
+  EXPECT_TRUE(world.dialogs.shown.first().text.contains(u"#6\r\n"_s));
 }
 
 TEST_F(SettingsAppointment, GivesItsOwnPropertiesAsWell) {
@@ -143,10 +153,20 @@ TEST_F(SettingsAppointment, ASingleUserInstallationTakesItsOwnDatabase) {
   EXPECT_EQ(read().ReportValue, ownFolder() + u'\\');
 }
 
-TEST_F(SettingsAppointment, TheFolderComparesWithoutCaseAndWithEitherSeparator) {
+TEST_F(SettingsAppointment, TheFolderComparesWithEitherSeparator) {
   installSingleUser();
   makeDatabase(documents.filePath(u"My Hourbooks"_s));
   storeText(textFor(u"2"_s, documents.filePath(u"My Hourbooks"_s) + u'/'));
+  EXPECT_TRUE(wasTaken(read()));
+}
+
+TEST_F(SettingsAppointment, TheFolderComparesWithoutRegardToCase) {
+  const QString sameFolder = documents.filePath(u"MY HOURBOOKS"_s);
+  makeDatabase(sameFolder);  // on most systems that is the folder itself
+  storeText(textFor(u"2"_s, sameFolder + u'\\'));
+  installShared();
+  EXPECT_FALSE(wasTaken(read()));
+  installSingleUser();
   EXPECT_TRUE(wasTaken(read()));
 }
 
@@ -248,6 +268,20 @@ TEST_F(SettingsAppointment, IsNotMadeBySaving) {
 TEST_F(SettingsAppointment, ThatCannotBeSavedDoesNotKeepTheRegistryFromBeingWritten) {
   store->failAlways(FailingStore::Operation::Save, platform::Failure(5, u"full"_s));
   cPersonalSettings().SaveSettings();
+  EXPECT_EQ(fncGetRegistryValue(u"Settings"_s, u"ReportChoice"_s, u"NULL"_s), u"2"_s);
+}
+
+TEST_F(SettingsAppointment, WhosePropertiesAndMessageFailStillGetsItsCategories) {
+  storeProperty(u"Settings0"_s, platform::outlook::olDateTime, platform::basic::Date::of(2024, 1, 1));
+  cPersonalSettings settings;
+  settings.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s}));
+  NoDialogs none;
+  const platform::dialogs::ScopedDialogs dialogs(none);
+  settings.SaveSettings();
+  const auto item = stored(settingAppointmentName);
+  EXPECT_EQ(item.body, settings.fncBuildBody());
+  EXPECT_EQ(item.categoriesText, u"Customer:Acme;\r\n"_s);
+  EXPECT_FALSE(item.userProperties.contains(u"SettingsCount"_s));
   EXPECT_EQ(fncGetRegistryValue(u"Settings"_s, u"ReportChoice"_s, u"NULL"_s), u"2"_s);
 }
 

@@ -130,4 +130,15 @@ TEST_F(SimpleList, AnItemWithAnApostropheCannotBeRemoved) {
   EXPECT_REPORTED(world, "cSimpleList.ToRS", list.ToRS(rows));
 }
 
+TEST_F(SimpleList, WithoutATableThereIsNothingToStoreInto) {
+  EXPECT_REPORTED(world, "cSimpleList.ToRS", list.ToRS(nullptr));
+  EXPECT_TRUE(world.dialogs.shown.last().text.contains(u"#91\r\n"_s));
+}
+
+TEST_F(SimpleList, AListThatIsGoneIsReported) {
+  list.DicList.reset();
+  EXPECT_REPORTED(world, "cSimpleList.FromString", list.FromString(u"a"_s));
+  EXPECT_TRUE(world.dialogs.shown.last().text.contains(u"#91\r\n"_s));
+}
+
 }  // namespace hourbook::tests
