@@ -18,10 +18,6 @@ struct Overloaded : Cases... {
 template <class... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-// Days between 1 January 100 and 31 December 9999
-constexpr double kFirstDate = -657434;
-constexpr double kAfterLastDate = 2958466;
-
 constexpr int kDigitsOfSingle = 7;
 constexpr int kDigitsOfDouble = 15;
 
@@ -167,7 +163,7 @@ Date CDate(const Value& v) {
     return *date;
   }
   const double serial = number(v);
-  if (!(serial >= kFirstDate && serial < kAfterLastDate)) throwOverflow();
+  if (!(serial >= firstDate && serial < afterLastDate)) throwOverflow();
   return Date(serial);
 }
 

@@ -1,3 +1,4 @@
+#include "platform/basic/numbers.h"
 #include "platform/basic/value.h"
 
 #include <cmath>
@@ -10,6 +11,8 @@ namespace platform::basic {
 namespace {
 
 constexpr int kSecondsOfDay = 86400;
+constexpr int kFirstYear = 100;
+constexpr int kLastYear = 9999;
 
 QDate dayZero() {
   return QDate(1899, 12, 30);
@@ -22,6 +25,7 @@ struct DayAndSeconds {
 
 DayAndSeconds split(double serial) {
   const double day = std::trunc(serial);
+  if (!(day >= firstDate && day < afterLastDate)) throwOverflow();
   DayAndSeconds parts{static_cast<qint64>(day),
                       static_cast<int>(std::lround(std::abs(serial - day) * kSecondsOfDay))};
   if (parts.seconds == kSecondsOfDay) {
@@ -40,7 +44,10 @@ Date Date::of(const QDate& day, const QTime& time) {
 }
 
 Date Date::of(int year, int month, int day) {
-  return of(QDate(year, 1, 1).addMonths(month - 1).addDays(day - 1));
+  if (year < kFirstYear || year > kLastYear) throwOverflow();
+  const QDate date = QDate(year, 1, 1).addMonths(month - 1).addDays(qint64(day) - 1);
+  if (!date.isValid() || date.year() < kFirstYear || date.year() > kLastYear) throwOverflow();
+  return of(date);
 }
 
 Date Date::fromLocal(const QDateTime& local) {
@@ -61,6 +68,12 @@ QDateTime Date::toLocal() const {
 
 Date Date::dateOnly() const {
   return Date(static_cast<double>(split(serial_).day));
+}
+
+Date Date::addDays(double days) const {
+  const Date sum(serial_ + days);
+  split(sum.serial_);
+  return sum;
 }
 
 }  // namespace platform::basic

@@ -149,9 +149,7 @@ DecimalDigits roundedTo(DecimalDigits number, int places) {
   if (kept < 0) return DecimalDigits{number.negative, {}, 0};
   const QByteArray dropped = number.digits.mid(kept);
   number.digits.truncate(kept);
-  const bool odd = kept > 0 && (number.digits.back() - '0') % 2 == 1;
-  const bool up = dropped[0] > '5' || (dropped[0] == '5' && (dropped.size() > 1 || odd));
-  if (up) {
+  if (dropped[0] >= '5') {
     while (number.digits.endsWith('9')) number.digits.chop(1);
     if (number.digits.isEmpty()) {
       number.digits = "1";

@@ -9,6 +9,10 @@ namespace platform::basic {
 [[noreturn]] void throwOverflow();
 [[noreturn]] void throwInvalidUseOfNull();
 
+/// Serial numbers of the language's dates: from 1 January 100 up to the day after 31 December 9999.
+inline constexpr double firstDate = -657434;
+inline constexpr double afterLastDate = 2958466;
+
 /// A number as it is written in a text: "-", digits, "." and an exponent, in the form that C reads. Nothing
 /// when the text is no number of the system's format.
 std::optional<QByteArray> plainNumber(const QString& text);
@@ -23,7 +27,7 @@ struct DecimalDigits {
   int exponent = 0;
 };
 DecimalDigits decimalDigits(double value, int significant);
-/// Rounded to so many places after the decimal sign, halves to even.
+/// Rounded to so many places after the decimal sign, halves away from zero.
 DecimalDigits roundedTo(DecimalDigits number, int places);
 
 /// As the language writes a number: up to `significant` digits, "." as decimal sign, an exponent ("1E+15",

@@ -16,8 +16,9 @@ QString foldedKey(const QString& text);
 
 /// Formats a value. Dates: "ddd", "dddd", "yyyy-mm-dd" (any case), "00" for a day or month number, "Short
 /// Date", "General Date". Numbers: "0.##", "0", "00", "General Number". A text that is no date comes back as
-/// it stands from a date format, as the language's own Format does; so does Empty as "". Rounds halves to
-/// even. Format signs outside of these (sections, quarters, AM/PM, ...) fail with Failure 5.
+/// it stands from a date format, as the language's own Format does; so does Empty as "". Rounds halves
+/// away from zero, by the 15 digits that are shown; the conversions round them to even. Format signs outside
+/// of these (sections, quarters, AM/PM, ...) fail with Failure 5.
 QString Format(const Value& v, const QString& format);
 
 inline const QString vbCrLf = QStringLiteral("\r\n");

@@ -33,12 +33,14 @@ class Currency {
 Currency operator*(const Currency& a, const Currency& b);
 
 /// A moment on the wall clock of the user: days since 30 December 1899 as a double, the fraction being the
-/// time of day. It carries no zone; converting from and to instants is the calendar's business.
+/// time of day. It carries no zone; converting from and to instants is the calendar's business. The language
+/// has the years 100 to 9999: counting beyond them, and asking for the parts of a date beyond them, is
+/// Failure 6.
 class Date {
  public:
   constexpr Date() = default;  // 30 December 1899, "not set": every year before 1900 means that
   explicit constexpr Date(double serial) : serial_(serial) {}
-  static Date of(int year, int month, int day);
+  static Date of(int year, int month, int day);  // months and days run over; Failure 6 for the year
   static Date of(const QDate& day, const QTime& time = QTime(0, 0));
   static Date fromLocal(const QDateTime& local);  // takes date and time as they stand, ignores the zone
 
@@ -50,7 +52,7 @@ class Date {
   int month() const { return date().month(); }
   int day() const { return date().day(); }
   Date dateOnly() const;
-  Date addDays(double days) const { return Date(serial_ + days); }
+  Date addDays(double days) const;  // Failure 6 beyond the years
 
   friend constexpr auto operator<=>(const Date&, const Date&) = default;
 

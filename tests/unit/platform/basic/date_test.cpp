@@ -1,7 +1,9 @@
+#include "failures.h"
 #include "platform/basic/clock.h"
 #include "platform/basic/value.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace platform::basic;
 
@@ -69,6 +71,34 @@ TEST(Date, GivesTheWallClockBack) {
   const QDateTime local = Date::of(QDate(2024, 6, 5), QTime(14, 30)).toLocal();
   EXPECT_EQ(local.date(), QDate(2024, 6, 5));
   EXPECT_EQ(local.time(), QTime(14, 30));
+}
+
+TEST(Date, KnowsTheYears100To9999Alone) {
+  EXPECT_EQ(Date::of(100, 1, 1).serial(), -657434);
+  EXPECT_EQ(Date::of(9999, 12, 31).serial(), 2958465);
+  for (const int year : {-1, 0, 99, 10000, 20000, 32767, std::numeric_limits<int>::max()})
+    EXPECT_EQ(failureNumber([&] { Date::of(year, 5, 15); }), 6) << year;
+  EXPECT_EQ(failureNumber([] { Date::of(9999, 13, 1); }), 6);
+  EXPECT_EQ(failureNumber([] { Date::of(100, 1, 0); }), 6);
+  EXPECT_EQ(failureNumber([] { Date::of(2024, 1, std::numeric_limits<int>::max()); }), 6);
+}
+
+TEST(Date, CannotBeCountedBeyondItsYears) {
+  const Date date = Date::of(2024, 5, 15);
+  EXPECT_EQ(Date::of(9999, 12, 30).addDays(1.5).date(), QDate(9999, 12, 31));
+  EXPECT_EQ(Date::of(100, 1, 2).addDays(-1).date(), QDate(100, 1, 1));
+  for (const double days : {-99999999.0, 99999999.0, 1e300, -std::numeric_limits<double>::infinity(),
+                            std::numeric_limits<double>::quiet_NaN()})
+    EXPECT_EQ(failureNumber([&] { date.addDays(days); }), 6) << days;
+}
+
+TEST(Date, BeyondItsYearsHasNoParts) {
+  for (const double serial : {-657435.0, 2958466.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+    const Date date(serial);
+    EXPECT_EQ(failureNumber([&] { date.date(); }), 6) << serial;
+    EXPECT_EQ(failureNumber([&] { date.time(); }), 6) << serial;
+    EXPECT_EQ(failureNumber([&] { date.dateOnly(); }), 6) << serial;
+  }
 }
 
 TEST(Date, AddsDaysAndComparesByTime) {

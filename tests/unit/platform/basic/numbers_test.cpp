@@ -43,14 +43,17 @@ TEST(NumberText, NamesWhatIsNoNumber) {
   EXPECT_EQ(numberText(std::numeric_limits<double>::quiet_NaN(), 15), u"-1.#IND");
 }
 
-TEST(RoundedDigits, GoHalvesToEvenByTheDigitsThatAreSeen) {
-  EXPECT_EQ(rounded(0.125, 2), u"12e0");
+TEST(RoundedDigits, GoHalvesAwayFromZeroByTheDigitsThatAreSeen) {
+  EXPECT_EQ(rounded(0.125, 2), u"13e0");
+  EXPECT_EQ(rounded(-0.125, 2), u"13e0");
   EXPECT_EQ(rounded(0.375, 2), u"38e0");
-  EXPECT_EQ(rounded(1.005, 2), u"1e1") << "the double is a little less, its digits are not; 1.00 is even";
+  EXPECT_EQ(rounded(1.005, 2), u"101e1") << "the double is a little less, its digits are not";
   EXPECT_EQ(rounded(1.015, 2), u"102e1");
-  EXPECT_EQ(rounded(2.5, 0), u"2e1");
+  EXPECT_EQ(rounded(2.5, 0), u"3e1");
   EXPECT_EQ(rounded(3.5, 0), u"4e1");
-  EXPECT_EQ(rounded(2.50001, 0), u"3e1");
+  EXPECT_EQ(rounded(2.49999, 0), u"2e1");
+  EXPECT_EQ(rounded(0.5, 0), u"1e1");
+  EXPECT_EQ(rounded(0.05, 1), u"1e0");
 }
 
 TEST(RoundedDigits, CarryOver) {
@@ -61,11 +64,11 @@ TEST(RoundedDigits, CarryOver) {
 }
 
 TEST(RoundedDigits, MayVanish) {
-  EXPECT_EQ(rounded(0.5, 0), u"e0");
+  EXPECT_EQ(rounded(0.4, 0), u"e0");
   EXPECT_EQ(rounded(0.004, 2), u"e0");
   EXPECT_EQ(rounded(0.0004, 2), u"e0");
   EXPECT_EQ(rounded(0, 2), u"e0");
-  EXPECT_EQ(rounded(0.05, 1), u"e0");
+  EXPECT_EQ(rounded(0.04, 1), u"e0");
 }
 
 TEST(RoundedDigits, StayWhereNothingIsToBeDropped) {
