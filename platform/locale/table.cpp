@@ -43,7 +43,9 @@ const Row kRows[] = {
     {"en_CA", 4105, u",", u".", u",", u"yyyy-MM-dd", kEnglishDays},
     {"fi_FI", 1035, u";", u",", u"\u00a0", u"d.M.yyyy", {u"ma", u"ti", u"ke", u"to", u"pe", u"la", u"su"}},
     {"fr_FR", 1036, u";", u",", u"\u202f", u"dd/MM/yyyy", kFrenchDays},
-    {"fr_BE", 2060, u";", u",", u"\u202f", u"dd-MM-yy", kFrenchDays},
+    // The system shows two digits of the year here. They would put 2030 into 1930 when a date is read back,
+    // so a fetch that reaches that year would find nothing.
+    {"fr_BE", 2060, u";", u",", u"\u202f", u"dd-MM-yyyy", kFrenchDays},
     {"fr_CA", 3084, u";", u",", u"\u00a0", u"yyyy-MM-dd", kFrenchDays},
     {"fr_CH", 4108, u";", u".", u"\u202f", u"dd.MM.yyyy", kFrenchDays},
     {"de_DE", 1031, u";", u",", u".", u"dd.MM.yyyy", kGermanDays},

@@ -49,7 +49,7 @@ INSTANTIATE_TEST_SUITE_P(
         Expected{"en_CA", 4105, u","_qs, u"."_qs, u"2024-03-05"_qs, u"Sun Mon Tue Wed Thu Fri Sat"_qs},
         Expected{"fi_FI", 1035, u";"_qs, u","_qs, u"5.3.2024"_qs, u"su ma ti ke to pe la"_qs},
         Expected{"fr_FR", 1036, u";"_qs, u","_qs, u"05/03/2024"_qs, u"dim. lun. mar. mer. jeu. ven. sam."_qs},
-        Expected{"fr_BE", 2060, u";"_qs, u","_qs, u"05-03-24"_qs, u"dim. lun. mar. mer. jeu. ven. sam."_qs},
+        Expected{"fr_BE", 2060, u";"_qs, u","_qs, u"05-03-2024"_qs, u"dim. lun. mar. mer. jeu. ven. sam."_qs},
         Expected{"fr_CA", 3084, u";"_qs, u","_qs, u"2024-03-05"_qs, u"dim. lun. mar. mer. jeu. ven. sam."_qs},
         Expected{"fr_CH", 4108, u";"_qs, u"."_qs, u"05.03.2024"_qs, u"dim. lun. mar. mer. jeu. ven. sam."_qs},
         Expected{"de_DE", 1031, u";"_qs, u","_qs, u"05.03.2024"_qs, u"So Mo Di Mi Do Fr Sa"_qs},
@@ -139,6 +139,14 @@ TEST(Locale, GivesFullNamesOfDaysAndMonthsAsTheyStandAlone) {
   EXPECT_EQ(localeFor(u"el_GR"_qs)->monthName(1, false), u"Ιανουάριος");
   EXPECT_EQ(localeFor(u"pt_PT"_qs)->weekdayName(1, false), u"segunda-feira");
   EXPECT_EQ(localeFor(u"en_US"_qs)->weekdayName(7, false), u"Sunday");
+}
+
+TEST(Locale, ShowsYearsThatCanBeReadBackInEveryRow) {
+  for (const char* name : rowNames()) {
+    const auto locale = localeFor(QString::fromLatin1(name));
+    for (const QDate& day : {QDate(1929, 12, 31), QDate(2024, 2, 29), QDate(2030, 1, 1), QDate(2099, 6, 15)})
+      EXPECT_EQ(locale->parseDate(locale->shortDate(day)).date(), day) << name;
+  }
 }
 
 TEST(Locale, HasEveryNameOfDaysAndMonthsInEveryRow) {
