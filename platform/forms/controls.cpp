@@ -47,6 +47,10 @@ void Control::setCaption(const QString& text) {
   if (store(caption_, text)) Q_EMIT propertyChanged();
 }
 
+void Control::setAccessibleName(const QString& text) {
+  if (store(accessibleName_, text)) Q_EMIT propertyChanged();
+}
+
 void Control::setBackColor(qint32 color) {
   if (store(backColor_, color)) Q_EMIT propertyChanged();
 }

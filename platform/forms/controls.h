@@ -26,6 +26,9 @@ class Control : public QObject {
   void setToolTipText(const QString& text);
   QString Caption() const { return caption_; }
   void setCaption(const QString& text);
+  /// What a screen reader calls a control that has neither a caption nor a label of its own.
+  QString AccessibleName() const { return accessibleName_; }
+  void setAccessibleName(const QString& text);
   /// Blue-green-red order; -1 as long as nobody has set it.
   qint32 BackColor() const { return backColor_; }
   void setBackColor(qint32 color);
@@ -43,7 +46,7 @@ class Control : public QObject {
 
  private:
   bool visible_ = true, enabled_ = true;
-  QString tip_, caption_;
+  QString tip_, caption_, accessibleName_;
   qint32 backColor_ = -1;
 };
 

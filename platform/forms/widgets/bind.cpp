@@ -13,8 +13,27 @@
 #include <QTabBar>
 
 #include <algorithm>
+#include <optional>
 
 namespace platform::forms {
+
+namespace {
+
+/// Tells a caption that the widget does not show yet from the one it was given last. What the form has made
+/// of that one since, such as a mnemonic, must not be overwritten.
+class NewCaption {
+ public:
+  bool operator()(const QString& caption) {
+    if (last_ == caption) return false;
+    last_ = caption;
+    return true;
+  }
+
+ private:
+  std::optional<QString> last_;
+};
+
+}  // namespace
 
 QString withoutMnemonic(const QString& caption) {
   QString plain;
@@ -28,43 +47,50 @@ QString withoutMnemonic(const QString& caption) {
 
 void bind(Label& control, QLabel* widget, const QString& accessibleName) {
   widget->setTextFormat(Qt::PlainText);
-  new Follower(control, widget, accessibleName, [&control, widget] {
+  new Follower(control, widget, accessibleName, [&control, widget, isNew = NewCaption()]() mutable {
     // Without a buddy the tool kit would show the "&".
-    widget->setText(widget->buddy() ? control.Caption() : withoutMnemonic(control.Caption()));
+    if (isNew(control.Caption()))
+      widget->setText(widget->buddy() ? control.Caption() : withoutMnemonic(control.Caption()));
   });
 }
 
 void bind(Frame& control, QGroupBox* widget, const QString& accessibleName) {
-  new Follower(control, widget, accessibleName, [&control, widget] { widget->setTitle(control.Caption()); });
+  new Follower(control, widget, accessibleName, [&control, widget, isNew = NewCaption()]() mutable {
+    if (isNew(control.Caption())) widget->setTitle(control.Caption());
+  });
 }
 
 void bind(CommandButton& control, QPushButton* widget, const QString& accessibleName) {
-  auto* follower = new Follower(control, widget, accessibleName,
-                                [&control, widget] { widget->setText(control.Caption()); });
+  auto* follower =
+      new Follower(control, widget, accessibleName, [&control, widget, isNew = NewCaption()]() mutable {
+        if (isNew(control.Caption())) widget->setText(control.Caption());
+      });
   QObject::connect(widget, &QPushButton::clicked, follower,
                    [follower, &control] { follower->feedBack([&control] { control.click(); }); });
 }
 
 void bind(CheckBox& control, QCheckBox* widget, const QString& accessibleName) {
-  auto* follower = new Follower(control, widget, accessibleName, [&control, widget] {
-    widget->setText(control.Caption());
-    widget->setChecked(control.Value() == 1);
-  });
+  auto* follower =
+      new Follower(control, widget, accessibleName, [&control, widget, isNew = NewCaption()]() mutable {
+        if (isNew(control.Caption())) widget->setText(control.Caption());
+        widget->setChecked(control.Value() == 1);
+      });
   QObject::connect(widget, &QCheckBox::toggled, follower, [follower, &control](bool on) {
     follower->feedBack([&control, on] { control.setValue(on ? 1 : 0); });
   });
 }
 
 void bind(OptionButton& control, QRadioButton* widget, const QString& accessibleName) {
-  auto* follower = new Follower(control, widget, accessibleName, [&control, widget] {
-    widget->setText(control.Caption());
-    if (widget->isChecked() == control.Value()) return;
-    // A chosen button of a group cannot be let go by itself; code can.
-    const bool exclusive = widget->autoExclusive();
-    if (!control.Value()) widget->setAutoExclusive(false);
-    widget->setChecked(control.Value());
-    widget->setAutoExclusive(exclusive);
-  });
+  auto* follower =
+      new Follower(control, widget, accessibleName, [&control, widget, isNew = NewCaption()]() mutable {
+        if (isNew(control.Caption())) widget->setText(control.Caption());
+        if (widget->isChecked() == control.Value()) return;
+        // A chosen button of a group cannot be let go by itself; code can.
+        const bool exclusive = widget->autoExclusive();
+        if (!control.Value()) widget->setAutoExclusive(false);
+        widget->setChecked(control.Value());
+        widget->setAutoExclusive(exclusive);
+      });
   QObject::connect(widget, &QRadioButton::toggled, follower, [follower, &control](bool on) {
     follower->feedBack([&control, on] { control.setValue(on); });
   });

@@ -17,14 +17,16 @@ class QTabBar;
 
 // Each function makes a widget follow a control, and hands what the user does in the widget back to it. The
 // widget gets the control's name as its object name, its tooltip, and an accessible name: `accessibleName`
-// when given, otherwise the caption without mnemonic, otherwise the tooltip; without any of them the tool
-// kit's own rule stays in force (the text of the label whose buddy the widget is).
+// when given, otherwise the control's own, otherwise the caption without mnemonic, otherwise the tooltip;
+// without any of them the tool kit's own rule stays in force (the text of the label whose buddy the widget
+// is).
 //
 // What code does to the control is shown without coming back as an event; what the user does arrives as the
 // control's event, inside process::guardEvent. Control and widget may be destroyed in either order. A place
 // and size in twips is carried over in both directions, as long as no layout owns the widget in the direction
 // towards it.
 //
+// A caption is written to the widget once for each change of it: a form may give the text another mnemonic.
 // "&" in the captions of labels, buttons, boxes and frames marks the mnemonic, "&&" is the character. A label
 // shows its mnemonic when its buddy is set before it is bound. Tabs and list entries show "&" as it stands.
 namespace platform::forms {

@@ -79,6 +79,7 @@ void Follower::showCommon() {
   widget_->setToolTip(Qt::mightBeRichText(tip) ? QStringLiteral("<span>%1</span>").arg(tip.toHtmlEscaped())
                                                : tip);
   QString name = accessibleName_;
+  if (name.isEmpty()) name = control_->AccessibleName();
   if (name.isEmpty()) name = withoutMnemonic(control_->Caption());
   if (name.isEmpty()) name = tip;
   if (widget_->accessibleName() != name) widget_->setAccessibleName(name);

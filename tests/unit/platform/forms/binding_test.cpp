@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
@@ -52,6 +54,47 @@ TEST(Binding, TheAccessibleNameIsTheExplicitTextOrTheCaptionOrTheTooltip) {
   EXPECT_EQ(two.accessibleName(), u"Saves the week"_s);
   EXPECT_EQ(three.accessibleName(), u"Choose a file"_s);
   EXPECT_EQ(four.accessibleName(), QString());
+}
+
+TEST(Binding, AControlsOwnAccessibleNameStandsBeforeItsCaption) {
+  ScrollBar bar(u"vDaysBefore"_s);
+  CommandButton told(u"cmdTold"_s);
+  QScrollBar one;
+  QPushButton two;
+  bind(bar, &one);
+  bind(told, &two, u"Choose a file"_s);
+  bar.setCaption(u"caption"_s);
+  bar.setAccessibleName(u"Days before"_s);
+  told.setAccessibleName(u"another"_s);
+  EXPECT_EQ(one.accessibleName(), u"Days before"_s);
+  EXPECT_EQ(two.accessibleName(), u"Choose a file"_s);
+}
+
+TEST(Binding, AUseLeavesTheMnemonicThatTheFormHasGiven) {
+  CommandButton get(u"cmdGetValues"_s);
+  CheckBox grid(u"chkGrid"_s);
+  OptionButton option(u"optWeek"_s);
+  QPushButton button;
+  QCheckBox box;
+  QRadioButton radio;
+  get.setCaption(u"Get values"_s);
+  grid.setCaption(u"Grid"_s);
+  option.setCaption(u"Week"_s);
+  bind(get, &button);
+  bind(grid, &box);
+  bind(option, &radio);
+  button.setText(u"Get &values"_s);
+  box.setText(u"&Grid"_s);
+  radio.setText(u"&Week"_s);
+  button.click();
+  box.click();
+  radio.click();
+  get.setEnabled(false);
+  EXPECT_EQ(button.text(), u"Get &values"_s);
+  EXPECT_EQ(box.text(), u"&Grid"_s);
+  EXPECT_EQ(radio.text(), u"&Week"_s);
+  get.setCaption(u"Fetch"_s);
+  EXPECT_EQ(button.text(), u"Fetch"_s);
 }
 
 TEST(Binding, ATooltipIsPlainTextWhateverItLooksLike) {
