@@ -4,6 +4,7 @@
 #include "platform/calendar/icalendar/text.h"
 
 #include <QCryptographicHash>
+#include <QSet>
 
 #include <limits>
 
@@ -22,6 +23,7 @@ class EventReader {
     event.component = &component;
     event.calendar = calendar;
     event.cancelled = calendar && isCancelMessage(*calendar);
+    taken_.clear();
     for (const Line& line : component.lines)
       if (line.nameLength > 0) takeLine(event, line);
     identify(event);
@@ -75,8 +77,10 @@ class EventReader {
   }
 
   void takeDate(std::optional<DateValue>& into, const Line& line) {
-    if (into) return;
     const Property property = parsed(document_, line);
+    if (taken_.contains(property.name))
+      return;  // the first one counts, readable or not: it is the one that is edited
+    taken_.insert(property.name);
     into = dateValue(property.value, property);
     if (!into)
       complain(line.number,
@@ -115,6 +119,7 @@ class EventReader {
   QString name_;
   QList<Problem>& problems_;
   QHash<QString, int> seen_;
+  QSet<QByteArray> taken_;  // dates of the event at hand
 };
 
 void collectEvents(CalendarFile& file, const std::vector<Component>& components, const Component* calendar,

@@ -105,14 +105,15 @@ class TimesEditor {
     if (timing_.allDay ? length.days == 1 : length.days == 0 && length.exactMs == 0) return;
     const qint64 end = timing_.allDay ? startWall + length.days * dayMs
                                       : timing_.zone.toWall(timing_.endInstant(startWall, length));
-    editor_.insertAfter("DTSTART", renamed(startHead, "DTEND"), textLike(*event_.start, timing_, end));
+    editor_.remove("DURATION");  // one that cannot be read, like a DTEND that stands here
+    setEnd(renamed(startHead, "DTEND"), textLike(*event_.start, timing_, end));
   }
 
-  void setEnd(const QByteArray& name, const QByteArray& text) {
-    if (const auto end = editor_.first("DTEND"))
-      editor_.set("DTEND", renamed(end->head, name, dateParameters), text);
+  void setEnd(const QByteArray& head, const QByteArray& text) {
+    if (editor_.first("DTEND"))
+      editor_.set("DTEND", head, text);
     else
-      editor_.insertAfter("DTSTART", name, text);
+      editor_.insertAfter("DTSTART", head, text);
   }
 
   void mark(const QByteArray& value) {

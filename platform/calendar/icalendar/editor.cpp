@@ -17,6 +17,11 @@ QByteArray lineEndOf(const QByteArray& bytes) {
   return at > 0 && bytes[at - 1] == '\r' ? "\r\n" : "\n";
 }
 
+bool isLineStart(const QByteArray& bytes, qsizetype offset) {
+  if (offset == 0) return true;
+  return bytes[offset - 1] == '\n' || (bytes[offset - 1] == '\r' && !bytes.contains('\n'));
+}
+
 QByteArray ComponentEditor::lineEnd() const {
   return lineEndOf(document_.bytes);
 }
@@ -37,8 +42,7 @@ QList<Property> ComponentEditor::all(const char* name) const {
 void ComponentEditor::replace(int offset, int length, const QByteArray& with) {
   QByteArray changed = document_.bytes;
   QByteArray text = with;
-  const bool atLineStart = offset == 0 || changed[offset - 1] == '\n' || changed[offset - 1] == '\r';
-  if (!text.isEmpty() && !atLineStart) text.prepend(lineEnd());
+  if (!text.isEmpty() && !isLineStart(changed, offset)) text.prepend(lineEnd());
   changed.replace(offset, length, text);
   document_ = scan(std::move(changed), {});
 }

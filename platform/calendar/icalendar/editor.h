@@ -42,6 +42,9 @@ class ComponentEditor {
 /// The line end that a text uses: that of its first line, CRLF where there is none.
 QByteArray lineEndOf(const QByteArray& bytes);
 
+/// Whether a new line may begin at that offset. A file can break off behind the CR of its line end.
+bool isLineStart(const QByteArray& bytes, qsizetype offset);
+
 /// The head of a property under another name and without some parameters: "DTSTART;TZID=X" as
 /// "RECURRENCE-ID;TZID=X".
 QByteArray renamed(const QByteArray& head, const QByteArray& name, const QByteArrayList& without = {});

@@ -86,8 +86,14 @@ bool takePart(Rule& rule, const QByteArray& key, const QByteArray& value) {
   return good;
 }
 
-/// A 30 February never comes, and looking for it takes libical its whole range of years.
+/// A 30 February never comes, nor does a sixth Sunday of a month, and looking for them takes libical its
+/// whole range of years.
 bool neverComes(const Rule& rule) {
+  const bool withinMonths = rule.frequency == Rule::Frequency::Monthly || !rule.byMonth.isEmpty();
+  const auto isTooMany = [](const QPair<int, int>& day) { return qAbs(day.first) > 5; };
+  if (rule.frequency >= Rule::Frequency::Monthly && withinMonths && !rule.byDay.isEmpty() &&
+      std::all_of(rule.byDay.begin(), rule.byDay.end(), isTooMany))
+    return true;
   if (rule.byMonth.isEmpty() || rule.byMonthDay.isEmpty()) return false;
   for (const int month : rule.byMonth)
     for (const int day : rule.byMonthDay)

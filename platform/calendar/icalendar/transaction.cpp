@@ -36,8 +36,7 @@ QByteArray spliced(const QByteArray& bytes, QList<Replacement> replacements) {
   QByteArray result = bytes;
   for (const Replacement& one : std::as_const(replacements)) {
     QByteArray with = one.with;
-    const char before = one.offset > 0 ? bytes[one.offset - 1] : '\n';
-    if (!with.isEmpty() && before != '\n' && before != '\r') with.prepend(lineEndOf(bytes));
+    if (!with.isEmpty() && !isLineStart(bytes, one.offset)) with.prepend(lineEndOf(bytes));
     result.replace(one.offset, one.length, with);
   }
   return result;
@@ -198,7 +197,13 @@ QByteArray Transaction::saved(const Snapshot& snapshot, const Group& group, cons
   ComponentEditor editor(target.occurrence ? overrideOf(*target.occurrence, target.event, reader)
                                            : snapshot.file->document.raw(component).toByteArray());
   const QByteArray before = editor.bytes();
-  applyChange(editor, change, origin, now_);
+  try {
+    applyChange(editor, change, origin, now_);
+  } catch (const Failure& failure) {
+    fail(failure.number(), QStringLiteral("\"%1\" in \"%2\": %3")
+                               .arg(titleOf(*from.file, *from.event), cache_.pathOf(snapshot.file->name),
+                                    failure.description()));
+  }
   if (editor.bytes() == before) return bytes;
   if (!editor.isWhole())
     fail(errStoreBroken,

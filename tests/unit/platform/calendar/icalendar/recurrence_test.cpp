@@ -132,6 +132,8 @@ TEST(Rules, WhatCannotBeUnderstoodSaysWhy) {
                            "FREQ=DAILY;BYHOUR=24",
                            "FREQ=YEARLY;BYWEEKNO=54",
                            "FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30",
+                           "FREQ=YEARLY;BYMONTH=3;BYDAY=-9SU",
+                           "FREQ=MONTHLY;BYDAY=6MO",
                            "FREQ=YEARLY;RSCALE=CHINESE",
                            "FREQ=HOURLY;BYSETPOS=1",
                            "FREQ=MONTHLY;BYDAY=MO;BYSETPOS=1;BYHOUR=9,14",
