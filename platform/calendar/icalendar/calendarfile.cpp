@@ -166,7 +166,9 @@ QList<const Component*> CalendarFile::zoneScope(const Event& event) const {
 
 Event eventOf(const Document& document, const Component& component, const Component* calendar) {
   QList<Problem> unread;
-  return EventReader(document, {}, unread).read(component, calendar);
+  Event event = EventReader(document, {}, unread).read(component, nullptr);
+  event.calendar = calendar;  // stands in another document
+  return event;
 }
 
 std::shared_ptr<const CalendarFile> calendarFile(const QString& name, QByteArray bytes) {
