@@ -45,8 +45,8 @@ int ConsoleDialogs::ask(const QString& text, bool yesNo) {
     foreseen = true;
   }
   if (!foreseen) unforeseen.append(text);
-  say((yesNo ? QStringLiteral("? %1 -> %2") : QStringLiteral("! %1"))
-          .arg(shown, answer == dialogs::vbYes ? QStringLiteral("Yes") : QStringLiteral("No")));
+  const QString told = answer == dialogs::vbYes ? QStringLiteral("Yes") : QStringLiteral("No");
+  say(yesNo ? QStringLiteral("? %1 -> %2").arg(shown, told) : QStringLiteral("! %1").arg(shown));
   return answer;
 }
 

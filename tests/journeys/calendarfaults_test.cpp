@@ -122,6 +122,20 @@ TEST(CalendarFaultJourney, AnAppointmentDeletedMeanwhileDoesNotComeBack) {
   EXPECT_EQ(j.event(u"first"_s).stamp, u"5/15/2024 10:00:00 AM"_s);
 }
 
+TEST(CalendarFaultJourney, ACalendarThatVanishesMeanwhileIsNotReported) {
+  Journey j;
+  j.start();
+  const int reports = j.reportsStored();
+  ASSERT_TRUE(QFile::rename(j.calendar(), j.calendar() + u"-away"_s));
+  j.click("cmdGetValues");
+  EXPECT_EQ(j.rows(), QStringList{u"No appointments found!||||||"_s});
+  j.click("cmdOK");
+  EXPECT_EQ(j.reportsStored(), reports);
+  ASSERT_TRUE(QFile::rename(j.calendar() + u"-away"_s, j.calendar()));
+  j.click("cmdGetValues");
+  EXPECT_EQ(j.rows().size(), 6);
+}
+
 TEST(CalendarFaultJourney, BrokenFilesHideNoGoodOnes) {
   Journey j;
   addThree(j);

@@ -11,6 +11,7 @@
 #include "shell/modLanguage.h"
 #include "shell/start/modMain.h"
 #include "shell/start/ProgramValues.h"
+#include "tests/support/quickfolder.h"
 #include "workspace/frm2003Report.h"
 
 #include <QAbstractItemView>
@@ -27,13 +28,6 @@ using namespace Qt::StringLiterals;
 namespace sqlite = platform::sql::sqlite;
 
 namespace {
-
-/// A profile is some two hundred files, each brought to the disk; in memory that costs nothing.
-QString roomForFiles() {
-  const QFileInfo memory(u"/dev/shm"_s);
-  return (memory.isDir() && memory.isWritable() ? memory.filePath() : QDir::tempPath()) +
-         u"/hourbook-journey-XXXXXX"_s;
-}
 
 void registerDatabases(platform::automation::Components& components, int busyTimeout) {
   const auto driver = std::make_shared<sqlite::SqliteDriver>(busyTimeout);
@@ -77,7 +71,8 @@ struct Journey::Run {
   hourbook::ProgramValues values;
 };
 
-Journey::Journey(const Place& place) : place_(place), home_(std::make_unique<QTemporaryDir>(roomForFiles())) {
+Journey::Journey(const Place& place)
+    : place_(place), home_(std::make_unique<QTemporaryDir>(quickFolder(u"journey"_s))) {
   EXPECT_TRUE(home_->isValid()) << qPrintable(home_->errorString());
   world.setLocale(place.locale);
   world.setTime(QDateTime(may(15), QTime(10, 0)), place.zone);

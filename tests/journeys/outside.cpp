@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patience = 60000;  // milliseconds; for a machine under load, never waited out in a good run
+constexpr int patience = 60000;  // milliseconds; for a machine under load
 
 QString missing(const QProcess& process) {
   return u"%1 cannot be run (%2). The journeys look at the files with the programs of the Debian packages "

@@ -80,7 +80,9 @@ TEST(ReportJourney, FetchesAndReportsByTheKeyboardAlone) {
   ASSERT_EQ(j.subjects(), (QStringList{u"Größe & Maß: Angebot"_s, u"Projekt-Jour-fixe"_s, u"Kort möte"_s}));
   j.world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
   j.world.dialogs.expect(anotherPeriod, platform::dialogs::vbYes);
-  QTest::keyClick(j.control("dtpEndDate"), Qt::Key_Return);  // presses the window's default button
+  QWidget* field = j.control("dtpEndDate");
+  field->setFocus();
+  QTest::keyClick(field, Qt::Key_Return);  // presses the window's default button
   EXPECT_EQ(j.newReports().size(), 3);
 }
 
@@ -183,6 +185,22 @@ TEST(ReportJourney, StampsOneOccurrenceOfASeries) {
   EXPECT_TRUE(j.rows().filter(u"Projekt-Jour-fixe"_s).value(0).endsWith(u"Not Posted"_s));
   j.fetch(may(8), may(8));
   EXPECT_TRUE(j.rows().filter(u"Projekt-Jour-fixe"_s).value(0).endsWith(u"2024-05-15"_s));
+}
+
+TEST(ReportJourney, StampsSeveralOccurrencesOfASeriesInOneReport) {
+  Journey j;
+  j.start();
+  j.fetch(QDate(2024, 6, 30), QDate(2024, 7, 14));  // both Wednesdays, and nothing else that is marked
+  ASSERT_EQ(j.subjects(), (QStringList{u"Projekt-Jour-fixe"_s, u"Projekt-Jour-fixe"_s}));
+  j.reportAndStay();
+  QStringList stamped;
+  for (const outside::Event& event : j.events())
+    if (event.start >= u"20240630" && !event.stamp.isEmpty()) stamped.append(event.recurrenceId);
+  stamped.sort();  // each override is put in behind the series, so the later one comes first
+  EXPECT_EQ(stamped, (QStringList{u"20240703T150000"_s, u"20240710T150000"_s}));
+  j.start();
+  j.fetch(QDate(2024, 6, 30), QDate(2024, 7, 14));
+  EXPECT_EQ(j.statuses(), (QStringList{u"2024-05-15"_s, u"2024-05-15"_s}));
 }
 
 TEST(ReportJourney, LeavesWhatOtherCalendarProgramsShowAsItWas) {
