@@ -12,6 +12,23 @@ namespace platform::dialogs {
 
 namespace {
 
+/// A program that is at work shows the hourglass; over a box that waits for the user it would say that
+/// nothing can be done.
+class ArrowMeanwhile {
+ public:
+  ArrowMeanwhile() : over_(QApplication::overrideCursor()) {
+    if (over_) QApplication::setOverrideCursor(Qt::ArrowCursor);
+  }
+  ~ArrowMeanwhile() {
+    if (over_) QApplication::restoreOverrideCursor();
+  }
+  ArrowMeanwhile(const ArrowMeanwhile&) = delete;
+  ArrowMeanwhile& operator=(const ArrowMeanwhile&) = delete;
+
+ private:
+  bool over_;
+};
+
 constexpr int buttonBits = 0x0F;
 constexpr int iconBits = 0xF0;
 
@@ -54,6 +71,7 @@ QPushButton* addButton(QMessageBox* box, QMessageBox::StandardButton which, cons
 /// Adds the buttons, shows the box and tells the answer. The first button is the default; Escape and the
 /// frame answer No to a question and OK to a message.
 int ask(QMessageBox* box, bool yesNo) {
+  const ArrowMeanwhile arrow;
   if (!yesNo) {
     QPushButton* ok = addButton(box, QMessageBox::Ok, "cmdOK");
     box->setDefaultButton(ok);
@@ -100,6 +118,7 @@ QString QtDialogs::InputBox(const QString& prompt, const QString& title, const Q
   const auto* buttons = box.findChild<QDialogButtonBox*>();
   buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("cmdOK"));
   buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("cmdCancel"));
+  const ArrowMeanwhile arrow;
   return box.exec() == QDialog::Accepted ? box.textValue() : QString();
 }
 

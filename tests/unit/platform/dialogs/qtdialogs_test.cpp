@@ -106,6 +106,37 @@ TEST(MsgBox, ShowsTitleIconAndTextAsTheyAre) {
   }
 }
 
+TEST(EveryBox, ShowsTheArrowWhileTheProgramIsAtWork) {
+  const auto shape = [] {
+    const QCursor* cursor = QApplication::overrideCursor();
+    return cursor ? cursor->shape() : Qt::BlankCursor;
+  };
+  const auto pressOK = [&](QDialog* box) {
+    EXPECT_EQ(shape(), Qt::ArrowCursor);
+    button(box, "cmdOK")->click();
+  };
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  whenShown(pressOK);
+  dialogs.MsgBox(QStringLiteral("Done"), vbInformation, title);
+  EXPECT_EQ(shape(), Qt::WaitCursor);
+  whenShown(pressOK);
+  dialogs.DoAlert(title, QStringLiteral("Too many"), msoAlertButtonOK, msoAlertIconInfo);
+  EXPECT_EQ(shape(), Qt::WaitCursor);
+  whenShown(pressOK);
+  dialogs.InputBox(QStringLiteral("Name"), title);
+  EXPECT_EQ(shape(), Qt::WaitCursor);
+  QApplication::restoreOverrideCursor();
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST(EveryBox, LeavesTheCursorToItsFieldsOtherwise) {
+  whenShown([](QDialog* box) {
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    button(box, "cmdOK")->click();
+  });
+  dialogs.MsgBox(QStringLiteral("Done"), vbInformation, title);
+}
+
 TEST(InputBox, GivesWhatWasTyped) {
   whenShown([](QDialog* box) {
     EXPECT_EQ(box->objectName(), QStringLiteral("inputBox"));
