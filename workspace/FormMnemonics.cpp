@@ -21,6 +21,17 @@ qsizetype choose(const QString& caption, const QSet<QChar>& taken) {
   return -1;
 }
 
+/// Is it shown as soon as its window is? A widget of a window that was never shown is not hidden by anybody.
+bool isShown(const QWidget* widget) {
+  for (; widget && !widget->isWindow(); widget = widget->parentWidget())
+    if (widget->isHidden() && widget->testAttribute(Qt::WA_WState_ExplicitShowHide)) return false;
+  return true;
+}
+
+QString escaped(QString text) {
+  return text.replace(u'&', QStringLiteral("&&"));
+}
+
 void setText(QWidget* widget, const QString& text) {
   if (auto* button = qobject_cast<QAbstractButton*>(widget))
     button->setText(text);
@@ -35,30 +46,32 @@ QStringList FormMnemonics::assigned(const QStringList& captions) {
   QStringList texts;
   for (const QString& caption : captions) {
     const qsizetype at = choose(caption, taken);
-    QString text = caption;
-    if (at >= 0) {
-      taken.insert(caption[at].toLower());
-      text = QString(caption.left(at)).replace(u'&', QStringLiteral("&&")) + u'&' +
-             QString(caption.mid(at)).replace(u'&', QStringLiteral("&&"));
-    }
-    texts.append(text);
+    if (at >= 0) taken.insert(caption[at].toLower());
+    texts.append(at < 0 ? escaped(caption) : escaped(caption.left(at)) + u'&' + escaped(caption.mid(at)));
   }
   return texts;
 }
 
 void FormMnemonics::add(platform::forms::Control& control, QWidget* widget) {
   captioned_.append({&control, widget});
-  connect(&control, &platform::forms::Control::propertyChanged, this, &FormMnemonics::apply);
+  watch(control);
   apply();
 }
 
+void FormMnemonics::watch(platform::forms::Control& container) {
+  connect(&container, &platform::forms::Control::propertyChanged, this, &FormMnemonics::apply,
+          Qt::UniqueConnection);
+}
+
 void FormMnemonics::apply() {
+  captioned_.removeIf([](const Captioned& entry) { return !entry.control || !entry.widget; });
   QStringList captions;
   for (const Captioned& entry : captioned_)
-    captions.append(entry.control ? entry.control->Caption() : QString());
+    captions.append(isShown(entry.widget) ? entry.control->Caption() : QString());
   const QStringList texts = assigned(captions);
   for (qsizetype i = 0; i < captioned_.size(); ++i)
-    if (captioned_[i].widget) setText(captioned_[i].widget, texts[i]);
+    setText(captioned_[i].widget,
+            captions[i].isEmpty() ? escaped(captioned_[i].control->Caption()) : texts[i]);
 }
 
 }  // namespace hourbook

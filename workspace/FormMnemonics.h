@@ -12,15 +12,18 @@ class FormMnemonics : public QObject {
  public:
   using QObject::QObject;
   /// A button, a check box or a label with a buddy. Call it after the widget was bound to the control; what
-  /// comes first has the first choice.
+  /// comes first has the first choice, as long as it can be seen: what is hidden takes no letter away.
   void add(platform::forms::Control& control, QWidget* widget);
+  /// A control that shows and hides captioned ones with itself. Call it after its widget follows it.
+  void watch(platform::forms::Control& container);
+  /// Gives the letters out anew; for captions that have gone.
+  void apply();
 
   /// The captions with "&" before the letter chosen: of each the first initial of a word that is still free,
   /// else its first free letter or digit; without any the caption has no key.
   static QStringList assigned(const QStringList& captions);
 
  private:
-  void apply();
   struct Captioned {
     QPointer<platform::forms::Control> control;
     QPointer<QWidget> widget;

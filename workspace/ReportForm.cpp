@@ -1,6 +1,7 @@
 #include "workspace/ReportForm.h"
 
 #include "platform/automation/components.h"
+#include "shell/Present.h"
 #include "workspace/WorkspaceValues.h"
 
 namespace hourbook {
@@ -9,11 +10,7 @@ using platform::forms::ComboBox;
 using platform::forms::DTPicker;
 
 ReportForm& reportForm() {
-  const auto& form = workspaceValues().gReportForm;
-  if (!form)
-    throw platform::Failure(platform::failure::objectNotSet,
-                            QStringLiteral("Object variable or With block variable not set"));
-  return *form;
+  return present(workspaceValues().gReportForm);
 }
 
 ReportForm::ReportForm(const ReportFormVariant& variant)

@@ -80,8 +80,7 @@ class ReportForm : public platform::forms::Control {
   std::shared_ptr<platform::forms::DTPicker> dtpEndDate;
 
   platform::forms::Label lblWeek{QStringLiteral("lblWeek")};
-  platform::forms::ComboBox cmbWeek{QStringLiteral("cmbWeek"),
-                                    platform::forms::ComboBox::Style::DropdownCombo};
+  platform::forms::ComboBox cmbWeek{QStringLiteral("cmbWeek")};
 
   platform::forms::ComboBox cmbMeta1{QStringLiteral("cmbMeta1"),
                                      platform::forms::ComboBox::Style::DropdownCombo};

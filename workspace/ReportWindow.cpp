@@ -28,13 +28,6 @@ namespace {
 
 inline constexpr int baseWidth = 920, baseHeight = 680;  // of a window on a screen with room
 
-/// As high as the fields and buttons beside it, so that its text stands on their line.
-template <class Widget>
-Widget* asHighAs(const QWidget& neighbour, Widget* widget) {
-  widget->setMinimumHeight(neighbour.sizeHint().height());
-  return widget;
-}
-
 const QString startPickerName = QStringLiteral("dtpStartDate");
 
 /// For a field with its label above.
@@ -69,6 +62,25 @@ ReportWindow::~ReportWindow() {
 }
 
 // Layout
+
+/// Sets a size now and whenever the font changes.
+void ReportWindow::sized(std::function<void()> setSize) {
+  setSize();
+  sizes_.append(std::move(setSize));
+}
+
+/// As high as the fields and buttons beside it, so that its text stands on their line.
+template <class Widget>
+Widget* ReportWindow::asHighAs(const QWidget& neighbour, Widget* widget) {
+  sized([&neighbour, widget] { widget->setMinimumHeight(neighbour.sizeHint().height()); });
+  return widget;
+}
+
+void ReportWindow::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) return;
+  for (const auto& setSize : sizes_) setSize();
+}
 
 /// A label over its field.
 template <class ControlType, class Widget>
@@ -117,6 +129,7 @@ QWidget* ReportWindow::framePeriod() {
   frame->setObjectName(form_.fraPeriod.Name());
   connect(&form_.fraPeriod, &forms::Control::propertyChanged, frame,
           [this, frame] { frame->setVisible(form_.fraPeriod.Visible()); });
+  mnemonics_.watch(form_.fraPeriod);
   auto* row = new FlowLayout(frame);
   row->setContentsMargins({});
   row->addLayout(field(form_.lblYear, form_.cmbYear, new QComboBox(this)));
@@ -132,8 +145,10 @@ QLayout* ReportWindow::daysBefore() {
   QLayout* column = field(form_.lblDaysBefore, form_.txtDays, days);
   auto* bar = new QScrollBar(Qt::Vertical, this);
   forms::bind(form_.vDaysBefore, bar);
-  bar->setFixedHeight(days->sizeHint().height());
-  days->setMaximumWidth(days->fontMetrics().horizontalAdvance(QStringLiteral("00000000")));
+  sized([days, bar] {
+    bar->setFixedHeight(days->sizeHint().height());
+    days->setMaximumWidth(days->fontMetrics().horizontalAdvance(QStringLiteral("00000000")));
+  });
   column->removeWidget(days);
   auto* pair = new QHBoxLayout;
   pair->setSpacing(1);
@@ -166,6 +181,7 @@ void ReportWindow::dropPicker(forms::DTPicker* picker) {
     delete item->widget();
     delete item;
   }
+  mnemonics_.apply();
   line_->hide();
 }
 
@@ -185,7 +201,7 @@ QWidget* ReportWindow::listPart() {
   // They lie over the row that is being marked, so no layout owns them.
   for (forms::ComboBox* dropDown : {&form_.cmbMeta1, &form_.cmbMeta2, &form_.cmbMeta3})
     forms::bind(*dropDown, new QComboBox(list));
-  list->setMinimumHeight(list->fontMetrics().height() * 6);
+  sized([list] { list->setMinimumHeight(list->fontMetrics().height() * 6); });
   return list;
 }
 
@@ -198,12 +214,12 @@ QWidget* ReportWindow::statisticsPart() {
   tabs->setExpanding(false);
   tabs->setUsesScrollButtons(true);
   tabs->setDrawBase(false);
-  forms::bind(form_.tbsViews, tabs, QStringLiteral("Statistics"));
+  forms::bind(form_.tbsViews, tabs);
   auto* caption = new QLabel(this);
   auto* total = new QLabel(this);
   forms::bind(form_.lblTotalHours, caption);
   forms::bind(form_.lblHours, total);
-  QFont strong = total->font();
+  QFont strong;  // all but the weight comes from the window
   strong.setBold(true);
   total->setFont(strong);
   head->addWidget(tabs, 1);
@@ -213,7 +229,7 @@ QWidget* ReportWindow::statisticsPart() {
   chart->setAlignment(Qt::AlignCenter);
   chart->setWordWrap(true);
   chart->setFrameShape(QFrame::StyledPanel);
-  chart->setMinimumHeight(chart->fontMetrics().height() * 4);
+  sized([chart] { chart->setMinimumHeight(chart->fontMetrics().height() * 4); });
   forms::bind(form_.excThisWeek, chart);
   column->addLayout(head);
   column->addWidget(chart, 1);
@@ -232,7 +248,6 @@ QLayout* ReportWindow::buttonRow() {
   row->addWidget(button(form_.cmdPrint, new QPushButton(this)));
   row->addWidget(ok);
   row->addWidget(button(form_.cmdCancel, new QPushButton(this)));
-  for (QPushButton* each : findChildren<QPushButton*>()) each->setAutoDefault(false);
   ok->setDefault(true);
   return row;
 }

@@ -4,6 +4,8 @@
 
 #include <QDialog>
 
+#include <functional>
+
 class QBoxLayout;
 class QLabel;
 
@@ -28,6 +30,7 @@ class ReportWindow : public QDialog, public ReportFormScreen {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   QLayout* periodRow();
@@ -44,6 +47,9 @@ class ReportWindow : public QDialog, public ReportFormScreen {
   void takePicker(platform::forms::DTPicker* picker);
   void dropPicker(platform::forms::DTPicker* picker);
   void orderTabs();
+  void sized(std::function<void()> setSize);
+  template <class Widget>
+  Widget* asHighAs(const QWidget& neighbour, Widget* widget);
 
   ReportForm& form_;
   FormMnemonics mnemonics_;
@@ -52,6 +58,7 @@ class ReportWindow : public QDialog, public ReportFormScreen {
   QLabel* line_ = nullptr;
   QLabel* status_ = nullptr;
   bool waiting_ = false;
+  QList<std::function<void()>> sizes_;  // that are counted from the font
 };
 
 }  // namespace hourbook

@@ -2,6 +2,7 @@
 #include "settings/cPersonalSettings.h"
 #include "settings/SettingsValues.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "workspace/modReportForm.h"
 #include "workspace/ReportForm.h"
@@ -15,7 +16,8 @@ namespace {
 
 QStringList metaNames() {
   QStringList names;
-  for (const auto& list : settingsValues().gPersonalSettings->MetaDataLists) names.append(list->MetaName());
+  for (const auto& list : present(settingsValues().gPersonalSettings).MetaDataLists)
+    names.append(list->MetaName());
   return names;
 }
 
@@ -68,6 +70,16 @@ void captionTabs(ReportForm& form) {
   for (const QString& name : metaNames()) form.tbsViews.Add(phrases().LNGBY + u' ' + name);
 }
 
+/// What a screen reader says of the controls that no label stands beside.
+void nameTheUnlabelled(ReportForm& form) {
+  form.vDaysBefore.setAccessibleName(form.lblDaysBefore.Caption());
+  form.tbsViews.setAccessibleName(phrases().LNGSTATISTICS);
+  const QStringList names = metaNames();
+  form.cmbMeta1.setAccessibleName(names.value(0));
+  form.cmbMeta2.setAccessibleName(names.value(1));
+  form.cmbMeta3.setAccessibleName(names.value(2));
+}
+
 void captionButtons(ReportForm& form) {
   form.cmdOK.setCaption(phrases().LNGOK);
   form.cmdCancel.setCaption(phrases().LNGCANCEL);
@@ -89,6 +101,7 @@ void subSetLangCaptions() try {
   captionList(form);
   captionTabs(form);
   captionButtons(form);
+  nameTheUnlabelled(form);
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("subSetLangCaptions"));
 }

@@ -5,6 +5,7 @@
 #include "settings/SettingsValues.h"
 #include "shell/genTools.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "shell/Tolerate.h"
 #include "workspace/modGetData.h"
 #include "workspace/modReportForm.h"
@@ -60,7 +61,7 @@ void fillDateLists(ReportForm& form) {
 }
 
 QString daysSinceLastReport() {
-  const Date last = settingsValues().gPersonalSettings->DateLastReport;
+  const Date last = present(settingsValues().gPersonalSettings).DateLastReport;
   if (last.year() < 1900) return QStringLiteral("7");
   return QString::number(last.date().daysTo(platform::basic::Today().date()));
 }

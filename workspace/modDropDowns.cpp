@@ -2,6 +2,7 @@
 #include "settings/cPersonalSettings.h"
 #include "settings/SettingsValues.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "workspace/modReportForm.h"
 #include "workspace/ReportForm.h"
 #include "workspace/WorkspaceValues.h"
@@ -10,10 +11,10 @@ namespace hourbook {
 
 void subFillDropDowns() try {
   ReportForm& form = reportForm();
-  const auto& lists = settingsValues().gPersonalSettings->MetaDataLists;
+  const auto& lists = present(settingsValues().gPersonalSettings).MetaDataLists;
   const QList<platform::forms::ComboBox*> dropDowns{&form.cmbMeta1, &form.cmbMeta2, &form.cmbMeta3};
   for (int list = 1; list <= lists.Count() && list <= dropDowns.size(); ++list)
-    subFillcombo(*dropDowns[list - 1], *lists.Item(list)->MetaDic);
+    subFillcombo(*dropDowns[list - 1], present(lists.Item(list)->MetaDic));
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("subFillDropDowns"));
 }

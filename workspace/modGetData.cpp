@@ -9,6 +9,7 @@
 #include "shell/genTools.h"
 #include "shell/modAssistant.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
 #include "workspace/modReportForm.h"
@@ -63,7 +64,7 @@ class Fetch {
   }
   void forceWholeWeek();
   void consider(Appointment item);
-  void list(const Appointment& item, const cMarking& marking);
+  void list(const Appointment& item);
   void unlockCalculation();
   void protect();
 
@@ -75,7 +76,10 @@ class Fetch {
   std::optional<platform::Failure> pending_;
   Date startDate_, endDate_;
   QString firstKey_, lastKey_;
-  Date itemDay_;  // stays that of the item before when a start cannot be read
+  // Of the item at hand; what cannot be read of it stays that of the item before.
+  Date itemDay_;
+  QString itemKey_;
+  std::shared_ptr<cMarking> marking_;
 };
 
 void Fetch::startGrid() {
@@ -101,17 +105,14 @@ void Fetch::clearList() {
   range.setFontSize(8);
   for (platform::forms::ComboBox* dropDown : {&form_.cmbMeta1, &form_.cmbMeta2, &form_.cmbMeta3})
     dropDown->setVisible(false);
+  marking_ = std::make_shared<cMarking>();
   sheet_.Range(QStringLiteral("a2")).setValue(Value(phrases().LNGFETCHINGAPPS));
   form_.Refresh();
 }
 
 void Fetch::openCalendar() {
   subLog(QStringLiteral("Setting an object reference to all apps in the calendar"));
-  const auto& folder = outlookValues().gCalendarFolder;
-  if (!folder)
-    throw platform::Failure(platform::failure::objectNotSet,
-                            QStringLiteral("Object variable or With block variable not set"));
-  items_ = folder->Items();
+  items_ = present(outlookValues().gCalendarFolder).Items();
   subLog(QStringLiteral("Getting values for this week"));
 }
 
@@ -130,8 +131,8 @@ bool Fetch::setPeriod() {
 
 void Fetch::forceWholeWeek() {
   const int weekday = platform::basic::Weekday(endDate_, platform::basic::vbMonday);
-  startDate_ = weekday == 1 ? endDate_ : endDate_.addDays(1 - weekday);
-  endDate_ = startDate_.addDays(6);
+  step([&] { startDate_ = weekday == 1 ? endDate_ : endDate_.addDays(1 - weekday); });
+  step([&] { endDate_ = startDate_.addDays(6); });
   step([&] { subSetDate(startDate_, endDate_); });
   values_.gIgnoreWeekChange = true;
   step([&] { form_.cmbWeek.setText(QString::number(fncSwWeekNo(startDate_))); });
@@ -141,7 +142,8 @@ void Fetch::forceWholeWeek() {
 
 void Fetch::walk() {
   subLog(QStringLiteral("Building an sql string to find all appointment in this time span"));
-  const QString filter = startFilter(startDate_, endDate_);
+  QString filter;
+  step([&] { filter = startFilter(startDate_, endDate_); });
   subLog(QStringLiteral("Beginning search with the string ") + filter);
   step([&] { items_->Sort(QStringLiteral("[Start]")); });
   step([&] { items_->setIncludeRecurrences(true); });
@@ -163,26 +165,29 @@ void Fetch::walk() {
 
 void Fetch::consider(Appointment item) {
   step([&] { itemDay_ = item->Start().dateOnly(); });
-  if (item->MessageClass() == platform::outlook::classMeetingRequest) {
+  bool isRequest = false;
+  step([&] { isRequest = item->MessageClass() == platform::outlook::classMeetingRequest; });
+  if (isRequest) {
     subLog(QStringLiteral("Getting the appointment from a meeting request"));
     step([&] { item = item->GetAssociatedAppointment(false); });
     if (!item) return;
   }
-  const QString key = dayKey(itemDay_);
-  if (key < firstKey_ || key > lastKey_) return;
+  step([&] { itemKey_ = dayKey(itemDay_); });
+  if (itemKey_ < firstKey_ || itemKey_ > lastKey_) return;
   subLog(QStringLiteral("Fetching values and adding rows"));
-  cMarking marking;
+  step([&] { marking_ = std::make_shared<cMarking>(); });
   step([&] {
     const bool changedOccurrence = item->MessageClass() == platform::outlook::classException;
     const Appointment source = changedOccurrence ? item->Parent() : item;
-    if (source) marking.BillingToMarkings(source->Categories());
+    if (source) marking_->BillingToMarkings(source->Categories());
   });
   if (!fncCheckInclude(*item)) return;
-  step([&] { list(item, marking); });
-  if (grid_) step([&] { grid_->subAddAppToGrid(*item, marking); });
+  step([&] { list(item); });
+  if (grid_) step([&] { grid_->subAddAppToGrid(*item, *marking_); });
 }
 
-void Fetch::list(const Appointment& item, const cMarking& marking) {
+void Fetch::list(const Appointment& item) {
+  const cMarking& marking = *marking_;
   switch (form_.cmbFilterCalendar.ListIndex()) {
     case 0:
       if (marking.IsComplete()) subAddRow(item, marking);

@@ -1,11 +1,13 @@
 #include "outlook/OutlookValues.h"
 #include "platform/basic/convert.h"
 #include "platform/basic/text.h"
+#include "platform/locale/locale.h"
 #include "platform/outlook/items.h"
 #include "settings/cMarking.h"
 #include "settings/cPersonalSettings.h"
 #include "settings/SettingsValues.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "workspace/modGetData.h"
 #include "workspace/ReportForm.h"
@@ -43,7 +45,7 @@ int writeMarking(platform::owc::Range range, const cMarking& marking) {
 
 bool fncCheckInclude(const AppointmentItem& item) try {
   subLog(QStringLiteral("Attempting to determine if the current item is properly filled out"));
-  const cPersonalSettings& settings = *settingsValues().gPersonalSettings;
+  const cPersonalSettings& settings = present(settingsValues().gPersonalSettings);
   if (settings.FilterEvents && (item.AllDayEvent() || item.Duration() == minutesOfDay)) return false;
   if (settings.FilterPrivate && item.Sensitivity() != platform::outlook::olNormal) return false;
   return !(settings.FilterRecurring && item.IsRecurring());
@@ -72,7 +74,7 @@ void subAddRow(const std::shared_ptr<AppointmentItem>& item, const cMarking& mar
 }
 
 Value fncHoursFromMinutes(qint32 minutes) {
-  const cPersonalSettings& settings = *settingsValues().gPersonalSettings;
+  const cPersonalSettings& settings = present(settingsValues().gPersonalSettings);
   Value hours(minutes / 60.0);
   if (settings.Convert24) {
     if (minutes == minutesOfDay) hours = settings.Convert24Hours;
@@ -87,13 +89,16 @@ Value fncHoursFromMinutes(qint32 minutes) {
 Value fncWholeDaysToHours(qint32 minutes) {
   const double days = platform::basic::roundHalfEven(std::abs(minutes / double(minutesOfDay)));
   if (days * minutesOfDay == minutes)
-    return Value(days * CDbl(settingsValues().gPersonalSettings->Convert24Hours));
+    return Value(days * CDbl(present(settingsValues().gPersonalSettings).Convert24Hours));
   return Value(minutes / 60.0);
 }
 
 QString fncHoursText(const Value& hours) {
   const QString shown = Format(Value(CDbl(hours)), QStringLiteral("0.##"));
-  return platform::basic::CStr(Value(CDbl(Value(shown)))).replace(u',', u'.');
+  QString text = platform::basic::CStr(Value(CDbl(Value(shown))));
+  // The signs of some languages are neither comma nor point.
+  text.replace(platform::locale::current().decimalSign(), QStringLiteral("."));
+  return text.replace(u',', u'.');
 }
 
 }  // namespace hourbook

@@ -17,13 +17,20 @@ Date dateOfPickers(const ReportForm& form) {
   return picked.year() < 1900 ? platform::basic::Today() : picked.dateOnly();
 }
 
+/// A year of two digits, as the language's date function reads it.
+int fullYear(int year) {
+  constexpr int windowOfTwoDigits = 30;
+  if (year < 0 || year > 99) return year;
+  return year + (year < windowOfTwoDigits ? 2000 : 1900);
+}
+
 Date dateOfDropDowns(const ReportForm& form) {
   if (form.cmbYear.Text().isEmpty() || form.cmbMonth.ListIndex() == -1 || form.cmbDay.Text().isEmpty())
     return {};
   const int year = platform::basic::CInt(Value(form.cmbYear.Text()));
   const int day = platform::basic::CInt(Value(form.cmbDay.Text()));
   // 31 with a shorter month runs over into the next one, as the language's own date function does.
-  return Date::of(year, form.cmbMonth.ListIndex() + 1, 1).addDays(day - 1);
+  return Date::of(fullYear(year), form.cmbMonth.ListIndex() + 1, 1).addDays(day - 1);
 }
 
 }  // namespace

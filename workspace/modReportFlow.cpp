@@ -6,6 +6,7 @@
 #include "settings/cPersonalSettings.h"
 #include "settings/SettingsValues.h"
 #include "shell/modErrorReport.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "workspace/modGetData.h"
 #include "workspace/ReportForm.h"
@@ -22,7 +23,8 @@ class FormAsHost : public ReportHost {
   /// Without a grid nobody could tick the box, so the stored wish stands.
   bool GridTicked() override {
     const WorkspaceValues& values = workspaceValues();
-    if (!values.gGridView && !values.newGridView) return settingsValues().gPersonalSettings->StartGrid;
+    if (!values.gGridView && !values.newGridView)
+      return present(settingsValues().gPersonalSettings).StartGrid;
     return reportForm().chkGrid.Value() == 1;
   }
 };
@@ -47,7 +49,7 @@ void report(ReportForm& form) {
   if (rows.Reports.Count() < 1) return;
   FormAsHost host;
   workspaceValues().gFetching = true;
-  rows.Report(settingsValues().gPersonalSettings->ReportChoice, host);
+  rows.Report(present(settingsValues().gPersonalSettings).ReportChoice, host);
   workspaceValues().gFetching = false;
 }
 

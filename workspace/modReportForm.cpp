@@ -35,31 +35,54 @@ void fillChartTypes(ReportForm& form) {
   subFillcombo(*form.cmbChartType, *types);
 }
 
+void switchOff(std::initializer_list<platform::forms::Control*> controls, const QString& reason) {
+  for (platform::forms::Control* control : controls) {
+    control->setEnabled(false);
+    control->setToolTipText(reason);
+  }
+}
+
 /// What this version cannot do yet stands in the form, switched off, and says so.
 void switchOffWhatIsMissing(ReportForm& form) {
   const WorkspaceValues& values = workspaceValues();
-  if (!values.gGridView && !values.newGridView) {
-    form.chkGrid.setEnabled(false);
-    form.chkGrid.setToolTipText(QStringLiteral("The week grid is not available in this version yet."));
-  }
-  form.cmdPrint.setEnabled(false);
-  form.cmdPrint.setToolTipText(QStringLiteral("Printing is not available in this version yet."));
-  for (platform::forms::Control* editing : std::initializer_list<platform::forms::Control*>{
-           &form.cmbMeta1, &form.cmbMeta2, &form.cmbMeta3, &form.cmdAddNew, &form.cmdSaveChanges,
-           &form.cmbWeek}) {
-    editing->setEnabled(false);
-    editing->setToolTipText(
-        QStringLiteral("Changing appointments here is not available in this version yet."));
-  }
+  if (!values.gGridView && !values.newGridView)
+    switchOff({&form.chkGrid, &form.cmbWeek, &form.cmdAddNew, &form.cmdSaveChanges},
+              QStringLiteral("The week grid is not available in this version yet."));
+  switchOff({&form.cmbMeta1, &form.cmbMeta2, &form.cmbMeta3},
+            QStringLiteral("Changing appointments here is not available in this version yet."));
+  switchOff({&form.cmdPrint}, QStringLiteral("Printing is not available in this version yet."));
   if (!values.gChartView) {
-    form.excThisWeek.setEnabled(false);
     form.excThisWeek.setCaption(QStringLiteral("The chart is not available in this version yet."));
-    form.excThisWeek.setToolTipText(form.excThisWeek.Caption());
+    switchOff({&form.excThisWeek}, form.excThisWeek.Caption());
   }
+}
+
+void cmdGetValues_Click() {
+  subGetData();
 }
 
 void cmbFilterCalendar_Click() {
   if (reportForm().cmbFilterCalendar.Visible()) subGetData();
+}
+
+void cmbWeek_Change() {
+  subWeekChanged();
+}
+
+void cmbWeek_Click() {
+  subWeekChanged();
+}
+
+void chkGrid_Click() {
+  subGridCheckChanged();
+}
+
+void tbsViews_Click() {
+  subCountSpreadSheet();
+}
+
+void cmdSaveChanges_Click() {
+  if (const auto& grid = workspaceValues().gGridView) grid->subSaveGridChanges();
 }
 
 void Form_Unload() {
@@ -84,12 +107,13 @@ void subConnectEvents(ReportForm& form) {
   on(form, &ReportForm::Loading, form, Form_Load);
   on(form, &ReportForm::Unloaded, form, Form_Unload);
   on(form.cmdCancel, &CommandButton::Click, form, cmdCancel_Click);
-  on(form.cmdGetValues, &CommandButton::Click, form, subGetData);
+  on(form.cmdGetValues, &CommandButton::Click, form, cmdGetValues_Click);
   on(form.cmbFilterCalendar, &ComboBox::Click, form, cmbFilterCalendar_Click);
-  on(form.cmbWeek, &ComboBox::Change, form, subWeekChanged);
-  on(form.cmbWeek, &ComboBox::Click, form, subWeekChanged);
-  on(form.chkGrid, &CheckBox::Click, form, subGridCheckChanged);
-  on(form.tbsViews, &TabStrip::Click, form, subCountSpreadSheet);
+  on(form.cmbWeek, &ComboBox::Change, form, cmbWeek_Change);
+  on(form.cmbWeek, &ComboBox::Click, form, cmbWeek_Click);
+  on(form.chkGrid, &CheckBox::Click, form, chkGrid_Click);
+  on(form.tbsViews, &TabStrip::Click, form, tbsViews_Click);
+  on(form.cmdSaveChanges, &CommandButton::Click, form, cmdSaveChanges_Click);
   on(form.txtDays, &TextBox::Change, form, txtDays_Change);
   on(form.vDaysBefore, &ScrollBar::Change, form, vDaysBefore_Change);
   on(form.cmdOK, &CommandButton::Click, form, cmdOK_Click);

@@ -2,6 +2,7 @@
 
 #include "platform/basic/convert.h"
 #include "platform/basic/text.h"
+#include "platform/locale/locale.h"
 #include "shell/modErrorReport.h"
 #include "shell/modScriptingDic.h"
 #include "workspace/ReportForm.h"
@@ -57,6 +58,20 @@ QString weekdayText(const Date& date) {
          Format(Value(date), QStringLiteral("Short Date"));
 }
 
+/// What stands behind a short weekday name of the system and one blank; empty when the text begins with none.
+/// The names have any length: one letter in Hungarian, five and a point in Polish.
+QString withoutWeekday(const QString& text) {
+  QString rest;
+  qsizetype longest = 0;
+  for (int day = 1; day <= 7; ++day) {
+    const QString name = platform::locale::current().weekdayName(day, true) + u' ';
+    if (name.size() <= longest || !text.startsWith(name)) continue;
+    longest = name.size();
+    rest = text.mid(longest);
+  }
+  return rest;
+}
+
 QList<Entry> entriesOf(const HoursByGroup& dictionary, SortField sortField, bool keysAreWeekdays) {
   QList<Entry> entries;
   const QStringList keys = dictionary.Keys();
@@ -89,8 +104,12 @@ void subCountSpreadSheet() try {
 }
 
 Date fncDateOfWeekdayText(const QString& text) {
-  QString rest = text.mid(3);
-  if (rest.startsWith(u'.')) rest.remove(0, 1);
+  QString rest = withoutWeekday(text);
+  if (rest.isEmpty()) {
+    // kept: three letters and a point, as the weekdays of most languages are shortened
+    rest = text.mid(3);
+    if (rest.startsWith(u'.')) rest.remove(0, 1);
+  }
   return platform::basic::CDate(Value(platform::basic::Trim(rest)));
 }
 

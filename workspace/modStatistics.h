@@ -15,7 +15,8 @@ enum class SortField : qint16 { Key = 1, Item = 2 };
 platform::scripting::Dictionary<double>& fncSortDictionary(
     platform::scripting::Dictionary<double>& dictionary, SortField sortField, bool keysAreWeekdays);
 
-/// The date in a weekday text of the list; Failure 13 when there is none.
+/// The date in a weekday text of the list: the short weekday name in force, a blank and the short date.
+/// Without such a name three letters and a point are dropped. Failure 13 when no date is left.
 platform::basic::Date fncDateOfWeekdayText(const QString& text);
 
 }  // namespace hourbook

@@ -1,4 +1,6 @@
 #include "platform/basic/clock.h"
+#include "platform/basic/text.h"
+#include "platform/locale/table.h"
 #include "platform/outlook/constants.h"
 #include "workspace/modGetData.h"
 #include "workspace/modReportForm.h"
@@ -81,7 +83,7 @@ TEST_F(Fetching, ShowsTheWeekdayAndTheDateInTheSystemsFormat) {
   w.world.setLocale(QStringLiteral("sv_SE"));
   w.add(QStringLiteral("Workshop"), at(15, 9));
   fetch();
-  EXPECT_TRUE(w.cell(QStringLiteral("E2")).endsWith(QStringLiteral(" 2024-05-15")));
+  EXPECT_EQ(w.cell(QStringLiteral("E2")), QStringLiteral("ons 2024-05-15"));
 }
 
 TEST_F(Fetching, ShowsTheDayOnWhichARowWasReported) {
@@ -152,8 +154,8 @@ TEST_F(Fetching, SaysThatItIsFetchingWhileItDoes) {
   };
   fetch();
   EXPECT_EQ(meanwhile, QStringLiteral("Fetching appointments ..."));
-  EXPECT_EQ(pointer, vbHourglass);
-  EXPECT_EQ(w.form->MousePointer(), vbDefault);
+  EXPECT_EQ(pointer, 11);
+  EXPECT_EQ(w.form->MousePointer(), 0);
 }
 
 TEST_F(Fetching, KeepsTheSheetsEventsOutMeanwhile) {
@@ -200,7 +202,6 @@ TEST_F(Fetching, StopsTheCalculationOfGeneration9OnlyMeanwhile) {
   fetch();
   EXPECT_FALSE(meanwhile);
   EXPECT_TRUE(w.form->exsThisWeek.EnableAutoCalculate);
-  EXPECT_EQ(w.form->exsThisWeek.Calculation, platform::owc::xlCalculationAutomatic);
 }
 
 TEST_F(Fetching, ShowsOnlyCompletelyMarkedAppointmentsWhenAsked) {
@@ -298,6 +299,133 @@ TEST_F(Fetching, LeavesOutAMeetingRequestWithoutAnAppointmentAndGoesOn) {
   EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Next")));
 }
 
+TEST_F(Fetching, LeavesOutARequestFromOutsideOfThePeriodThoughItsAppointmentLiesInside) {
+  w.calendar->addMeetingRequest(w.folder, meetingRequest(at(28, 9)),
+                                w.appointment(QStringLiteral("Meeting"), at(15, 10), 60, complete));
+  w.calendar->addMeetingRequest(w.folder, meetingRequest(at(18, 9)),
+                                w.appointment(QStringLiteral("On the margin"), at(15, 11), 60, complete));
+  fetch();
+  EXPECT_EQ(w.workspace->gLastRow, 1);
+}
+
+TEST_F(Fetching, LogsThatItTakesTheAppointmentOfARequest) {
+  w.calendar->addMeetingRequest(w.folder, meetingRequest(at(15, 9)),
+                                w.appointment(QStringLiteral("Meeting"), at(15, 10)));
+  w.startLog();
+  fetch();
+  EXPECT_TRUE(w.logged().contains(QStringLiteral("Getting the appointment from a meeting request")));
+}
+
+TEST_F(Fetching, ListsAChangedOccurrenceAsMarkedWhenItsSeriesIs) {
+  const auto master = w.calendar->addSeries(
+      w.folder, w.appointment(QStringLiteral("Weekly"), at(14, 9), 60, complete), daily(2));
+  w.calendar->addException(w.folder, master, QStringLiteral("20240515T090000"),
+                           w.appointment(QStringLiteral("Moved"), at(15, 13)));
+  showMarked();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Weekly"), QStringLiteral("Moved")));
+  EXPECT_EQ(w.cell(QStringLiteral("B3")), QStringLiteral("Acme"));
+}
+
+TEST_F(Fetching, ListsAChangedOccurrenceOfALostSeriesAsNotMarkedAndGoesOn) {
+  const auto master = w.calendar->addSeries(
+      w.folder, w.appointment(QStringLiteral("Daily"), at(14, 9), 60, complete), daily(1));
+  w.calendar->addException(w.folder, master, QStringLiteral("20240514T090000"),
+                           w.appointment(QStringLiteral("Moved"), at(14, 13), 60, complete));
+  w.add(QStringLiteral("Next"), at(15, 9));
+  const auto store = failing();
+  store->onCall = [this, store = store.get(), master](calendar::FailingStore::Operation operation) {
+    using Operation = calendar::FailingStore::Operation;
+    if (operation == Operation::Items && store->calls(Operation::Items) == 2)
+      w.calendar->removeByAnother(w.folder, master);
+  };
+  showNotMarked();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Moved"), QStringLiteral("Next")));
+  EXPECT_EQ(w.cell(QStringLiteral("B2")), QString());
+  EXPECT_FALSE(w.workspace->gFetching);
+}
+
+TEST_F(Fetching, RunsOnOverTheTurnOfTheYear) {
+  const auto winter = [](int year, int month, int day) {
+    return QDateTime(QDate(year, month, day), QTime(9, 0), QTimeZone("Europe/Stockholm"));
+  };
+  w.add(QStringLiteral("Last year"), winter(2024, 12, 31));
+  w.add(QStringLiteral("New year"), winter(2025, 1, 1));
+  w.add(QStringLiteral("A year later"), winter(2025, 12, 31));
+  w.setPeriod(QDate(2024, 12, 30), QDate(2025, 1, 2));
+  fetch();
+  EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Last year"), QStringLiteral("New year")));
+  EXPECT_EQ(w.cell(QStringLiteral("E3")), QStringLiteral("Wed 1/1/2025"));
+}
+
+TEST_F(Fetching, TakesTheWholeOfADayOnWhichTheClocksAreSet) {
+  for (const QDate& day : {QDate(2024, 3, 31), QDate(2024, 10, 27)}) {
+    const QTimeZone zone("Europe/Stockholm");
+    w.addAllDay(QStringLiteral("Fair"), day);
+    w.add(QStringLiteral("Midnight"), QDateTime(day, QTime(0, 0), zone), 15);
+    w.add(QStringLiteral("Late"), QDateTime(day, QTime(23, 30), zone), 15);
+    w.add(QStringLiteral("Too late"), QDateTime(day.addDays(1), QTime(0, 0), zone), 15);
+    w.setPeriod(day.addDays(-1), day);
+    fetch();
+    EXPECT_THAT(w.subjects(),
+                ElementsAre(QStringLiteral("Fair"), QStringLiteral("Midnight"), QStringLiteral("Late")));
+    EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("24"));
+  }
+}
+
+TEST_F(Fetching, SetsTheFontOfItsRowsAndLeavesRow200Alone) {
+  platform::owc::Spreadsheet& sheet = w.form->exsThisWeek;
+  sheet.ActiveSheet.Protection.Enabled = false;
+  sheet.Range(QStringLiteral("a1:g200")).setFontName(QStringLiteral("Courier"));
+  sheet.Range(QStringLiteral("a1:g200")).setFontSize(12);
+  fetch();
+  for (const char* address : {"A2", "G2", "A199", "G199"}) {
+    const auto format = sheet.Range(QString::fromLatin1(address)).format();
+    EXPECT_EQ(format.fontName, QStringLiteral("Tahoma")) << address;
+    EXPECT_EQ(format.fontSize, 8) << address;
+  }
+  for (const char* address : {"A1", "A200", "G200"}) {
+    const auto format = sheet.Range(QString::fromLatin1(address)).format();
+    EXPECT_EQ(format.fontName, QStringLiteral("Courier")) << address;
+    EXPECT_EQ(format.fontSize, 12) << address;
+  }
+}
+
+TEST_F(Fetching, SaysNothingOf198Rows) {
+  for (int n = 0; n < 198; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
+  fetch();
+  EXPECT_EQ(w.workspace->gLastRow, 199);
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
+}
+
+TEST_F(Fetching, WarnsAt199RowsAndReadsNoFurther) {
+  for (int n = 0; n < 199; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
+  w.world.dialogs.expect(QStringLiteral("more than 99"), 1);
+  fetch();
+  EXPECT_EQ(w.workspace->gLastRow, 200);
+  EXPECT_TRUE(w.world.dialogs.outstanding().isEmpty());
+  w.add(QStringLiteral("200"), at(16, 8));
+  w.world.dialogs.expect(QStringLiteral("more than 99"), 1);
+  fetch();
+  EXPECT_EQ(w.workspace->gLastRow, 200);
+  EXPECT_EQ(w.outlook->gRowItems.Count(), 199);
+  EXPECT_EQ(w.cell(QStringLiteral("A201")), QString());
+}
+
+TEST_F(Fetching, EndsTheProgramWithoutSettings) {
+  w.settings->gPersonalSettings.reset();
+  w.world.dialogs.expect(QStringLiteral("Sub routine : subGetData"), 7);
+  EXPECT_ENDS_PROCESS(fetch());
+  EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(QStringLiteral("#91")));
+}
+
+TEST_F(Fetching, EndsTheProgramUnderTheNameOfTheRowForHoursThatAreNoNumber) {
+  w.personal().Convert24 = true;
+  w.personal().Convert24Hours = platform::basic::Value(QStringLiteral("abc"));
+  w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14));
+  w.world.dialogs.expect(QStringLiteral("Sub routine : subAddRow"), 7);
+  EXPECT_ENDS_PROCESS(fetch());
+}
+
 TEST_F(Fetching, StopsAfterTheRow200AndSaysSo) {
   for (int n = 0; n < 205; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
   w.world.dialogs.expect(QStringLiteral("more than 99 appointments\" & vbCrLf & \"Choose"), 1);
@@ -336,12 +464,9 @@ TEST_F(Fetching, EndsTheProgramWithoutACalendar) {
 TEST_F(Fetching, LogsTheFilterOfItsSearch) {
   w.add(QStringLiteral("Meeting"), at(15, 9));
   w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 17));
-  w.shell->gLogToFile = true;
-  w.world.process.folder = w.world.programFolder();
+  w.startLog();
   fetch();
-  QFile log(w.world.programFolder() + QStringLiteral("/NorrdalenLog.txt"));
-  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-  const QString text = QString::fromUtf8(log.readAll());
+  const QString text = w.logged().join(u'\n');
   qsizetype from = 0;
   for (const QString& step :
        {QStringLiteral("Looping through current appointments"), QStringLiteral("Clearing the list"),
@@ -361,13 +486,9 @@ TEST_F(Fetching, LogsTheFilterOfItsSearch) {
 
 TEST_F(Fetching, LogsEachMarkingThatItWrites) {
   w.add(QStringLiteral("Meeting"), at(15, 9), 60, complete);
-  w.shell->gLogToFile = true;
-  w.world.process.folder = w.world.programFolder();
+  w.startLog();
   fetch();
-  QFile log(w.world.programFolder() + QStringLiteral("/NorrdalenLog.txt"));
-  ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(QString::fromUtf8(log.readAll())
-                  .contains(QStringLiteral("Setting value of cell 2 in range $A$2:$F$2 to Acme")));
+  EXPECT_TRUE(w.logged().contains(QStringLiteral("Setting value of cell 2 in range $A$2:$F$2 to Acme")));
 }
 
 class FetchingWithoutPickers : public testing::Test {
@@ -397,7 +518,7 @@ TEST_F(FetchingWithoutPickers, FindsNothingWhileTheControlsHoldNoDate) {
 TEST_F(FetchingWithoutPickers, LeavesTheListAsItStandsWhenThePeriodCannotBeComputed) {
   w.form->cmbYear.setText(QStringLiteral("last year"));
   subGetData();
-  EXPECT_EQ(w.form->MousePointer(), vbHourglass);
+  EXPECT_EQ(w.form->MousePointer(), 11);
   EXPECT_TRUE(w.workspace->gFetching);
   EXPECT_FALSE(w.form->exsThisWeek.EnableEvents);
   EXPECT_FALSE(w.form->exsThisWeek.ActiveSheet.Protection.Enabled);
@@ -405,7 +526,93 @@ TEST_F(FetchingWithoutPickers, LeavesTheListAsItStandsWhenThePeriodCannotBeCompu
   w.form->cmbYear.setText(QStringLiteral("2024"));
   subGetData();
   EXPECT_FALSE(w.workspace->gFetching);
-  EXPECT_EQ(w.form->MousePointer(), vbDefault);
+  EXPECT_EQ(w.form->MousePointer(), 0);
+}
+
+TEST_F(FetchingWithoutPickers, LeavesTheListAsItStandsForAPeriodBeyondTheLanguagesYears) {
+  const auto leaves = [&] {
+    subGetData();
+    const bool left = w.workspace->gFetching && w.form->MousePointer() == 11 &&
+                      w.cell(QStringLiteral("A2")) == QStringLiteral("Fetching appointments ...");
+    w.form->cmbYear.setText(QStringLiteral("2024"));
+    w.form->txtDays.setText(QStringLiteral("7"));
+    subGetData();
+    return left && !w.workspace->gFetching;
+  };
+  w.form->txtDays.setText(QStringLiteral("99999999"));
+  EXPECT_TRUE(leaves());
+  w.form->txtDays.setText(QStringLiteral("1E+300"));
+  EXPECT_TRUE(leaves());
+  w.form->cmbYear.setText(QStringLiteral("20000"));
+  EXPECT_TRUE(leaves());
+  w.form->cmbYear.setText(QStringLiteral("-1"));
+  EXPECT_TRUE(leaves());
+  w.workspace->gGridMode = true;
+  w.form->cmbYear.setText(QStringLiteral("20000"));
+  EXPECT_TRUE(leaves());
+}
+
+TEST_F(FetchingWithoutPickers, FetchesTheLastDaysOfTheLanguagesYearsAndFindsNothing) {
+  w.form->cmbYear.setText(QStringLiteral("9999"));
+  w.form->cmbMonth.setListIndex(11);
+  w.form->cmbDay.setListIndex(30);
+  subGetData();
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("No appointments found!"));
+  EXPECT_FALSE(w.workspace->gFetching);
+}
+
+/// Every row of the table of languages, and some that have none.
+QList<QString> locales() {
+  QList<QString> names{QStringLiteral("hu_HU"), QStringLiteral("et_EE"), QStringLiteral("ja_JP")};
+  for (const char* name : platform::locale::rowNames()) names.append(QString::fromLatin1(name));
+  return names;
+}
+
+TEST(FetchingInEveryLanguage, FindsTheFirstAndTheLastDayAndCountsAllWeekdays) {
+  for (const QString& name : locales()) {
+    WorkspaceWorld w;
+    w.world.setLocale(name);
+    w.withDatePickers();
+    w.loadForm();
+    for (int day = 13; day <= 19; ++day) w.add(QString::number(day), at(day, 9));
+    w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 19));
+    w.form->cmbFilterCalendar.setListIndex(2);
+    ASSERT_EQ(w.workspace->gLastRow, 8) << name.toStdString();
+    EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("13")) << name.toStdString();
+    EXPECT_EQ(w.cell(QStringLiteral("A8")), QStringLiteral("19")) << name.toStdString();
+    for (int row = 2; row <= 8; ++row) {
+      const platform::basic::Value date(Date::of(2024, 5, 11 + row));
+      EXPECT_EQ(w.cell(QStringLiteral("E%1").arg(row)),
+                QString(platform::basic::Format(date, QStringLiteral("ddd")) + u' ' +
+                        platform::basic::Format(date, QStringLiteral("Short Date"))));
+    }
+    EXPECT_EQ(w.form->lblHours.Caption(), QStringLiteral("7")) << name.toStdString();
+    ASSERT_EQ(w.workspace->hoursByGroup.Count(), 7) << name.toStdString();
+    EXPECT_THAT(w.workspace->hoursByGroup.Items(), testing::Each(1.0)) << name.toStdString();
+  }
+}
+
+TEST(FetchingInEveryLanguage, FindsTheAppointmentsOfTheYear2030) {
+  for (const QString& name : locales()) {
+    WorkspaceWorld w;
+    w.world.setLocale(name);
+    w.withDatePickers();
+    w.loadForm();
+    w.add(QStringLiteral("Work"), QDateTime(QDate(2030, 1, 7), QTime(9, 0), QTimeZone("Europe/Stockholm")));
+    w.setPeriod(QDate(2029, 12, 31), QDate(2030, 1, 7));
+    w.form->cmbFilterCalendar.setListIndex(2);
+    EXPECT_EQ(w.workspace->gLastRow, 2) << name.toStdString();
+  }
+}
+
+TEST(PersonalFilter, ThatCannotBeReadEndsTheProgramUnderItsName) {
+  WorkspaceWorld w;
+  w.add(QStringLiteral("Meeting"), at(15, 9));
+  const auto found = w.outlook->gCalendarFolder->Items().Item(1);
+  w.settings->gPersonalSettings.reset();
+  w.world.dialogs.expect(QStringLiteral("Sub routine : fncCheckInclude"), 7);
+  EXPECT_ENDS_PROCESS(fncCheckInclude(*found));
+  EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(QStringLiteral("#91")));
 }
 
 TEST(PersonalFilter, LetsEverythingThroughWithoutFilters) {

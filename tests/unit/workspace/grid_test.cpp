@@ -122,12 +122,100 @@ TEST_F(FetchingForTheGrid, LeavesTheWeekAloneWhileCodeSetsIt) {
   EXPECT_TRUE(grid->calls.isEmpty());
 }
 
-TEST(WithoutAGrid, TheBoxIsSwitchedOffAndSaysWhy) {
+TEST_F(FetchingForTheGrid, TakesTheWeekThatHoldsNewYearsDay) {
+  const auto winter = [](int year, int month, int day) {
+    return QDateTime(QDate(year, month, day), QTime(9, 0), QTimeZone("Europe/Stockholm"));
+  };
+  w.add(QStringLiteral("Sunday before"), winter(2024, 12, 29));
+  w.add(QStringLiteral("New Year's Eve"), winter(2024, 12, 31));
+  w.add(QStringLiteral("New Year's Day"), winter(2025, 1, 1));
+  w.add(QStringLiteral("Monday after"), winter(2025, 1, 6));
+  w.form->dtpStartDate->setValue(Date::of(2024, 12, 30));
+  w.form->chkGrid.setValue(1);
+  EXPECT_THAT(grid->calls.filter(QStringLiteral("subAddAppToGrid")),
+              ElementsAre(QStringLiteral("subAddAppToGrid New Year's Eve"),
+                          QStringLiteral("subAddAppToGrid New Year's Day")));
+  EXPECT_EQ(grid->dteGridStartDate, Date::of(2024, 12, 30));
+  EXPECT_EQ(w.form->dtpEndDate->Value(), Date::of(2025, 1, 5));
+  EXPECT_EQ(w.form->cmbWeek.Text(), QStringLiteral("1"));
+}
+
+TEST_F(FetchingForTheGrid, FetchesOnceForAWeekThatTheUserClicks) {
+  w.form->dtpStartDate->setValue(Date::of(2024, 5, 13));
+  w.form->chkGrid.setValue(1);
+  const int before = w.screen->refreshes;
+  w.form->cmbWeek.setListIndex(2);
+  EXPECT_EQ(w.screen->refreshes, before + 1);
+  EXPECT_EQ(w.form->dtpStartDate->Value(), Date::of(2024, 1, 15));
+  w.form->cmbWeek.setText(QStringLiteral("4"));
+  EXPECT_EQ(w.screen->refreshes, before + 2);
+}
+
+TEST_F(FetchingForTheGrid, OffersTheWeeksOfAYearAndNothingElse) {
+  EXPECT_EQ(w.form->cmbWeek.ListCount(), 53);
+  for (const char* text : {"0", "54", "x", ""})
+    EXPECT_THROW(w.form->cmbWeek.setText(QString::fromLatin1(text)), platform::Failure) << text;
+}
+
+TEST_F(FetchingForTheGrid, LeavesItsControlsToTheUser) {
+  for (const platform::forms::Control* control : std::initializer_list<const platform::forms::Control*>{
+           &w.form->chkGrid, &w.form->cmbWeek, &w.form->cmdAddNew, &w.form->cmdSaveChanges}) {
+    EXPECT_TRUE(control->Enabled()) << control->Name().toStdString();
+    EXPECT_EQ(control->ToolTipText(), QString()) << control->Name().toStdString();
+  }
+  EXPECT_FALSE(w.form->cmbMeta1.Enabled());
+}
+
+TEST_F(FetchingForTheGrid, SavesItsChangesOnRequest) {
+  w.form->chkGrid.setValue(1);
+  grid->calls.clear();
+  w.form->cmdSaveChanges.click();
+  EXPECT_THAT(grid->calls, ElementsAre(QStringLiteral("subSaveGridChanges")));
+}
+
+TEST(GridOfDropDowns, ShowsItsMondayAndSevenDays) {
+  WorkspaceWorld w;
+  w.workspace->newGridView = [] { return std::make_shared<NotedGrid>(); };
+  w.loadForm();
+  w.form->chkGrid.setValue(1);  // it is Wednesday, 15 May
+  EXPECT_EQ(w.form->cmbYear.Text(), QStringLiteral("2024"));
+  EXPECT_EQ(w.form->cmbMonth.ListIndex(), 4);
+  EXPECT_EQ(w.form->cmbDay.Text(), QStringLiteral("13"));
+  EXPECT_EQ(w.form->txtDays.Text(), QStringLiteral("7"));
+  EXPECT_EQ(w.workspace->gGridView->dteGridStartDate, Date::of(2024, 5, 13));
+}
+
+TEST(ChoosingAWeek, ChangesNothingUpToTheYear1900) {
+  WorkspaceWorld w;
+  w.withDatePickers();
+  w.loadForm();
+  w.setPeriod(QDate(1900, 6, 4), QDate(1900, 6, 10));
+  const int before = w.screen->refreshes;
+  w.form->cmbWeek.setText(QStringLiteral("3"));
+  EXPECT_EQ(w.form->dtpStartDate->Value(), Date::of(1900, 6, 4));
+  EXPECT_EQ(w.screen->refreshes, before);
+  w.setPeriod(QDate(1901, 6, 3), QDate(1901, 6, 9));
+  w.form->cmbWeek.setText(QStringLiteral("4"));
+  EXPECT_EQ(w.form->dtpStartDate->Value(), Date::of(1901, 1, 21));
+  EXPECT_EQ(w.screen->refreshes, before + 1);
+}
+
+TEST(ChoosingAWeek, OfAYearThatIsNoneEndsTheProgram) {
   WorkspaceWorld w;
   w.loadForm();
-  EXPECT_FALSE(w.form->chkGrid.Enabled());
-  EXPECT_EQ(w.form->chkGrid.ToolTipText(),
-            QStringLiteral("The week grid is not available in this version yet."));
+  w.form->cmbYear.setText(QStringLiteral("20000"));
+  w.world.dialogs.expect(QStringLiteral("Sub routine : subWeekChanged"), 7);
+  EXPECT_ENDS_PROCESS(w.form->cmbWeek.setText(QStringLiteral("3")));
+}
+
+TEST(WithoutAGrid, ItsControlsAreSwitchedOffAndSayWhy) {
+  WorkspaceWorld w;
+  w.loadForm();
+  for (const platform::forms::Control* control : std::initializer_list<const platform::forms::Control*>{
+           &w.form->chkGrid, &w.form->cmbWeek, &w.form->cmdAddNew, &w.form->cmdSaveChanges}) {
+    EXPECT_FALSE(control->Enabled()) << control->Name().toStdString();
+    EXPECT_EQ(control->ToolTipText(), QStringLiteral("The week grid is not available in this version yet."));
+  }
 }
 
 TEST(WithoutAGrid, TickingTheBoxByCodeFailsWithAClearText) {

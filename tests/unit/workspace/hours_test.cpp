@@ -66,7 +66,7 @@ TEST_F(Hours, ReadTheSettingsTextsByTheSystemsNumberFormat) {
 }
 
 TEST_F(Hours, AreShownWithAPointAndAtMostTwoDecimalsInEveryLanguage) {
-  for (const char* locale : {"en_US", "sv_SE", "de_DE", "fr_FR"}) {
+  for (const char* locale : {"en_US", "sv_SE", "de_DE", "fr_FR", "fa_IR"}) {
     w.world.setLocale(QString::fromLatin1(locale));
     EXPECT_EQ(shown(8 * 60), QStringLiteral("8")) << locale;
     EXPECT_EQ(shown(7 * 60 + 15), QStringLiteral("7.25")) << locale;
@@ -82,10 +82,29 @@ TEST_F(Hours, OfTheSettingsAreShownAsANumberToo) {
   EXPECT_EQ(shown(1440), QStringLiteral("8"));
 }
 
-TEST_F(Hours, RoundDaysToTheEvenNumberBeforeTheTestForWholeDays) {
+TEST_F(Hours, ThatAreNoWholeDaysStayClockHoursWhicheverWayTheirDaysRound) {
   w.personal().Convert24 = true;
   EXPECT_EQ(of(1440 * 2 + 720), 60);
   EXPECT_EQ(of(1440 * 3 + 720), 84);
+  EXPECT_EQ(of(1440 * 2 + 1), 2881 / 60.0);
+  EXPECT_EQ(of(1440 * 3 - 1), 4319 / 60.0);
+}
+
+TEST_F(Hours, OfNegativeWholeDaysStayClockHours) {
+  EXPECT_EQ(CDbl(fncWholeDaysToHours(-2 * 1440)), -48);
+}
+
+TEST_F(Hours, AreShownRoundedAwayFromZero) {
+  EXPECT_EQ(fncHoursText(Value(7.125)), QStringLiteral("7.13"));
+  EXPECT_EQ(fncHoursText(Value(0.005)), QStringLiteral("0.01"));
+}
+
+TEST_F(Hours, AreShownWithPlainDigitsAndAPointWhereTheSystemHasOtherOnes) {
+  for (const char* locale : {"fa_IR", "ar_EG", "ar_SA", "ur_PK", "hi_IN"}) {
+    w.world.setLocale(QString::fromLatin1(locale));
+    EXPECT_EQ(shown(7 * 60 + 15), QStringLiteral("7.25")) << locale;
+    EXPECT_EQ(shown(8 * 60), QStringLiteral("8")) << locale;
+  }
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "platform/basic/convert.h"
+#include "shell/Tolerate.h"
 #include "workspace/modGetData.h"
 #include "workspace/modReportForm.h"
 #include "workspaceworld.h"
@@ -49,6 +50,12 @@ TEST_F(PeriodOfPickers, EndsSixDaysBehindTheStartInGridMode) {
   EXPECT_EQ(fncGetEndDate(), day(2024, 5, 12));
 }
 
+TEST_F(PeriodOfPickers, EndsTodayInGridModeWhenItsWeekLiesBefore1900) {
+  w.form->dtpStartDate->setValue(Date::of(1899, 12, 1));
+  w.workspace->gGridMode = true;
+  EXPECT_EQ(fncGetEndDate(), day(2024, 5, 15));
+}
+
 class PeriodOfDropDowns : public testing::Test {
  protected:
   PeriodOfDropDowns() {
@@ -89,6 +96,33 @@ TEST_F(PeriodOfDropDowns, IsNoDateWhileAControlIsEmpty) {
 
 TEST_F(PeriodOfDropDowns, HasNoStartWithoutAnEnd) {
   EXPECT_EQ(fncGetStartDate(Date()), Date());
+}
+
+TEST_F(PeriodOfDropDowns, TakesYearsOfTwoDigitsAsTheLanguageDoes) {
+  const auto yearOf = [&](const char* text) {
+    w.form->cmbYear.setText(QString::fromLatin1(text));
+    return fncGetEndDate().year();
+  };
+  EXPECT_EQ(yearOf("0"), 2000);
+  EXPECT_EQ(yearOf("24"), 2024);
+  EXPECT_EQ(yearOf("29"), 2029);
+  EXPECT_EQ(yearOf("30"), 1930);
+  EXPECT_EQ(yearOf("99"), 1999);
+  EXPECT_EQ(yearOf("100"), 100);
+  EXPECT_EQ(yearOf("1999"), 1999);
+}
+
+TEST_F(PeriodOfDropDowns, FailsForADateBeyondTheLanguagesYears) {
+  const auto failure = [](const auto& read) {
+    const auto failed = tolerate(read);
+    return failed ? failed->number() : 0;
+  };
+  w.form->txtDays.setText(QStringLiteral("99999999"));
+  EXPECT_EQ(failure([] { fncGetStartDate(day(2024, 5, 15)); }), 6);
+  w.form->cmbYear.setText(QStringLiteral("20000"));
+  EXPECT_EQ(failure([] { fncGetEndDate(); }), 6);
+  w.form->cmbYear.setText(QStringLiteral("99999"));
+  EXPECT_EQ(failure([] { fncGetEndDate(); }), 6);
 }
 
 TEST_F(PeriodOfDropDowns, RunsOverIntoTheNextMonthForADayThatTheMonthLacks) {

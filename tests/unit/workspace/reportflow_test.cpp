@@ -3,6 +3,7 @@
 #include "settings/cGlobalSettings.h"
 #include "shell/modRegistryEntry.h"
 #include "workspace/modGetData.h"
+#include "workspace/modReportFlow.h"
 #include "workspaceworld.h"
 
 namespace tests {
@@ -125,6 +126,12 @@ TEST_F(Reporting, EndsTheProgramWhenNoOtherPeriodIsWanted) {
   answer(sure, vbYes);
   answer(QStringLiteral("another period?"), vbNo);
   EXPECT_ENDS_PROCESS(pressOK());
+}
+
+TEST_F(Reporting, EndsTheProgramUnderItsNameWithoutAForm) {
+  w.workspace->gReportForm.reset();
+  w.world.dialogs.expect(QStringLiteral("Sub routine : cmdOK_Click"), vbNo);
+  EXPECT_ENDS_PROCESS(cmdOK_Click());
 }
 
 TEST_F(Reporting, KeepsTheWishForTheGridWhereThereIsNone) {

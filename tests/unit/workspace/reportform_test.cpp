@@ -1,3 +1,4 @@
+#include "settings/cMetaDictionary.h"
 #include "workspace/modReportForm.h"
 #include "workspaceworld.h"
 
@@ -131,15 +132,9 @@ class Generations : public testing::Test {
  protected:
   /// The log of the load.
   QStringList logOf(qint16 generation) {
-    w.shell->gLogToFile = true;
-    w.world.process.folder = w.world.programFolder();
+    w.startLog();
     w.loadForm(generation);
-    QFile log(w.world.programFolder() + QStringLiteral("/NorrdalenLog.txt"));
-    if (!log.open(QIODevice::ReadOnly)) return {};
-    QStringList texts;
-    for (const QString& line : QString::fromUtf8(log.readAll()).split(QStringLiteral("\r\n")))
-      texts.append(line.section(u'\t', 2));
-    return texts;
+    return w.logged();
   }
   static qsizetype colours(const QStringList& log) {
     return log.indexOf(QStringLiteral("Setting the background color of the control"));
@@ -176,6 +171,53 @@ TEST_F(Generations, ElevenSetsItsColoursUpFirst) {
   EXPECT_TRUE(log.contains(QStringLiteral("Loading the frm2003Report")));
   EXPECT_LT(colours(log), dates(log));
   EXPECT_EQ(w.form->cmbChartType, nullptr);
+}
+
+TEST_F(Generations, LogTheStepsOfTheirStart) {
+  w.withDatePickers();
+  QStringList steps = logOf(11);
+  const QStringList wanted{QStringLiteral("Attempting to add the MS Date Picker control to the form"),
+                           QStringLiteral("Setting properties for dtpStartDate"),
+                           QStringLiteral("Attempting to set the current date to 5/15/2024"),
+                           QStringLiteral("Setting captions for report form")};
+  steps.removeIf([&](const QString& step) { return !wanted.contains(step); });
+  EXPECT_EQ(steps, wanted);
+}
+
+class FailingStep : public testing::Test {
+ protected:
+  void expectFailureIn(const char* procedure) {
+    w.world.dialogs.expect(QStringLiteral("Sub routine : ") + QString::fromLatin1(procedure), 7);
+  }
+  WorkspaceWorld w;
+};
+
+TEST_F(FailingStep, OfTheDateControlsEndsTheProgramUnderItsName) {
+  w.makeForm();
+  w.settings->gPersonalSettings.reset();
+  expectFailureIn("subSetupDateControls");
+  EXPECT_ENDS_PROCESS(subSetupDateControls());
+}
+
+TEST_F(FailingStep, OfTheMetaListsEndsTheProgramUnderItsName) {
+  w.makeForm();
+  w.personal().MetaDataLists.Item(1)->MetaDic.reset();
+  expectFailureIn("subFillDropDowns");
+  EXPECT_ENDS_PROCESS(subFillDropDowns());
+}
+
+TEST_F(FailingStep, OfTheCaptionsEndsTheProgramUnderItsName) {
+  w.makeForm();
+  w.settings->gPersonalSettings.reset();
+  expectFailureIn("subSetLangCaptions");
+  EXPECT_ENDS_PROCESS(subSetLangCaptions());
+}
+
+TEST_F(FailingStep, OfTheLoadItselfEndsTheProgramUnderItsName) {
+  w.makeForm();
+  w.shell->LNGFILTERS.clear();  // so there is no first filter to choose
+  expectFailureIn("Form_Load");
+  EXPECT_ENDS_PROCESS(w.form->Load());
 }
 
 TEST(Captions, ComeFromThePhrases) {
@@ -233,13 +275,27 @@ TEST(Captions, HideTheThirdListsColumnWithTwoLists) {
 TEST(Captions, HideBothColumnsWithOneList) {
   WorkspaceWorld w;
   w.setLists({QStringLiteral("Customer:Acme;")});
-  w.loadForm();
+  w.makeForm();
+  for (auto* dropDown : {&w.form->cmbMeta1, &w.form->cmbMeta2, &w.form->cmbMeta3}) dropDown->setVisible(true);
+  subSetLangCaptions();
+  EXPECT_TRUE(w.form->cmbMeta1.Visible());
   EXPECT_FALSE(w.form->exsThisWeek.columnHidden(2));
   EXPECT_TRUE(w.form->exsThisWeek.columnHidden(3));
   EXPECT_TRUE(w.form->exsThisWeek.columnHidden(4));
   EXPECT_EQ(w.form->tbsViews.Count(), 2);
   EXPECT_FALSE(w.form->cmbMeta2.Visible());
   EXPECT_FALSE(w.form->cmbMeta3.Visible());
+}
+
+TEST(Captions, NameWhatNoLabelStandsBeside) {
+  WorkspaceWorld w;
+  w.setLists({QStringLiteral("Customer:Acme;"), QStringLiteral("Project:Website;")});
+  w.loadForm();
+  EXPECT_EQ(w.form->vDaysBefore.AccessibleName(), QStringLiteral("Days before"));
+  EXPECT_EQ(w.form->tbsViews.AccessibleName(), QStringLiteral("Statistics"));
+  EXPECT_EQ(w.form->cmbMeta1.AccessibleName(), QStringLiteral("Customer"));
+  EXPECT_EQ(w.form->cmbMeta2.AccessibleName(), QStringLiteral("Project"));
+  EXPECT_EQ(w.form->cmbMeta3.AccessibleName(), QString());
 }
 
 class DaysBefore : public testing::Test {
@@ -347,8 +403,8 @@ TEST(Events, ThatAreNotThereYetAreSwitchedOffAndSayWhy) {
   WorkspaceWorld w;
   w.loadForm();
   for (platform::forms::Control* control : std::initializer_list<platform::forms::Control*>{
-           &w.form->cmdPrint, &w.form->cmdAddNew, &w.form->cmdSaveChanges, &w.form->cmbMeta1,
-           &w.form->cmbMeta2, &w.form->cmbMeta3, &w.form->excThisWeek}) {
+           &w.form->cmdPrint, &w.form->cmbWeek, &w.form->cmdAddNew, &w.form->cmdSaveChanges,
+           &w.form->cmbMeta1, &w.form->cmbMeta2, &w.form->cmbMeta3, &w.form->excThisWeek}) {
     EXPECT_FALSE(control->Enabled()) << control->Name().toStdString();
     EXPECT_TRUE(control->ToolTipText().contains(QStringLiteral("not available in this version yet")));
   }

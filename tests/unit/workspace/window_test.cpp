@@ -10,6 +10,7 @@
 #include <QDateEdit>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 
 namespace tests {
@@ -19,6 +20,9 @@ class Window : public testing::Test {
  protected:
   ReportForm& open(bool pickers = true) {
     if (pickers) w.withDatePickers();
+    return openWithWhatThereIs();
+  }
+  ReportForm& openWithWhatThereIs() {
     w.workspace->gOWCVersion = 11;
     w.workspace->gReportForm = w.form = frm2003Report();
     w.form->Load();
@@ -35,9 +39,63 @@ class Window : public testing::Test {
     auto* widget = control(name);
     return widget && widget->isVisibleTo(window);
   }
+  /// The keys of all buttons and labels that can be seen, by their names.
+  QHash<QString, QString> altKeys() const {
+    QHash<QString, QString> keys;
+    for (QWidget* widget : window->findChildren<QWidget*>()) {
+      if (!widget->isVisibleTo(window)) continue;
+      QString text;
+      if (auto* button = qobject_cast<QAbstractButton*>(widget)) text = button->text();
+      auto* label = qobject_cast<QLabel*>(widget);
+      if (label && label->buddy()) text = label->text();
+      const QString key = QKeySequence::mnemonic(text).toString();
+      if (!text.isEmpty() && !widget->objectName().startsWith(u"qt_")) keys.insert(widget->objectName(), key);
+    }
+    return keys;
+  }
+  void expectAKeyForEach(const QStringList& names) {
+    const QHash<QString, QString> keys = altKeys();
+    QSet<QString> taken;
+    for (const QString& name : names) {
+      const QString key = keys.value(name);
+      EXPECT_FALSE(key.isEmpty()) << name.toStdString();
+      EXPECT_FALSE(taken.contains(key)) << name.toStdString() << ' ' << key.toStdString();
+      taken.insert(key);
+    }
+    EXPECT_EQ(keys.size(), names.size());
+  }
+  void expectANameForEachControl() {
+    for (QWidget* widget : window->findChildren<QWidget*>()) {
+      if (widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_")) continue;
+      const bool scrollBar = qobject_cast<QScrollBar*>(widget) != nullptr;
+      if (widget->focusPolicy() == Qt::NoFocus && !scrollBar) continue;
+      if (!widget->isVisibleTo(window)) continue;
+      QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+      ASSERT_NE(accessible, nullptr);
+      EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << widget->objectName().toStdString();
+    }
+  }
+  void press(const char* name, Qt::Key key) {
+    control(name)->setFocus();
+    QTest::keyClick(control(name), key);
+  }
   WorkspaceWorld w;
   QWidget* window = nullptr;
 };
+
+/// Lets the box be ticked, and does nothing.
+struct IdleGrid : GridView {
+  void subAddGrid(ReportForm&) override {}
+  void subDisplayNonGridItems(bool, ReportForm&) override {}
+  void subStartWeek() override {}
+  void subAddAppToGrid(platform::outlook::AppointmentItem&, cMarking&) override {}
+  void subFillGrid() override {}
+  void subBuildMetaGrid() override {}
+  void subSumRowToGrid(bool) override {}
+  void subSaveGridChanges() override {}
+};
+
+const QString complete = QStringLiteral(";Acme;Website;Design");
 
 TEST_F(Window, HoldsEveryControlUnderItsName) {
   open();
@@ -107,9 +165,136 @@ TEST_F(Window, GivesEachButtonAKeyOfItsOwn) {
   }
 }
 
-TEST_F(Window, PressesOKOnEnter) {
+TEST_F(Window, KeepsTheKeyOfEachButtonThroughItsUse) {
+  w.workspace->newGridView = [] { return std::make_shared<IdleGrid>(); };
   open();
-  EXPECT_TRUE(control<QPushButton>("cmdOK")->isDefault());
+  w.form->cmdAddNew.setVisible(true);
+  w.form->cmdSaveChanges.setVisible(true);
+  w.form->cmdPrint.setEnabled(true);
+  const QHash<QString, QString> before = altKeys();
+  for (const char* name : {"cmdGetValues", "chkGrid", "cmdAddNew", "cmdSaveChanges", "cmdPrint", "cmdOK"}) {
+    EXPECT_FALSE(before.value(QString::fromLatin1(name)).isEmpty()) << name;
+    control<QAbstractButton>(name)->click();
+    EXPECT_EQ(altKeys(), before) << name;
+  }
+  EXPECT_ENDS_PROCESS(control<QAbstractButton>("cmdCancel")->click());
+  EXPECT_EQ(control<QAbstractButton>("cmdCancel")->shortcut().toString(),
+            before.value(QStringLiteral("cmdCancel")));
+}
+
+TEST_F(Window, GivesEachVisibleCaptionAKeyOfItsOwn) {
+  open();
+  expectAKeyForEach({QStringLiteral("lblStart"), QStringLiteral("lblEnd"), QStringLiteral("cmdGetValues"),
+                     QStringLiteral("chkGrid"), QStringLiteral("lblFilterCalendar"),
+                     QStringLiteral("cmdPrint"), QStringLiteral("cmdOK"), QStringLiteral("cmdCancel")});
+}
+
+TEST_F(Window, GivesEachVisibleCaptionAKeyOfItsOwnWithoutDatePickersToo) {
+  open(false);
+  expectAKeyForEach({QStringLiteral("lblYear"), QStringLiteral("lblMonth"), QStringLiteral("lblDay"),
+                     QStringLiteral("lblDaysBefore"), QStringLiteral("cmdGetValues"),
+                     QStringLiteral("chkGrid"), QStringLiteral("lblFilterCalendar"),
+                     QStringLiteral("cmdPrint"), QStringLiteral("cmdOK"), QStringLiteral("cmdCancel")});
+}
+
+TEST_F(Window, GivesEachVisibleCaptionAKeyOfItsOwnInAnotherLanguage) {
+  w.shell->LNGFROM = QStringLiteral("Från");
+  w.shell->LNGTO = QStringLiteral("Till");
+  w.shell->LNGGETVALUES = QStringLiteral("Hämta");
+  w.shell->LNGGRID = QStringLiteral("Tabell");
+  w.shell->LNGSHOW = QStringLiteral("Visa");
+  w.shell->LNGPRINT = QStringLiteral("Skriv ut");
+  w.shell->LNGCANCEL = QStringLiteral("Avbryt");
+  open();
+  expectAKeyForEach({QStringLiteral("lblStart"), QStringLiteral("lblEnd"), QStringLiteral("cmdGetValues"),
+                     QStringLiteral("chkGrid"), QStringLiteral("lblFilterCalendar"),
+                     QStringLiteral("cmdPrint"), QStringLiteral("cmdOK"), QStringLiteral("cmdCancel")});
+  EXPECT_EQ(altKeys().value(QStringLiteral("cmdGetValues")), QStringLiteral("Alt+H"));
+}
+
+TEST_F(Window, TakesNoLetterForWhatIsHidden) {
+  open();
+  // The labels of the hidden drop-downs come before the buttons and would have taken them.
+  w.form->lblYear.setCaption(QStringLiteral("P"));
+  w.form->lblWeek.setCaption(QStringLiteral("O"));
+  EXPECT_EQ(altKeys().value(QStringLiteral("cmdPrint")), QStringLiteral("Alt+P"));
+  EXPECT_EQ(altKeys().value(QStringLiteral("cmdOK")), QStringLiteral("Alt+O"));
+  w.form->fraPeriod.setVisible(true);
+  EXPECT_EQ(altKeys().value(QStringLiteral("lblYear")), QStringLiteral("Alt+P"));
+  EXPECT_NE(altKeys().value(QStringLiteral("cmdPrint")), QStringLiteral("Alt+P"));
+  w.form->fraPeriod.setVisible(false);
+  EXPECT_EQ(altKeys().value(QStringLiteral("cmdPrint")), QStringLiteral("Alt+P"));
+}
+
+TEST_F(Window, TakesBackTheKeysOfPickersThatAreRemoved) {
+  open();
+  w.form->lblStart.setCaption(QStringLiteral("Z"));
+  w.form->lblEnd.setCaption(QStringLiteral("Z"));
+  EXPECT_EQ(altKeys().value(QStringLiteral("lblEnd")), QString());
+  w.form->removePicker(w.form->dtpStartDate);
+  EXPECT_EQ(altKeys().value(QStringLiteral("lblEnd")), QStringLiteral("Alt+Z"));
+}
+
+TEST_F(Window, ShowsNothingOfThePickersWhenTheSecondCannotBeMade) {
+  int made = 0;
+  w.world.components.add<platform::forms::DTPicker>(QStringLiteral("MSComCtl2.DTPicker"), [&made] {
+    if (++made == 2) throw platform::Failure(429, QStringLiteral("no more"));
+    return std::make_shared<platform::forms::DTPicker>(QString());
+  });
+  openWithWhatThereIs();
+  EXPECT_EQ(made, 2);
+  EXPECT_TRUE(window->findChildren<QDateEdit*>().isEmpty());
+  for (const char* name : {"dtpStartDate", "dtpEndDate", "lblStart", "lblEnd", "lnTo"})
+    EXPECT_FALSE(seen(name)) << name;
+  EXPECT_TRUE(seen("fraPeriod"));
+}
+
+TEST_F(Window, PressesOKOnEnter) {
+  w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  open();
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+    w.world.dialogs.expect(QStringLiteral("Are you sure you want to do this?"), 7);
+    QTest::keyClick(window, key);
+  }
+  EXPECT_EQ(w.world.dialogs.shown.size(), 2);
+}
+
+TEST_F(Window, PressesOKOnEnterInAField) {
+  w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  open(false);
+  w.world.dialogs.expect(QStringLiteral("Are you sure you want to do this?"), 7);
+  press("txtDays", Qt::Key_Return);
+  EXPECT_EQ(w.world.dialogs.shown.size(), 1);
+}
+
+TEST_F(Window, PressesTheFocusedButtonOnEnterAndNotOK) {
+  w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+  open();
+  w.add(QStringLiteral("New"), at(15, 10), 60, complete);
+  press("cmdGetValues", Qt::Key_Return);
+  EXPECT_EQ(w.subjects().size(), 2);
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
+  EXPECT_ENDS_PROCESS(press("cmdCancel", Qt::Key_Return));
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
+}
+
+TEST_F(Window, FollowsALargerFont) {
+  open(false);
+  const auto heights = [&] {
+    return QList<int>{control("vDaysBefore")->height(),           control("chkGrid")->minimumHeight(),
+                      control("status")->minimumHeight(),         control("exsThisWeek")->minimumHeight(),
+                      control("excThisWeek")->minimumHeight(),    control("txtDays")->maximumWidth(),
+                      control("lblHours")->fontMetrics().height()};
+  };
+  const QList<int> before = heights();
+  QFont larger = window->font();
+  larger.setPointSizeF(larger.pointSizeF() * 2);
+  window->setFont(larger);
+  QCoreApplication::processEvents();
+  const QList<int> after = heights();
+  for (qsizetype i = 0; i < before.size(); ++i) EXPECT_GT(after[i], before[i]) << i;
+  EXPECT_EQ(control("vDaysBefore")->height(), control("txtDays")->sizeHint().height());
+  EXPECT_TRUE(control("lblHours")->font().bold());
 }
 
 TEST_F(Window, StaysOpenOnEscape) {
@@ -145,15 +330,23 @@ TEST_F(Window, LeadsTheKeyboardThroughItsControlsInReadingOrder) {
   EXPECT_EQ(order, wanted);
 }
 
-TEST_F(Window, HasANameForEveryControlThatTakesTheKeyboard) {
+TEST_F(Window, HasANameForEveryControl) {
+  open();
+  for (auto* dropDown : {&w.form->cmbMeta1, &w.form->cmbMeta2, &w.form->cmbMeta3}) dropDown->setVisible(true);
+  expectANameForEachControl();
+  EXPECT_EQ(control("cmbMeta2")->accessibleName(), QStringLiteral("Project"));
+  EXPECT_EQ(control("tbsViews")->accessibleName(), QStringLiteral("Statistics"));
+  const auto nameOf = [&](const char* name) {
+    return QAccessible::queryAccessibleInterface(control(name))->text(QAccessible::Name);
+  };
+  EXPECT_EQ(nameOf("dtpStartDate"), QStringLiteral("From"));
+  EXPECT_EQ(nameOf("dtpEndDate"), QStringLiteral("To"));
+}
+
+TEST_F(Window, HasANameForEveryControlWithoutDatePickersToo) {
   open(false);
-  for (QWidget* widget : window->findChildren<QWidget*>()) {
-    if (widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_")) continue;
-    if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisibleTo(window)) continue;
-    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
-    ASSERT_NE(accessible, nullptr);
-    EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << widget->objectName().toStdString();
-  }
+  expectANameForEachControl();
+  EXPECT_EQ(control("vDaysBefore")->accessibleName(), QStringLiteral("Days before"));
 }
 
 TEST_F(Window, ShowsTheTabsOfTheStatistics) {
@@ -176,20 +369,20 @@ TEST_F(Window, BreaksItsPeriodRowWhereItIsNarrow) {
 
 TEST_F(Window, ShowsTheHourglassWhileItFetches) {
   ReportForm& form = open();
-  form.setMousePointer(vbHourglass);
+  form.setMousePointer(11);
   ASSERT_NE(QApplication::overrideCursor(), nullptr);
   EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
-  form.setMousePointer(vbHourglass);
-  form.setMousePointer(vbDefault);
+  form.setMousePointer(11);
+  form.setMousePointer(0);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST(Mnemonics, TakeTheFirstFreeInitialAndThenAnyFreeLetter) {
-  EXPECT_EQ(
-      FormMnemonics::assigned({QStringLiteral("Print"), QStringLiteral("Get Posted"), QStringLiteral("Go"),
-                               QStringLiteral("Gp"), QString(), QStringLiteral("R&D")}),
-      (QStringList{QStringLiteral("&Print"), QStringLiteral("&Get Posted"), QStringLiteral("G&o"),
-                   QStringLiteral("Gp"), QString(), QStringLiteral("&R&&D")}));
+  EXPECT_EQ(FormMnemonics::assigned({QStringLiteral("Print"), QStringLiteral("Get Posted"),
+                                     QStringLiteral("Go"), QStringLiteral("Gp"), QString(),
+                                     QStringLiteral("R&D"), QStringLiteral("P&G")}),
+            (QStringList{QStringLiteral("&Print"), QStringLiteral("&Get Posted"), QStringLiteral("G&o"),
+                         QStringLiteral("Gp"), QString(), QStringLiteral("&R&&D"), QStringLiteral("P&&G")}));
 }
 
 TEST(FlowingRow, TakesNoRoomForHiddenItems) {

@@ -6,6 +6,8 @@
 #include "shell/modLanguage.h"
 #include "workspace/modReportForm.h"
 
+#include <QFile>
+
 namespace tests {
 
 namespace calendar = platform::calendar;
@@ -92,8 +94,9 @@ calendar::ItemKey WorkspaceWorld::add(const QString& subject, const QDateTime& s
 
 calendar::ItemKey WorkspaceWorld::addAllDay(const QString& subject, const QDate& day, int days,
                                             const QString& categories) {
-  calendar::Item item = appointment(subject, QDateTime(day, QTime(0, 0), QTimeZone("Europe/Stockholm")),
-                                    days * 1440, categories);
+  const QTimeZone zone("Europe/Stockholm");
+  calendar::Item item = appointment(subject, QDateTime(day, QTime(0, 0), zone), days * 1440, categories);
+  item.end = QDateTime(day.addDays(days), QTime(0, 0), zone);
   item.allDay = true;
   return calendar->add(folder, item);
 }
@@ -106,6 +109,20 @@ QStringList WorkspaceWorld::subjects() {
   QStringList found;
   for (int row = 2; row <= workspace->gLastRow; ++row) found.append(cell(QStringLiteral("A%1").arg(row)));
   return found;
+}
+
+void WorkspaceWorld::startLog() {
+  shell->gLogToFile = true;
+  world.process.folder = world.programFolder();
+}
+
+QStringList WorkspaceWorld::logged() const {
+  QFile log(world.programFolder() + QStringLiteral("/NorrdalenLog.txt"));
+  if (!log.open(QIODevice::ReadOnly)) return {};
+  QStringList texts;
+  for (const QString& line : QString::fromUtf8(log.readAll()).split(QStringLiteral("\r\n")))
+    texts.append(line.section(u'\t', 2));
+  return texts;
 }
 
 }  // namespace tests

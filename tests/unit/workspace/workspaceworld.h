@@ -67,6 +67,10 @@ class WorkspaceWorld {
   QString cell(const QString& address) const;
   /// Column A of the rows of the list.
   QStringList subjects();
+  /// From here on the log goes to a file, which `logged` reads.
+  void startLog();
+  /// The texts logged since, in order.
+  QStringList logged() const;
 
   TestWorld world;
   Shared<ShellValues>::Scope shell;
