@@ -15,6 +15,7 @@
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
 #include "shell/modLanguage.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
 #include "workspace/ReportForm.h"
@@ -39,14 +40,6 @@ void connectAndReadPhrases() {
   tolerate([] { LoadLanguages(fncGetlocalLanguage()); });
 }
 
-template <class T>
-const T& object(const T& pointer) {
-  if (!pointer)
-    throw Failure(platform::failure::objectNotSet,
-                  QStringLiteral("Object variable or With block variable not set"));
-  return pointer;
-}
-
 /// Takes the folder that the user has open. False: the program has nothing to report from.
 bool openCalendarFolder() {
   OutlookValues& values = outlookValues();
@@ -54,9 +47,9 @@ bool openCalendarFolder() {
     showCritical(phrases().LNGO2KNEEDED);
     return false;
   }
-  values.gCalendarFolder = object(values.gOutlookApp->ActiveExplorer())->CurrentFolder();
+  values.gCalendarFolder = present(values.gOutlookApp->ActiveExplorer()).CurrentFolder();
   // kept: from a folder of mails the program goes without a word
-  return object(values.gCalendarFolder)->DefaultItemType() == platform::outlook::olAppointmentItem;
+  return present(values.gCalendarFolder).DefaultItemType() == platform::outlook::olAppointmentItem;
 }
 
 bool readPersonalSettings() {
@@ -103,7 +96,8 @@ void showReportForm() {
     values.gReportForm->chkGrid.setValue(1);
 }
 
-void start(const StartParts& parts) {
+/// A failure before the calendar is known has a message of its own, without the report that others get.
+void start(const StartParts& parts) try {
   if (!openCalendarFolder()) return;
   if (!readPersonalSettings()) return;
   readGlobalSettings();
@@ -113,6 +107,9 @@ void start(const StartParts& parts) {
   if (parts.newGridView) workspaceValues().gGridView = parts.newGridView();
   loadReportForm(parts);
   showReportForm();
+} catch (const Failure&) {
+  if (outlookValues().gCalendarFolder) throw;
+  showCritical(QStringLiteral("Failed to connect to your current Outlook calendar folder"));
 }
 
 bool canCreateChart(const QString& progId) {
@@ -149,10 +146,7 @@ void Main(const StartParts& parts) try {
   connectAndReadPhrases();
   start(parts);
 } catch (const Failure& failure) {
-  if (outlookValues().gCalendarFolder)
-    subHandleError(failure, QStringLiteral("Main"));
-  else
-    showCritical(QStringLiteral("Failed to connect to your current Outlook calendar folder"));
+  subHandleError(failure, QStringLiteral("Main"));
 }
 
 qint16 fncGetOWCVersion() {

@@ -47,7 +47,7 @@ class FetchingGrid : public GridView {
 };
 
 struct NotedScreen : ReportFormScreen {
-  void setMousePointer(int pointer) override { fetches += pointer == vbHourglass; }
+  void setMousePointer(int pointer) override { fetches += pointer == 11; }
   void Refresh() override {}
   void Show() override {
     ++shows;
@@ -181,6 +181,56 @@ TEST_F(Start, TakesTheListSeparatorOfTheSystem) {
   EXPECT_EQ(values.shell->gListSeparator, QStringLiteral(";"));
 }
 
+TEST_F(Start, KnowsTheListSeparatorBeforeItTouchesOutlook) {
+  makeDatabase();
+  world.setLocale(QStringLiteral("sv_SE"));
+  QStringList known;
+  world.components.addRunning<Application>(QStringLiteral("Outlook.Application"), [&] {
+    known.append(values.shell->gListSeparator);
+    return outlook;
+  });
+  start();
+  ASSERT_FALSE(known.isEmpty());
+  EXPECT_EQ(known.first(), QStringLiteral(";"));
+}
+
+TEST_F(Start, ReplacesTheSettingsOfItsFirstStep) {
+  makeDatabase();
+  std::shared_ptr<cPersonalSettings> first;
+  world.components.addRunning<Application>(QStringLiteral("Outlook.Application"), [&] {
+    if (!first) first = values.settings->gPersonalSettings;
+    return outlook;
+  });
+  start();
+  ASSERT_NE(first, nullptr);
+  ASSERT_NE(values.settings->gPersonalSettings, nullptr);
+  EXPECT_NE(values.settings->gPersonalSettings, first);
+  EXPECT_EQ(first->MetaDataLists.Count(), 0);
+}
+
+/// A system whose settings cannot be read.
+class BrokenLocale : public platform::locale::Locale {
+ public:
+  QString name() const override { return QStringLiteral("en_US"); }
+  qint32 lcid() const override { return 1033; }
+  QString listSeparator() const override {
+    throw platform::Failure(platform::failure::invalidProcedureCall, QStringLiteral("No separator"));
+  }
+  QString decimalSign() const override { return QStringLiteral("."); }
+  QString shortDatePattern() const override { return QStringLiteral("M/d/yyyy"); }
+  QString weekdayName(int, bool) const override { return {}; }
+  QString monthName(int, bool) const override { return {}; }
+};
+
+TEST_F(Start, DoesNotBlameTheCalendarForAFailureBeforeItsConnection) {
+  const platform::locale::ScopedLocale locale(std::make_shared<BrokenLocale>());
+  world.dialogs.expect(QStringLiteral("No separator"), vbNo);
+  EXPECT_ENDS_PROCESS(start());
+  EXPECT_EQ(world.dialogs.shown.size(), 1);
+  // The phrases are not read yet.
+  EXPECT_TRUE(lastShown().text.contains(QStringLiteral(" : Main")));
+}
+
 TEST_F(Start, EndsWithAMessageWithoutOutlook) {
   world.components.remove(QStringLiteral("Outlook.Application"));
   expectMessage(QStringLiteral("Please start Outlook manually before you execute this application!"));
@@ -274,7 +324,11 @@ class WithoutAChart : public Start {
 TEST_F(WithoutAChart, OpensTheDownloadPageOnYesAndEnds) {
   world.dialogs.expect(question, vbYes);
   EXPECT_ENDS_PROCESS(start());
-  ASSERT_EQ(world.process.opened.size() + world.process.started.size(), 1);
+  ASSERT_EQ(world.dialogs.shown.size(), 1);
+  EXPECT_EQ(world.dialogs.shown[0].kind, platform::dialogs::Shown::Kind::Alert);
+  EXPECT_EQ(world.dialogs.shown[0].options, 4);
+  EXPECT_EQ(world.process.opened, QStringList{QStringLiteral("https://www.microsoft.com/download")});
+  EXPECT_TRUE(world.process.started.isEmpty());
 }
 
 TEST_F(WithoutAChart, SaysOnNoThatItShutsDownAndEnds) {
