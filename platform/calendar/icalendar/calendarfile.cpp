@@ -150,10 +150,8 @@ qint64 Event::latest() const {
   return latest + widestOffset;
 }
 
-QString CalendarFile::tag(const Event& event) const {
-  return QString::fromLatin1(
-      QCryptographicHash::hash(document.raw(*event.component).toByteArray(), QCryptographicHash::Sha1)
-          .toHex());
+QString CalendarFile::tagOf(const QByteArray& component) {
+  return QString::fromLatin1(QCryptographicHash::hash(component, QCryptographicHash::Sha1).toHex());
 }
 
 QList<const Component*> CalendarFile::zoneScope(const Event& event) const {

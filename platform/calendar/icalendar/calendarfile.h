@@ -37,7 +37,8 @@ struct CalendarFile {
   QList<Problem> problems;
 
   /// Identifies what is stored of one event: changes with any of its bytes.
-  QString tag(const Event& event) const;
+  QString tag(const Event& event) const { return tagOf(document.raw(*event.component).toByteArray()); }
+  static QString tagOf(const QByteArray& component);
   /// Where an event's definitions of time zones are looked for: its own calendar, then the others of the
   /// file.
   QList<const Component*> zoneScope(const Event& event) const;

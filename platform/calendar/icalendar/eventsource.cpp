@@ -47,17 +47,16 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
   QMap<QString, Stamp> found;
   std::error_code error;
   const fs::path root = native(path_);
-  const auto add = [&](const fs::path& file) {
+  const auto add = [&](const QString& name, const fs::directory_entry& file) {
     std::error_code ignored;
-    const auto time = fs::last_write_time(file, ignored);
-    const auto size = fs::is_regular_file(file, ignored) ? fs::file_size(file, ignored) : 0;
-    found.insert(QString::fromStdU16String(file.filename().u16string()),
-                 {nanoseconds(time), static_cast<qint64>(size)});
+    const auto time = file.last_write_time(ignored);
+    const auto size = file.is_regular_file(ignored) ? file.file_size(ignored) : 0;
+    found.insert(name, {nanoseconds(time), static_cast<qint64>(size)});
   };
   const fs::file_status status = fs::status(root, error);
   if (!fs::exists(status)) fail(errNotFound, label_, QStringLiteral("\"%1\" does not exist.").arg(path_));
   if (!fs::is_directory(status)) {
-    add(root);
+    add(QString::fromStdU16String(root.filename().u16string()), fs::directory_entry(root, error));
     return found;
   }
   fs::directory_iterator entry(root, error);
@@ -70,7 +69,7 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
     std::error_code ignored;
     if (!name.startsWith(u'.') && name.endsWith(u".ics", Qt::CaseInsensitive) &&
         !entry->is_directory(ignored))
-      add(entry->path());
+      add(name, *entry);
   }
   return found;
 }
@@ -151,6 +150,12 @@ QList<Problem> FileCache::problems() {
       all.append({entry.key(), 0, entry->error});
   }
   return all;
+}
+
+std::shared_ptr<const CalendarFile> FileCache::parsed(const QString& name, const QByteArray& bytes) const {
+  const auto known = entries_.constFind(name);
+  if (known != entries_.cend() && known->file && known->file->document.bytes == bytes) return known->file;
+  return calendarFile(name, bytes);
 }
 
 void FileCache::forget(const QString& name) {

@@ -29,6 +29,8 @@ class FileCache : public EventSource {
   QList<Problem> problems() override;
   void forget(const QString& name) override;
 
+  /// A file with this content, not taken apart again where it is known.
+  std::shared_ptr<const CalendarFile> parsed(const QString& name, const QByteArray& bytes) const;
   bool isFolder() const;
   QString pathOf(const QString& name) const;
   QString changeTag() const;

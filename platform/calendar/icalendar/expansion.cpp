@@ -85,13 +85,21 @@ void Expansion::note(const EventRef& ref, const QString& text) {
 }
 
 const EventRef* Expansion::masterOf(const Group& group, const EventRef& override) const {
-  const EventRef* elsewhere = nullptr;
+  const auto isDay = [](const DateValue& value) { return value.form == DateValue::Form::Date; };
+  const EventRef* best = nullptr;
+  int bestScore = 0;
   for (const EventRef& master : group.masters) {
-    if (!master.event->start) continue;
-    if (master.file == override.file) return &master;
-    if (!elsewhere && master.event->isSeries()) elsewhere = &master;
+    const Event& event = *master.event;
+    const bool here = master.file == override.file;
+    if (!event.start || (!here && !event.isSeries())) continue;
+    const bool ahead = here && event.component->offset < override.event->component->offset;
+    const int score = (here ? 8 : 1) + (event.isSeries() ? 4 : 0) + (ahead ? 1 : 0) +
+                      (isDay(*event.start) == isDay(*override.event->recurrenceId) ? 2 : 0);
+    if (score < bestScore || (score == bestScore && !ahead)) continue;  // of equals the nearest one ahead
+    best = &master;
+    bestScore = score;
   }
-  return elsewhere;
+  return best;
 }
 
 QString Expansion::overrideId(const Group& group, const EventRef& override) {

@@ -87,7 +87,7 @@ Transaction::Snapshot Transaction::open(const QString& name) const {
     const QFileInfo info(path);
     fail(!info.exists() ? errNotFound : !info.isReadable() ? errAccessDenied : errStoreBroken, result.error);
   }
-  return {calendarFile(name, result.bytes), result.fingerprint};
+  return {cache_.parsed(name, result.bytes), result.fingerprint};
 }
 
 /// The rename that puts the new content in place would go through even where the file itself is
@@ -209,12 +209,14 @@ QByteArray Transaction::saved(const Snapshot& snapshot, const Group& group, cons
     fail(errStoreBroken,
          QStringLiteral("\"%1\" cannot be changed without damage to \"%2\".")
              .arg(titleOf(*target.event.file, *target.event.event), cache_.pathOf(snapshot.file->name)));
+  writtenTag_ = CalendarFile::tagOf(editor.bytes());
   if (target.occurrence) return spliced(bytes, {{component.end, 0, editor.bytes()}});
   return spliced(bytes, {replacing(component, editor.bytes())});
 }
 
 Item Transaction::readBack(const QString& name, const QString& uid, const QString& recurrenceId,
                            const QString& place) {
+  cache_.withUid(uid);  // takes in what was written, so that the snapshot finds it there
   const Snapshot snapshot = open(name);
   const Group group = groupOf(snapshot, uid);
   std::optional<Item> found;
@@ -226,6 +228,10 @@ Item Transaction::readBack(const QString& name, const QString& uid, const QStrin
       found = expansion_.itemOf(ref, Kind::Exception, recurrenceId);
   }
   if (found) return *found;
+  for (const Event& event : snapshot.file->events)  // broken, but what was written is there
+    if (snapshot.file->tag(event) == writtenTag_)
+      return expansion_.itemOf({snapshot.file, &event}, event.isOverride() ? Kind::Exception : Kind::Single,
+                               recurrenceId);
   for (const EventRef& master : group.masters)
     if (master.file == snapshot.file)
       if (const auto occurrence = expansion_.occurrence(group, master, recurrenceId))

@@ -48,6 +48,7 @@ class Transaction {
   QString label_;
   QTimeZone zone_;
   QDateTime now_;
+  QString writtenTag_;  // of the component that was put into the file
   QList<Problem> ignored_;
   Expansion expansion_;
 };

@@ -115,3 +115,16 @@ TEST_F(IcalendarTest, TwoItemsOfOneUidAreToldApartByTheirPlace) {
             (QStringList{u"2024-02-05 09:00 - 09:00 First"_qs, u"2024-02-05 10:00 - 10:00 Changed"_qs,
                          u"2024-02-05 11:00 - 11:00 Third"_qs}));
 }
+
+TEST_F(IcalendarTest, AnExceptionBelongsToTheSeriesAndNotToASingleItemOfTheSameUid) {
+  const QByteArray other = event({"UID:s", "SUMMARY:Day", "DTSTART;VALUE=DATE:20240101"});
+  for (const QByteArray& content : {other + master, master + other}) {
+    write(u"s.ics"_qs, calendar(content));
+    Change change;
+    change.subject = u"Once"_qs;
+    const Item saved = save(expanded(u"2024-02-06"_qs, u"2024-02-06"_qs).at(0), change);
+    EXPECT_EQ(saved.kind, Kind::Exception);
+    EXPECT_EQ(saved.key.recurrenceId, u"20240206T090000"_qs);
+    EXPECT_EQ(shown(u"2024-02-06"_qs, u"2024-02-06"_qs), QStringList{u"2024-02-06 09:00 - 10:00 Once"_qs});
+  }
+}
