@@ -40,7 +40,7 @@ struct Recordset::Data {
   bool open = false;
   bool connected = false;
   bool writable = false;
-  bool immediate = false;  // changes go to the database at once
+  bool batch = false;  // changes would wait for an UpdateBatch
   qsizetype at = 0;
   bool onDeleted = false;  // the current row was deleted; `at` is the one behind it
   Edit edit = Edit::None;
@@ -49,6 +49,7 @@ struct Recordset::Data {
 
   void requireOpen() const;
   void requireWritable() const;
+  void refuseBatch() const;
   bool hasCurrent() const { return open && !onDeleted && at < rows.size(); }
   int position(const QString& name) const;
   int find(const QString& name) const;
@@ -67,8 +68,18 @@ void Recordset::Data::requireOpen() const {
                   ado::source);
 }
 
+void Recordset::Data::refuseBatch() const {
+  if (batch)
+    throw Failure(
+        adErrFeatureNotAvailable,
+        QStringLiteral("This recordset was opened for changes that are sent together (UpdateBatch), "
+                       "which this version cannot do. They would never reach the database."),
+        ado::source);
+}
+
 void Recordset::Data::requireWritable() const {
   requireOpen();
+  refuseBatch();
   if (connected && !writable)
     throw Failure(
         adErrFeatureNotAvailable,
@@ -239,7 +250,7 @@ void Recordset::Open() {
     d_->rows.clear();
     d_->connected = true;
     d_->writable = LockType != adLockReadOnly;
-    d_->immediate = d_->writable && LockType != adLockBatchOptimistic;
+    d_->batch = LockType == adLockBatchOptimistic;
     d_->readSelect();
   } else if (d_->columns.isEmpty()) {
     throw Failure(
@@ -281,7 +292,7 @@ int Recordset::RecordCount() const {
 
 void Recordset::MoveFirst() {
   d_->requireOpen();
-  Update();
+  writePending();
   if (d_->rows.isEmpty()) noCurrentRecord();
   d_->onDeleted = false;
   d_->at = 0;
@@ -289,7 +300,7 @@ void Recordset::MoveFirst() {
 
 void Recordset::MoveNext() {
   d_->requireOpen();
-  Update();
+  writePending();
   if (d_->onDeleted) {
     d_->onDeleted = false;
     return;
@@ -302,7 +313,7 @@ void Recordset::Find(const QString& criteria) {
   d_->requireOpen();
   const Criterion criterion = parseCriterion(criteria);
   const int column = d_->find(criterion.field);
-  Update();
+  writePending();
   if (!d_->hasCurrent()) noCurrentRecord();
   while (d_->at < d_->rows.size() && !criterion.matches(d_->rows[d_->at][column])) ++d_->at;
 }
@@ -335,14 +346,19 @@ void Recordset::AddNew(const QString& field, const basic::Value& value) {
 
 void Recordset::Update() {
   d_->requireOpen();
+  d_->refuseBatch();
+  writePending();
+}
+
+void Recordset::writePending() {
   if (d_->edit == Data::Edit::None) return;
   if (d_->edit == Data::Edit::New) {
-    if (d_->immediate) d_->writeNew();
+    if (d_->connected) d_->writeNew();
     d_->rows.append(d_->pending);
     d_->at = d_->rows.size() - 1;
     d_->onDeleted = false;
   } else {
-    if (d_->immediate) d_->writeChange();
+    if (d_->connected) d_->writeChange();
     d_->rows[d_->at] = d_->pending;
   }
   d_->dropEdit();
@@ -356,7 +372,7 @@ void Recordset::Delete() {
   }
   if (!d_->hasCurrent()) noCurrentRecord();
   d_->dropEdit();
-  if (d_->immediate) {
+  if (d_->connected) {
     QList<basic::Value> parameters;
     const QString condition = d_->where(d_->rows[d_->at], parameters);
     if (d_->connection->session()

@@ -41,7 +41,8 @@ class Fields {
 /// pending row of a table by its key and reads an auto-increment key back; without one (fields appended by
 /// hand) it is a plain table in memory. `Cancel` drops a pending new row or change, `Close` too; moving to
 /// another row or beginning a new one writes it first. A failing Update keeps it pending. A recordset over a
-/// connection that is not opened writable refuses changes with Failure 3251.
+/// connection that is not opened writable refuses changes with Failure 3251, and so does one opened for batch
+/// updates, since there is no UpdateBatch.
 ///
 /// A column of the type adDBDate holds a day: the time of day of what it is given is dropped.
 class Recordset {
@@ -82,6 +83,7 @@ class Recordset {
  private:
   friend class Field;
   friend class ado::Fields;
+  void writePending();
   struct Data;
   std::unique_ptr<Data> d_;
 };

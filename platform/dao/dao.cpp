@@ -85,7 +85,15 @@ Index TableDef::CreateIndex(const QString& name) const {
   return index;
 }
 
+void TableDef::refuseIndex(const Index& index) const {
+  throw Failure(3251,
+                QStringLiteral("Operation is not supported for this type of object: the index '%1' of '%2'.")
+                    .arg(index.Name, name_),
+                QStringLiteral("DAO"));
+}
+
 void TableDef::AppendIndex(const Index& index) {
+  if (index.Name != primaryKeyName) refuseIndex(index);
   for (const Index& present : indexes_)
     if (present.Name.compare(index.Name, Qt::CaseInsensitive) == 0 || (present.Primary && index.Primary))
       throw Failure(sql::errors::primaryKeyExists, QStringLiteral("Primary key already exists."),
@@ -98,12 +106,7 @@ void TableDef::AppendIndex(const Index& index) {
     // A counter is the key of its table from the outset. A key on other columns of a table that stands
     // already would have to move its rows, and other indexes only speed up: nothing asks for either.
     const bool counter = (found->Attributes & dbAutoIncrField) != 0;
-    if (!index.Primary || (appended_ && !counter) || (counter && index.Fields.size() > 1))
-      throw Failure(
-          3251,
-          QStringLiteral("Operation is not supported for this type of object: the index '%1' of '%2'.")
-              .arg(index.Name, name_),
-          QStringLiteral("DAO"));
+    if (!index.Primary || (appended_ && !counter) || (counter && index.Fields.size() > 1)) refuseIndex(index);
   }
   indexes_.append(index);
 }
@@ -202,7 +205,8 @@ std::shared_ptr<Database> DBEngine::OpenDatabase(const QString& path) {
   return std::make_shared<Database>(driver_->connect(connection), engine_);
 }
 
-std::shared_ptr<void> DBEngine::CompactDatabase(const QString& source, const QString& target) {
+std::shared_ptr<sql::CompactedSource> DBEngine::CompactDatabase(const QString& source,
+                                                                const QString& target) {
   return engine_->compact(source, target);
 }
 

@@ -46,6 +46,7 @@ class TableDef {
   Field CreateField(const QString& name, int type, int size = 0) const;
   void AppendField(const Field& field);
   Index CreateIndex(const QString& name) const;
+  /// The primary key, which bears the name "PrimaryKey". Any other index is refused with Failure 3251.
   void AppendIndex(const Index& index);
   const QList<Field>& Fields() const { return fields_; }
   const QList<Index>& Indexes() const { return indexes_; }
@@ -55,6 +56,7 @@ class TableDef {
  private:
   friend class Database;
   TableDef(Database* database, QString name) : database_(database), name_(std::move(name)) {}
+  [[noreturn]] void refuseIndex(const Index& index) const;
   Database* database_;
   QString name_;
   bool appended_ = false;
@@ -77,22 +79,35 @@ class Database {
 
  private:
   friend class TableDef;
+  friend class Transaction;
   sql::Session& session() const;  // Failure 3420 after Close
   std::unique_ptr<sql::Session> session_;
   std::shared_ptr<sql::FileEngine> engine_;
+};
+
+/// Changes to a database that are carried out together: `BeginTrans`, `CommitTrans`, and `Rollback` when it
+/// ends without. `AppendRelation` cannot stand in one.
+class Transaction {
+ public:
+  explicit Transaction(Database& database) : transaction_(database.session()) {}
+  void CommitTrans() { transaction_.commit(); }
+
+ private:
+  sql::Transaction transaction_;
 };
 
 /// `DAO.DBEngine` over the embedded engine.
 class DBEngine {
  public:
   DBEngine(std::shared_ptr<sql::Driver> driver, std::shared_ptr<sql::FileEngine> engine);
+  virtual ~DBEngine() = default;
   /// `locale` and `options` are taken as they stand; the embedded engine sorts by its own rules. Failure 3204
   /// when the file exists.
-  std::shared_ptr<Database> CreateDatabase(const QString& path, const QString& locale, int options);
+  virtual std::shared_ptr<Database> CreateDatabase(const QString& path, const QString& locale, int options);
   std::shared_ptr<Database> OpenDatabase(const QString& path);
   /// The source stays locked against others as long as the returned object lives; who ignores it lets go at
   /// once.
-  std::shared_ptr<void> CompactDatabase(const QString& source, const QString& target);
+  std::shared_ptr<sql::CompactedSource> CompactDatabase(const QString& source, const QString& target);
 
  private:
   std::shared_ptr<sql::Driver> driver_;

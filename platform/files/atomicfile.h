@@ -68,7 +68,8 @@ WriteResult replaceFile(const QString& path, const QByteArray& bytes,
                         FileMode mode = FileMode::Usual);
 
 /// Removes a file that is still what was read; the folder is fsynced. Of a symbolic link the link goes and
-/// what it leads to stays. A read-only file is refused.
+/// what it leads to stays. A read-only file is refused. When only the folder's fsync failed, the file is gone
+/// and counts as removed; `error` then says why it might be back after a power cut.
 WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& expected = std::nullopt);
 
 /// Gives a file another name in its folder, in one step. `ChangedMeanwhile`: that name is taken, and stays as

@@ -53,11 +53,15 @@ class ConnectionString {
 };
 
 /// An open connection. Closed when destroyed. Each statement stands by itself (is committed when `execute`
-/// returns).
+/// returns), unless a transaction has begun; see `Transaction`, which is the way to begin one.
 class Session {
  public:
   virtual ~Session() = default;
   virtual Result execute(const QString& sql, const QList<basic::Value>& parameters = {}) = 0;
+  /// A transaction within another one can be rolled back by itself, and is committed with the outer one.
+  virtual void begin() = 0;
+  virtual void commit() = 0;  // when it fails, the transaction still stands
+  virtual void rollback() = 0;
   virtual QStringList tables() = 0;
   virtual QList<Column> columns(const QString& table) = 0;  // empty when there is no such table
 };
@@ -68,7 +72,32 @@ class Driver {
   virtual std::unique_ptr<Session> connect(const ConnectionString& connection) = 0;
 };
 
-/// What else the file-database engine must do, for creating, upgrading and compacting.
+/// Statements that are carried out together. Rolled back when it ends without `commit`; a destructor must not
+/// throw, and the failure that led there is the one to tell.
+class Transaction {
+ public:
+  explicit Transaction(Session& session);
+  ~Transaction();
+  void commit();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+ private:
+  Session& session_;
+  bool committed_ = false;
+};
+
+/// A database file of which a compacted copy was made. As long as it lives nobody else gets at the file.
+class CompactedSource {
+ public:
+  virtual ~CompactedSource() = default;
+  /// To be called right before the copy takes the file's place: a failure when another file stands there by
+  /// now, or another one under the copy's name. A copy that is out of date then is removed.
+  virtual void requireUnchanged() const = 0;
+};
+
+/// What else the file-database engine must do, for creating, upgrading and compacting. Adding a relation is a
+/// transaction of its own and cannot stand within another one.
 class FileEngine {
  public:
   virtual ~FileEngine() = default;
@@ -79,10 +108,11 @@ class FileEngine {
   virtual QList<Relation> relations(Session& session) = 0;
   virtual void setCaption(Session& session, const QString& table, const QString& column,
                           const QString& caption) = 0;
-  /// Writes a compacted copy; fails when others are using the source or the target exists, and leaves no
-  /// target behind then. What is returned keeps the source locked against all others until it is let go, so
+  /// Writes a compacted copy, which only its owner can read until it is whole. Fails at once when another
+  /// program has the source open, busy with it or not, and when the target exists, and leaves no target of
+  /// its own behind then. What is returned keeps the source locked against all others until it is let go, so
   /// that nobody writes into a file that is about to be replaced.
-  virtual std::shared_ptr<void> compact(const QString& source, const QString& target) = 0;
+  virtual std::shared_ptr<CompactedSource> compact(const QString& source, const QString& target) = 0;
 };
 
 /// Drivers by provider name ("Microsoft.Jet.OLEDB.4.0", without regard to case).

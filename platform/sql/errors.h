@@ -20,6 +20,8 @@ inline constexpr qint32 tableNotFound = 3078;
 inline constexpr qint32 invalidName = 3125;
 inline constexpr qint32 fieldTooSmall = 3163;
 inline constexpr qint32 duplicateField = 3191;
+/// Another file has taken the place of the one that was opened.
+inline constexpr qint32 replacedByAnother = 3197;
 inline constexpr qint32 relatedRecords = 3200;
 inline constexpr qint32 relatedRecordRequired = 3201;
 inline constexpr qint32 databaseExists = 3204;
@@ -30,7 +32,10 @@ inline constexpr qint32 valueRequired = 3314;
 inline constexpr qint32 zeroLength = 3315;
 inline constexpr qint32 unrecognizedFormat = 3343;
 inline constexpr qint32 objectInvalid = 3420;
+inline constexpr qint32 unreadableValue = 3421;
 inline constexpr qint32 noUniqueIndex = 3609;
+/// A select of a column that the table does not have.
+inline constexpr qint32 noSuchColumn = -2147217904;
 /// A statement that the engine cannot carry out; the description is the engine's own.
 inline constexpr qint32 statementFailed = -2147217900;
 /// A connection string that does not have the form of one.

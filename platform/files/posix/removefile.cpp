@@ -35,7 +35,11 @@ WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& ex
     if (!mayBeRemoved(place, path, expected)) throw Changed();
     const bool gone = retried([&] { return calls().unlinkat(place.folder, place.name.constData()); }) == 0;
     if (!gone && !(errno == ENOENT && expected && !expected->exists)) fail(path, errno);
-    syncFolder(place);
+    try {
+      syncFolder(place);
+    } catch (const Trouble& trouble) {
+      result.error = trouble.error;  // it is gone all the same
+    }
   });
   return result;
 }

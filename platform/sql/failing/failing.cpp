@@ -78,6 +78,18 @@ Result FailingSession::execute(const QString& sql, const QList<basic::Value>& pa
   });
 }
 
+void FailingSession::begin() {
+  underPlan(*plan_, QStringLiteral("begin"), [&] { inner_->begin(); });
+}
+
+void FailingSession::commit() {
+  underPlan(*plan_, QStringLiteral("commit"), [&] { inner_->commit(); });
+}
+
+void FailingSession::rollback() {
+  underPlan(*plan_, QStringLiteral("rollback"), [&] { inner_->rollback(); });
+}
+
 QStringList FailingSession::tables() {
   return underPlan(*plan_, QStringLiteral("tables"), [&] { return inner_->tables(); });
 }
@@ -111,7 +123,7 @@ void FailingEngine::setCaption(Session& session, const QString& table, const QSt
             [&] { inner_->setCaption(session, table, column, caption); });
 }
 
-std::shared_ptr<void> FailingEngine::compact(const QString& source, const QString& target) {
+std::shared_ptr<CompactedSource> FailingEngine::compact(const QString& source, const QString& target) {
   return underPlan(*plan_, QStringLiteral("compact ") + source + u' ' + target,
                    [&] { return inner_->compact(source, target); });
 }

@@ -46,11 +46,15 @@ class FailingDriver : public Driver {
   std::shared_ptr<FaultPlan> plan_;
 };
 
+/// Transactions are matched as "begin", "commit" and "rollback".
 class FailingSession : public Session {
  public:
   FailingSession(std::unique_ptr<Session> inner, std::shared_ptr<FaultPlan> plan)
       : inner_(std::move(inner)), plan_(std::move(plan)) {}
   Result execute(const QString& sql, const QList<basic::Value>& parameters = {}) override;
+  void begin() override;
+  void commit() override;
+  void rollback() override;
   QStringList tables() override;
   QList<Column> columns(const QString& table) override;
 
@@ -73,7 +77,7 @@ class FailingEngine : public FileEngine {
   QList<Relation> relations(Session& session) override { return inner_->relations(session); }
   void setCaption(Session& session, const QString& table, const QString& column,
                   const QString& caption) override;
-  std::shared_ptr<void> compact(const QString& source, const QString& target) override;
+  std::shared_ptr<CompactedSource> compact(const QString& source, const QString& target) override;
 
  private:
   std::shared_ptr<FileEngine> inner_;

@@ -1,12 +1,12 @@
 #include "platform/sql/sqlite/databasefile.h"
 
-#include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #ifdef Q_OS_UNIX
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -40,14 +40,28 @@ QString systemForm(const QString& path) {
   return form.replace(u'\\', u'/');
 }
 
-FileKind recognise(const QString& path) {
+QString realPath(const QString& path) {
+  const QFileInfo info(path);
+  const QString real = info.canonicalFilePath();
+  if (!real.isEmpty()) return real;
+  const QString folder = QFileInfo(info.path()).canonicalFilePath();
+  return folder.isEmpty() ? path : folder + u'/' + info.fileName();
+}
+
+FileKind lookAt(const QString& path) {
   const QFileInfo info(path);
   if (!info.exists()) return QFileInfo(info.path()).isDir() ? FileKind::Missing : FileKind::FolderMissing;
   if (!info.isFile()) return FileKind::NotAFile;
+  if (!info.isReadable()) return FileKind::Unreadable;
+  return info.size() == 0 ? FileKind::Empty : FileKind::Sqlite;
+}
+
+namespace {
+
+FileKind kindByContent(const QString& path) {
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) return FileKind::Unreadable;
   const QByteArray start = file.read(magicLength);
-  if (start.isEmpty()) return FileKind::Empty;
   if (start.startsWith(sqliteMagic)) return FileKind::Sqlite;
   const QByteArray name = start.mid(accessMagic.size());
   if (start.startsWith(accessMagic) && (name.startsWith(jetName) || name.startsWith(aceName)))
@@ -55,8 +69,8 @@ FileKind recognise(const QString& path) {
   return FileKind::Other;
 }
 
-void requireDatabase(const QString& path) {
-  switch (recognise(path)) {
+void requireUsable(FileKind kind, const QString& path) {
+  switch (kind) {
     case FileKind::Sqlite:
       return;
     case FileKind::Missing:
@@ -91,16 +105,82 @@ void requireDatabase(const QString& path) {
   }
 }
 
+}  // namespace
+
+void requireFile(const QString& path) {
+  requireUsable(lookAt(path), path);
+}
+
+void refuseForeignFile(const QString& path) {
+  const FileKind kind = lookAt(path);
+  requireUsable(kind == FileKind::Sqlite ? kindByContent(path) : kind, path);
+}
+
+std::optional<FileIdentity> identityOf(const QString& path) {
+#ifdef Q_OS_UNIX
+  struct stat file {};
+  if (::stat(QFile::encodeName(path).constData(), &file) != 0) return std::nullopt;
+  return FileIdentity{file.st_dev, file.st_ino};
+#else
+  return QFileInfo::exists(path) ? std::make_optional(FileIdentity()) : std::nullopt;
+#endif
+}
+
+Failure replacedFailure(const QString& path) {
+  return {errors::replacedByAnother,
+          QStringLiteral("The database '%1' was replaced by another program; try again.").arg(path)};
+}
+
+FileIdentity createFile(const QString& path, int mode) {
+#ifdef Q_OS_UNIX
+  const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
+                                static_cast<mode_t>(mode));
+  const int problem = errno;
+  if (descriptor >= 0) {
+    struct stat file {};
+    ::fstat(descriptor, &file);
+    ::close(descriptor);
+    return {file.st_dev, file.st_ino};
+  }
+  if (problem == EEXIST)
+    throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(path));
+  if (problem == ENOSPC || problem == EDQUOT)
+    throw Failure(errors::diskFull, QStringLiteral("Not enough space on disk for '%1'.").arg(path));
+#else
+  Q_UNUSED(mode)
+  QFile file(path);
+  if (file.open(QIODevice::ReadWrite | QIODevice::NewOnly)) return {};
+  if (QFileInfo::exists(path))
+    throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(path));
+#endif
+  throw Failure(errors::noPermission,
+                QStringLiteral("The file '%1' cannot be made: you need permission to its folder.").arg(path));
+}
+
+void removeOwn(const QString& path, const FileIdentity& identity) {
+  if (identityOf(path) == identity) QFile::remove(path);
+}
+
+int rightsOfCopy(int mode, bool groupKept) {
+  const int bits = mode & 0777;
+  if (groupKept) return bits;
+  return (bits & ~0070) | (bits & 0070 & ((bits & 0007) << 3));
+}
+
 void takeAccessRights(const QString& from, const QString& to) {
 #ifdef Q_OS_UNIX
-  struct stat source {};
+  struct stat source {
+  }, own{};
   const QByteArray target = QFile::encodeName(to);
-  if (::stat(QFile::encodeName(from).constData(), &source) != 0) return;
-  if (::chown(target.constData(), source.st_uid, source.st_gid) != 0 &&
-      ::chown(target.constData(), static_cast<uid_t>(-1), source.st_gid) != 0) {
-    // neither is permitted: the file stays its maker's, with the mode below
+  if (::stat(QFile::encodeName(from).constData(), &source) == 0 && ::stat(target.constData(), &own) == 0) {
+    // only the administrator may give a file away; a member of a group may keep it in the group
+    const bool groupKept = (own.st_uid == source.st_uid && own.st_gid == source.st_gid) ||
+                           ::chown(target.constData(), source.st_uid, source.st_gid) == 0 ||
+                           ::chown(target.constData(), static_cast<uid_t>(-1), source.st_gid) == 0 ||
+                           own.st_gid == source.st_gid;
+    const int mode = rightsOfCopy(static_cast<int>(source.st_mode), groupKept);
+    if (::chmod(target.constData(), static_cast<mode_t>(mode)) == 0) return;
   }
-  if (::chmod(target.constData(), source.st_mode & 07777) == 0) return;
   throw Failure(errors::noPermission, QStringLiteral("The access rights of '%1' cannot be set.").arg(to));
 #else
   Q_UNUSED(from)

@@ -21,26 +21,33 @@ bool isWordSign(QChar c) {
   throw Failure(errors::syntax, QStringLiteral("%1 in query expression '%2'.").arg(what, where));
 }
 
-QDateTime readDate(const QString& text, const QString& pattern) {
-  static const QStringList times{QString(),
-                                 QStringLiteral(" H:m"),
-                                 QStringLiteral(" H:m:s"),
-                                 QStringLiteral(" h:m:s AP"),
-                                 QStringLiteral(" h:m AP"),
-                                 QStringLiteral("'T'H:m:s")};
-  for (const QString& time : times) {
-    const QDateTime read = QLocale::c().toDateTime(text, pattern + time);
-    if (read.isValid()) return read;
+/// Day and time are read apart: together they would be a moment of the machine's zone, and that one leaves
+/// out an hour each spring.
+QDate readDay(const QString& text) {
+  for (const QString& pattern : {QStringLiteral("M/d/yyyy"), QStringLiteral("yyyy-M-d")}) {
+    const QDate day = QLocale::c().toDate(text, pattern);
+    if (day.isValid()) return day;
+  }
+  return {};
+}
+
+QTime readTime(const QString& text) {
+  if (text.isEmpty()) return {0, 0};
+  for (const QString& pattern : {QStringLiteral("H:m"), QStringLiteral("H:m:s"), QStringLiteral("h:m:s AP"),
+                                 QStringLiteral("h:m AP")}) {
+    const QTime time = QLocale::c().toTime(text, pattern);
+    if (time.isValid()) return time;
   }
   return {};
 }
 
 QString dateLiteral(const QString& inner) {
+  static const QRegularExpression divider(QStringLiteral("[ T](?=\\d)"));
   const QString text = inner.simplified();
-  for (const QString& pattern : {QStringLiteral("M/d/yyyy"), QStringLiteral("yyyy-M-d")}) {
-    const QDateTime read = readDate(text, pattern);
-    if (read.isValid()) return u'\'' + storedDate(basic::Date::of(read.date(), read.time())) + u'\'';
-  }
+  const qsizetype end = text.indexOf(divider);
+  const QDate day = readDay(end < 0 ? text : text.left(end));
+  const QTime time = readTime(end < 0 ? QString() : text.mid(end + 1));
+  if (day.isValid() && time.isValid()) return u'\'' + storedDate(basic::Date::of(day, time)) + u'\'';
   unreadable(QStringLiteral("Syntax error in date"), u'#' + inner + u'#');
 }
 
@@ -62,6 +69,8 @@ class Translator {
         out_ += dateLiteral(literal(u'#'));
       else if (isWordSign(c))
         word();
+      else if (c == u'&')
+        join();
       else
         out_ += sql_[at_++];
     }
@@ -104,6 +113,11 @@ class Translator {
       out_ += u"last_insert_rowid()"_qs;
     else
       out_ += word;
+  }
+
+  void join() {
+    out_ += u"||"_qs;
+    ++at_;
   }
 
   const QString& sql_;

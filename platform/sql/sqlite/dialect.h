@@ -10,6 +10,7 @@ namespace platform::sql::sqlite {
 /// * TRUE and FALSE become -1 and 0, as they are stored
 /// * #2/5/2024# (month first, in every language) and #2024-02-05 09:00# become the text dates are stored as
 /// * "text" in double quotes is a text, [names] in brackets stay
+/// * a & b joins texts: a || b (which is Null when one of them is, where Access takes it for no text)
 /// * `delete * from` loses its star, @@IDENTITY gives the last counter value
 ///
 /// Failure 3075 for a date that cannot be read and a literal that is not closed.

@@ -6,41 +6,13 @@
 #include "platform/sql/sqlite/dialect.h"
 #include "platform/sql/sqlite/values.h"
 
-#include <QFile>
-#include <QFileInfo>
-
 namespace platform::sql::sqlite {
 
 namespace {
 
 const QString rebuildName = QStringLiteral("MSysRebuild");
-
-/// Statements that are carried out together. Rolled back when it ends without `commit`; a destructor must not
-/// throw, and the failure that led here is the one to tell.
-class Transaction {
- public:
-  explicit Transaction(Session& session) : session_(session) {
-    session_.execute(QStringLiteral("BEGIN IMMEDIATE"));
-  }
-  ~Transaction() {
-    if (committed_) return;
-    try {
-      session_.execute(QStringLiteral("ROLLBACK"));
-    } catch (const Failure&) {
-      // the engine has rolled back by itself already
-    }
-  }
-  void commit() {
-    session_.execute(QStringLiteral("COMMIT"));
-    committed_ = true;
-  }
-  Transaction(const Transaction&) = delete;
-  Transaction& operator=(const Transaction&) = delete;
-
- private:
-  Session& session_;
-  bool committed_ = false;
-};
+constexpr int modeOfNewDatabase = 0666;  // the umask takes off what this user keeps to himself
+constexpr int modeWhileCopied = 0600;
 
 /// Foreign keys are off while a table is exchanged under its children; has to stand outside of the
 /// transaction.
@@ -144,6 +116,24 @@ void setCounter(Session& session, const QString& table, qint64 value) {
   session.execute(QStringLiteral("INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)"), {table, value});
 }
 
+/// Where the columns begin in a "CREATE TABLE": the first bracket that is not part of the table's name.
+qsizetype columnsOf(const QString& sql) {
+  QChar closing;
+  for (qsizetype at = 0; at < sql.size(); ++at) {
+    const QChar c = sql[at];
+    if (!closing.isNull()) {
+      if (c == closing) closing = QChar();
+    } else if (c == u'(') {
+      return at;
+    } else if (c == u'[') {
+      closing = u']';
+    } else if (c == u'"' || c == u'`' || c == u'\'') {
+      closing = c;
+    }
+  }
+  return -1;
+}
+
 /// Exchanges a table for one that has a further constraint, by the procedure that the engine's makers give
 /// for it: new table, copy, drop, rename. Indexes and triggers are made again.
 void rebuildWith(Session& session, const QString& table, const QString& constraint) {
@@ -157,7 +147,7 @@ void rebuildWith(Session& session, const QString& table, const QString& constrai
           "AND sql IS NOT NULL"),
       {table});
   const qint64 count = counter(session, table);
-  const qsizetype open = sql.indexOf(u'(');
+  const qsizetype open = columnsOf(sql);
   const qsizetype close = sql.lastIndexOf(u')');
   session.execute(u"CREATE TABLE ["_qs + rebuildName + u"] "_qs + sql.mid(open, close - open) + u", "_qs +
                   constraint + sql.mid(close));
@@ -172,21 +162,15 @@ void rebuildWith(Session& session, const QString& table, const QString& constrai
 
 void SqliteEngine::createDatabase(const QString& path) {
   const QString file = systemForm(path);
-  switch (recognise(file)) {
-    case FileKind::Missing:
-      break;
-    case FileKind::FolderMissing:
-      requireDatabase(file);  // says so
-      break;
-    default:
-      throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(path));
-  }
+  if (lookAt(file) == FileKind::FolderMissing) requireFile(file);  // says so
+  const std::shared_ptr<const LockFile> lock =
+      LockFile::take(realPath(file), LockFile::Use::Shared, busyTimeout_);
+  const FileIdentity made = createFile(file, modeOfNewDatabase);
   OpenOptions options;
   options.busyTimeout = busyTimeout_;
   options.durability = durability_;
-  options.create = true;
   try {
-    SqliteSession session(fileUri(file, QStringLiteral("rwc")), file, options);
+    SqliteSession session(fileUri(file, QStringLiteral("rw")), file, options, lock);
     // the file is empty until something is written into it
     session.execute(QStringLiteral("PRAGMA encoding='UTF-8'"));
     Transaction transaction(session);
@@ -196,7 +180,7 @@ void SqliteEngine::createDatabase(const QString& path) {
                        "NULL)"));
     transaction.commit();
   } catch (const Failure&) {
-    QFile::remove(file);  // it did not exist before
+    removeOwn(file, made);
     throw;
   }
 }
@@ -296,38 +280,83 @@ void SqliteEngine::setCaption(Session& session, const QString& table, const QStr
   transaction.commit();
 }
 
-std::shared_ptr<void> SqliteEngine::compact(const QString& source, const QString& target) {
+namespace {
+
+/// The database that was copied, kept from all others: by the lock file from those that know it, by an
+/// exclusive lock on the database itself from those that do not.
+class HeldSource : public CompactedSource {
+ public:
+  HeldSource(QString source, QString target, const OpenOptions& options)
+      : source_(std::move(source)),
+        target_(std::move(target)),
+        options_(options),
+        lock_(LockFile::take(source_, LockFile::Use::Alone, 0)),
+        sourceFile_(identityOf(source_)),
+        session_(fileUri(source_, QStringLiteral("rw")), source_, options) {
+    session_.execute(QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
+    session_.execute(QStringLiteral("BEGIN EXCLUSIVE"));
+    session_.execute(QStringLiteral("COMMIT"));
+    // who has waited for a program without the lock file may hold a file that is no longer in its place
+    if (!sourceFile_ || identityOf(source_) != sourceFile_) throw replacedFailure(source_);
+  }
+
+  void copy() {
+    targetFile_ = createFile(target_, modeWhileCopied);
+    try {
+      session_.execute(QStringLiteral("VACUUM INTO ?"), {target_});
+      requireSound();
+      takeAccessRights(source_, target_);
+      if (options_.durability == Durability::PowerCut) syncToDisk(target_);
+      requireUnchanged();
+    } catch (const Failure&) {
+      removeOwn(target_, targetFile_);
+      throw;
+    }
+  }
+
+  void requireUnchanged() const override {
+    if (identityOf(source_) != sourceFile_) {
+      removeOwn(target_, targetFile_);
+      throw replacedFailure(source_);
+    }
+    if (identityOf(target_) != targetFile_) throw replacedFailure(target_);
+  }
+
+ private:
+  void requireSound() const {
+    SqliteSession copy(fileUri(target_, QStringLiteral("rw")), target_, options_);
+    if (firstText(copy.execute(QStringLiteral("PRAGMA quick_check"))) != u"ok")
+      throw Failure(errors::damaged,
+                    QStringLiteral("The compacted copy '%1' of the database is damaged.").arg(target_));
+  }
+
+  const QString source_, target_;
+  const OpenOptions options_;
+  const std::unique_ptr<LockFile> lock_;  // let go last
+  const std::optional<FileIdentity> sourceFile_;
+  FileIdentity targetFile_;
+  SqliteSession session_;
+};
+
+}  // namespace
+
+std::shared_ptr<CompactedSource> SqliteEngine::compact(const QString& source, const QString& target) {
   const QString from = systemForm(source);
   const QString to = systemForm(target);
-  requireDatabase(from);
-  if (recognise(to) == FileKind::FolderMissing) requireDatabase(to);
-  if (recognise(to) != FileKind::Missing)
-    throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(target));
+  requireFile(from);
+  if (lookAt(to) == FileKind::FolderMissing) requireFile(to);
   OpenOptions options;
   options.busyTimeout = busyTimeout_;
   options.durability = durability_;
-  auto session = std::make_shared<SqliteSession>(fileUri(from, QStringLiteral("rw")), from, options);
-  // An exclusive lock, held until the session is closed: a row that another program stored after the copy was
-  // made would be lost when the copy takes the file's place. (A program that has the file open but is not
-  // using it cannot be noticed; it is refused at its next write, because its file has moved.)
-  session->execute(QStringLiteral("PRAGMA locking_mode=EXCLUSIVE"));
-  session->execute(QStringLiteral("BEGIN EXCLUSIVE"));
-  session->execute(QStringLiteral("COMMIT"));
+  std::shared_ptr<HeldSource> held;
   try {
-    session->execute(QStringLiteral("VACUUM INTO ?"), {to});
-    {
-      SqliteSession copy(fileUri(to, QStringLiteral("rw")), to, options);
-      if (firstText(copy.execute(QStringLiteral("PRAGMA quick_check"))) != u"ok")
-        throw Failure(errors::damaged,
-                      QStringLiteral("The compacted copy '%1' of the database is damaged.").arg(to));
-    }
-    takeAccessRights(from, to);
-    if (durability_ == Durability::PowerCut) syncToDisk(to);
-  } catch (const Failure&) {
-    QFile::remove(to);
+    held = std::make_shared<HeldSource>(realPath(from), to, options);
+  } catch (const Failure& failure) {
+    if (failure.number() == errors::damaged) refuseForeignFile(from);
     throw;
   }
-  return session;
+  held->copy();
+  return held;
 }
 
 }  // namespace platform::sql::sqlite

@@ -21,7 +21,7 @@ class SqliteEngine : public FileEngine {
   QList<Relation> relations(Session& session) override;
   void setCaption(Session& session, const QString& table, const QString& column,
                   const QString& caption) override;
-  std::shared_ptr<void> compact(const QString& source, const QString& target) override;
+  std::shared_ptr<CompactedSource> compact(const QString& source, const QString& target) override;
 
  private:
   int busyTimeout_;

@@ -6,14 +6,13 @@
 #include "platform/sql/sqlite/dialect.h"
 #include "platform/sql/sqlite/values.h"
 
+#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUrl>
-
-#include <algorithm>
 
 namespace platform::sql::sqlite {
 
@@ -34,6 +33,8 @@ enum Code {
   codeNotADatabase = 26
 };
 constexpr int codeMask = 0xff;
+constexpr int mostOpenings = 2;
+constexpr int codeMoved = 1032;  // another file stands under the name of the one that is open
 
 QString nextConnectionName() {
   static QAtomicInt counter;
@@ -83,6 +84,7 @@ Failure constraintFailure(const QString& text, const QString& statement, const Q
 }
 
 Failure failureOf(int code, const QString& text, const QString& statement, const QString& label) {
+  if (code == codeMoved) return replacedFailure(label);
   switch (code & codeMask) {
     case codeBusy:
     case codeLocked:
@@ -115,6 +117,9 @@ Failure failureOf(int code, const QString& text, const QString& statement, const
     return {
         errors::tableNotFound,
         QStringLiteral("The database engine cannot find the input table or query: %1 (%2)").arg(text, label)};
+  if (text.contains(u"no such column"))
+    return {errors::noSuchColumn,
+            QStringLiteral("No value given for one or more required parameters: %1 (%2)").arg(text, label)};
   return {errors::statementFailed, QStringLiteral("%1 (%2)").arg(text, label)};
 }
 
@@ -125,8 +130,9 @@ QString fileUri(const QString& path, const QString& mode) {
          mode;
 }
 
-SqliteSession::SqliteSession(const QString& uri, const QString& label, const OpenOptions& options)
-    : connection_(nextConnectionName()), label_(label) {
+SqliteSession::SqliteSession(const QString& uri, const QString& label, const OpenOptions& options,
+                             std::shared_ptr<const LockFile> lock)
+    : connection_(nextConnectionName()), label_(label), lock_(std::move(lock)) {
   {
     QSqlDatabase base = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
     if (!base.isValid()) {
@@ -173,7 +179,7 @@ void SqliteSession::fail(const QSqlError& error, const QString& statement) const
 }
 
 Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& parameters) {
-  const QString statement = fromAccess(sql);
+  const QString statement = storedText(fromAccess(sql));
   QSqlQuery query(database());
   query.setForwardOnly(true);
   if (!query.prepare(statement)) fail(query.lastError(), statement);
@@ -196,24 +202,55 @@ Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& par
   if (query.lastError().isValid()) fail(query.lastError(), statement);
 
   result.columns = describe(record, stored);
-  for (const QVariantList& row : stored) {
-    QList<basic::Value> values;
-    for (qsizetype i = 0; i < row.size(); ++i) values.append(fromStored(row[i], result.columns[i].type));
-    result.rows.append(values);
-  }
+  for (const QVariantList& row : stored) result.rows.append(valuesOf(record, result.columns, row));
   return result;
 }
 
-/// The columns as their tables declare them; a computed one by the first value that it holds.
+QList<basic::Value> SqliteSession::valuesOf(const QSqlRecord& record, const QList<Column>& columns,
+                                            const QVariantList& row) const {
+  QList<basic::Value> values;
+  for (int i = 0; i < record.count(); ++i) {
+    try {
+      values.append(fromStored(row[i], columns[i].type));
+    } catch (const Failure& failure) {
+      throw Failure(failure.number(),
+                    QStringLiteral("%1 It stands in the column '%2' of the table '%3' (%4).")
+                        .arg(failure.description(), columns[i].name, record.field(i).tableName(), label_));
+    }
+  }
+  return values;
+}
+
+void SqliteSession::begin() {
+  execute(depth_ == 0 ? QStringLiteral("BEGIN IMMEDIATE") : QStringLiteral("SAVEPOINT level%1").arg(depth_));
+  ++depth_;
+}
+
+void SqliteSession::commit() {
+  execute(depth_ <= 1 ? QStringLiteral("COMMIT") : QStringLiteral("RELEASE level%1").arg(depth_ - 1));
+  --depth_;
+}
+
+void SqliteSession::rollback() {
+  const int level = depth_ = qMax(0, depth_ - 1);
+  if (level == 0) {
+    execute(QStringLiteral("ROLLBACK"));
+    return;
+  }
+  execute(QStringLiteral("ROLLBACK TO level%1").arg(level));
+  execute(QStringLiteral("RELEASE level%1").arg(level));
+}
+
+/// The columns as their tables declare them; a computed one by the values that it holds.
 QList<Column> SqliteSession::describe(const QSqlRecord& record, const QList<QVariantList>& rows) {
   QList<Column> list;
   QHash<QString, QList<Column>> origins;
   for (int i = 0; i < record.count(); ++i) {
     Column column;
     column.name = record.fieldName(i);
-    const auto firstValue =
-        std::find_if(rows.begin(), rows.end(), [i](const QVariantList& row) { return !row[i].isNull(); });
-    if (firstValue != rows.end()) column.type = typeOfValue((*firstValue)[i]);
+    QVariantList held;
+    for (const QVariantList& row : rows) held.append(row[i]);
+    column.type = typeOfValues(held);
     QString table = record.field(i).tableName();
     if (table.startsWith(u"sqlite_")) table.clear();  // the engine's own declare no types
     if (!table.isEmpty() && !origins.contains(table)) origins.insert(table, columns(table));
@@ -272,15 +309,41 @@ QList<Column> SqliteSession::columns(const QString& table) {
   return columns;
 }
 
+namespace {
+
+std::unique_ptr<SqliteSession> openFile(const QString& file, const QString& label, const OpenOptions& options,
+                                        const std::shared_ptr<const LockFile>& lock) {
+  const QString mode = options.readOnly ? QStringLiteral("ro") : QStringLiteral("rw");
+  try {
+    return std::make_unique<SqliteSession>(fileUri(file, mode), label, options, lock);
+  } catch (const Failure& failure) {
+    // What is no database reads as a damaged one. Only then are its bytes looked at: closing a file takes
+    // the process's locks off it, and a database that is merely busy may be so through this program.
+    if (failure.number() == errors::damaged) refuseForeignFile(label);
+    throw;
+  }
+}
+
+}  // namespace
+
 std::unique_ptr<Session> SqliteDriver::connect(const ConnectionString& connection) {
   const QString path = systemForm(connection.value(QStringLiteral("Data Source")));
-  requireDatabase(path);
+  // a compaction takes the file away for a moment: whether it is missing shows under the lock
+  if (lookAt(path) != FileKind::Missing || QFileInfo(path).isSymLink()) requireFile(path);
+  const QString file = realPath(path);
+  const std::shared_ptr<const LockFile> lock = LockFile::take(file, LockFile::Use::Shared, busyTimeout_);
+  requireFile(path);
   OpenOptions options;
   options.busyTimeout = busyTimeout_;
   options.durability = durability_;
   options.readOnly = connection.value(QStringLiteral("Mode")).compare(u"Read", Qt::CaseInsensitive) == 0;
-  const QString mode = options.readOnly ? QStringLiteral("ro") : QStringLiteral("rw");
-  return std::make_unique<SqliteSession>(fileUri(path, mode), path, options);
+  // a program that does not know the lock file may exchange the database while this one waits for it
+  for (int attempt = 1;; ++attempt) {
+    const auto before = identityOf(file);
+    auto session = openFile(file, path, options, lock);
+    if (before == identityOf(file)) return session;
+    if (attempt == mostOpenings) throw replacedFailure(path);
+  }
 }
 
 }  // namespace platform::sql::sqlite

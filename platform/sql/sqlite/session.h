@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/sql/driver.h"
+#include "platform/sql/sqlite/lockfile.h"
 
 #include <QAtomicInt>
 #include <QVariant>
@@ -35,10 +36,14 @@ struct OpenOptions {
 /// included; what is stamped elsewhere after that can rely on it.
 class SqliteSession : public Session {
  public:
-  /// `uri` is what SQLite opens, `label` what failures call it.
-  SqliteSession(const QString& uri, const QString& label, const OpenOptions& options);
+  /// `uri` is what SQLite opens, `label` what failures call it. `lock` is let go once the database is closed.
+  SqliteSession(const QString& uri, const QString& label, const OpenOptions& options,
+                std::shared_ptr<const LockFile> lock = nullptr);
   ~SqliteSession() override;
   Result execute(const QString& sql, const QList<basic::Value>& parameters = {}) override;
+  void begin() override;
+  void commit() override;
+  void rollback() override;
   QStringList tables() override;
   QList<Column> columns(const QString& table) override;
 
@@ -46,15 +51,19 @@ class SqliteSession : public Session {
   QSqlDatabase database() const;
   bool catalogued() const;
   QList<Column> describe(const QSqlRecord& record, const QList<QList<QVariant>>& rows);
+  QList<basic::Value> valuesOf(const QSqlRecord& record, const QList<Column>& columns,
+                               const QList<QVariant>& row) const;
   [[noreturn]] void fail(const QSqlError& error, const QString& statement) const;
   void close();
 
   QString connection_;
   QString label_;
+  std::shared_ptr<const LockFile> lock_;
+  int depth_ = 0;  // of transactions
 };
 
 /// The driver for files: "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=path". A missing file is never made.
-/// "Mode=Read" opens it read-only.
+/// "Mode=Read" opens it read-only. While a database is being compacted, connecting waits for it.
 class SqliteDriver : public Driver {
  public:
   explicit SqliteDriver(int busyTimeout = busyTimeoutMs, Durability durability = Durability::PowerCut)

@@ -3,9 +3,12 @@
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
 
+#include <QRegularExpression>
+
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace platform::sql::sqlite {
 
@@ -42,7 +45,7 @@ struct ToStored {
   QVariant operator()(double value) const { return value; }
   QVariant operator()(basic::Currency value) const { return storedCurrency(value); }
   QVariant operator()(const basic::Date& value) const { return storedDate(value); }
-  QVariant operator()(const QString& value) const { return value.isNull() ? QString(u""_qs) : value; }
+  QVariant operator()(const QString& value) const { return storedText(value); }
 };
 
 basic::Value wholeNumber(qlonglong number) {
@@ -51,15 +54,17 @@ basic::Value wholeNumber(qlonglong number) {
   return static_cast<qint64>(number);
 }
 
-basic::Value readDate(const QVariant& stored) {
-  if (stored.typeId() != QMetaType::QString) return basic::Date(stored.toDouble());
-  const QString text = stored.toString().trimmed();
-  const QString iso = QString(text).replace(u' ', u'T');
-  const QDateTime moment = QDateTime::fromString(iso, Qt::ISODate);
-  if (moment.isValid()) return basic::Date::of(moment.date(), moment.time());
-  const QDate day = QDate::fromString(text, Qt::ISODate);
-  if (day.isValid()) return basic::Date::of(day);
-  return text;
+/// Day and time apart: together they would be a moment of the machine's zone, which leaves out an hour each
+/// spring. Nothing when the text is no date.
+std::optional<basic::Date> dateOfText(const QString& text) {
+  static const QRegularExpression form(
+      QStringLiteral("^(\\d{4}-\\d\\d-\\d\\d)(?:[T ](\\d\\d:\\d\\d(?::\\d\\d(?:[.,]\\d+)?)?)"
+                     "(?:Z|[+-]\\d\\d:?\\d\\d)?)?$"));
+  const QRegularExpressionMatch match = form.match(text);
+  const QDate day = QDate::fromString(match.captured(1), Qt::ISODate);
+  const QTime time = match.hasCaptured(2) ? QTime::fromString(match.captured(2), Qt::ISODate) : QTime(0, 0);
+  if (!match.hasMatch() || !day.isValid() || !time.isValid()) return std::nullopt;
+  return basic::Date::of(day, time);
 }
 
 basic::Currency readCurrency(const QVariant& stored) {
@@ -69,6 +74,33 @@ basic::Currency readCurrency(const QVariant& stored) {
       return basic::Currency::fromTenThousandths(whole * currencyScale);
   }
   return basic::Currency::fromDouble(stored.toDouble());
+}
+
+/// The engine keeps what is no number as it was given, whatever the column's type: such a value must not pass
+/// for 0.
+QVariant requireNumber(const QVariant& stored) {
+  bool readable = stored.typeId() == QMetaType::QString || stored.typeId() == QMetaType::Int ||
+                  stored.typeId() == QMetaType::LongLong || stored.typeId() == QMetaType::Double;
+  const double number = readable ? stored.toDouble(&readable) : 0;
+  if (readable && std::isfinite(number)) return stored;
+  throw Failure(errors::unreadableValue,
+                QStringLiteral("Data type conversion error: \"%1\" is no number.").arg(stored.toString()));
+}
+
+basic::Value readDate(const QVariant& stored) {
+  if (stored.typeId() != QMetaType::QString) return basic::Date(requireNumber(stored).toDouble());
+  const QString text = stored.toString().trimmed();
+  if (const auto date = dateOfText(text)) return *date;
+  return text;
+}
+
+QVariant requireWhole(const QVariant& stored) {
+  const QVariant number = requireNumber(stored);
+  if (number.typeId() == QMetaType::LongLong || number.typeId() == QMetaType::Int) return number;
+  constexpr double limit = 9223372036854775808.0;
+  if (std::abs(number.toDouble()) < limit) return static_cast<qlonglong>(std::llround(number.toDouble()));
+  throw Failure(errors::unreadableValue,
+                QStringLiteral("Data type conversion error: %1 is too large.").arg(stored.toString()));
 }
 
 struct Declaration {
@@ -99,25 +131,39 @@ QVariant toStored(const basic::Value& value) {
   return std::visit(ToStored{}, value);
 }
 
+QString storedText(const QString& text) {
+  if (text.isNull()) return u""_qs;
+  const auto kept = [&text](qsizetype at) {
+    const QChar c = text[at];
+    if (c.isHighSurrogate()) return at + 1 < text.size() && text[at + 1].isLowSurrogate();
+    if (c.isLowSurrogate()) return at > 0 && text[at - 1].isHighSurrogate();
+    return !c.isNull();
+  };
+  QString whole = text;
+  for (qsizetype at = 0; at < text.size(); ++at)
+    if (!kept(at)) whole[at] = QChar(QChar::ReplacementCharacter);
+  return whole;
+}
+
 basic::Value fromStored(const QVariant& stored, Type type) {
   if (stored.isNull()) return basic::Null{};
   switch (type) {
     case Type::Boolean:
-      return stored.toDouble() != 0;
+      return requireNumber(stored).toDouble() != 0;
     case Type::Integer: {
-      const qlonglong number = stored.toLongLong();
+      const qlonglong number = requireWhole(stored).toLongLong();
       if (number >= std::numeric_limits<qint16>::min() && number <= std::numeric_limits<qint16>::max())
         return static_cast<qint16>(number);
       return wholeNumber(number);
     }
     case Type::Long:
-      return wholeNumber(stored.toLongLong());
+      return wholeNumber(requireWhole(stored).toLongLong());
     case Type::Single:
-      return static_cast<float>(stored.toDouble());
+      return static_cast<float>(requireNumber(stored).toDouble());
     case Type::Double:
-      return stored.toDouble();
+      return requireNumber(stored).toDouble();
     case Type::Currency:
-      return readCurrency(stored);
+      return readCurrency(requireNumber(stored));
     case Type::Date:
       return readDate(stored);
     case Type::Text:
@@ -162,16 +208,18 @@ Column typeOfDeclaration(const QString& declaration) {
   return column;
 }
 
-Type typeOfValue(const QVariant& stored) {
-  switch (stored.typeId()) {
-    case QMetaType::LongLong:
-    case QMetaType::Int:
-      return Type::Long;
-    case QMetaType::Double:
-      return Type::Double;
-    default:
+Type typeOfValues(const QVariantList& stored) {
+  bool fraction = false, number = false;
+  for (const QVariant& value : stored) {
+    if (value.isNull()) continue;
+    number = true;
+    if (value.typeId() == QMetaType::Double)
+      fraction = true;
+    else if (value.typeId() != QMetaType::LongLong && value.typeId() != QMetaType::Int)
       return Type::Text;
   }
+  if (!number) return Type::Text;
+  return fraction ? Type::Double : Type::Long;
 }
 
 }  // namespace platform::sql::sqlite

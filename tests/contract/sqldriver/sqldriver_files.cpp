@@ -2,6 +2,7 @@
 // give.
 #include "sqldriver_context.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -227,16 +228,70 @@ TEST_P(SqlDriver, TheSourceOfACopyStaysLockedUntilItIsLetGo) {
   connect()->execute(u"insert into tblPersons (strPersonName) values ('x')"_qs);
 }
 
-TEST_P(SqlDriver, AFileThatWasExchangedUnderAnIdleConnectionTakesNoRows) {
+TEST_P(SqlDriver, AnEmptyFileOrADanglingLinkIsNotMadeADatabase) {
   if (!context->has_files()) return;
-  const auto idle = connect();
-  createTables(*idle);
-  const QString target = context->path() + u".new"_qs;
-  const auto hold = context->engine().compact(context->path(), target);
-  ASSERT_TRUE(QFile::remove(context->path()));
-  ASSERT_TRUE(QFile::rename(target, context->path()));
-  EXPECT_NE(
-      failureNumber([&] { idle->execute(u"insert into tblPersons (strPersonName) values ('lost')"_qs); }), 0);
+  const QTemporaryDir folder;
+  const QString empty = folder.filePath(u"empty.mdb"_qs), link = folder.filePath(u"link.mdb"_qs);
+  write(empty, {});
+  ASSERT_TRUE(QFile::link(folder.filePath(u"elsewhere.mdb"_qs), link));
+  createTables(*connect());
+  for (const QString& path : {empty, link}) {
+    EXPECT_EQ(failureNumber([&] { context->engine().createDatabase(path); }), errors::databaseExists);
+    EXPECT_EQ(failureNumber([&] { context->engine().compact(context->path(), path); }),
+              errors::databaseExists);
+  }
+  EXPECT_FALSE(QFile::exists(folder.filePath(u"elsewhere.mdb"_qs)));
+  EXPECT_EQ(QFileInfo(empty).size(), 0);
+}
+
+TEST_P(SqlDriver, NothingStandsBesideADatabaseThatNobodyHasOpen) {
+  if (!context->has_files()) return;
+  createTables(*connect());
+  context->engine().compact(context->path(), context->path() + u".new"_qs);
+  EXPECT_EQ(
+      QFileInfo(context->path()).dir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+      QStringList({u"contract.mdb"_qs, u"contract.mdb.new"_qs}));
+}
+
+TEST_P(SqlDriver, ATransactionIsCarriedOutWholeOrNotAtAll) {
+  const auto session = connect();
+  createTables(*session);
+  const auto add = [&](const QString& name) {
+    session->execute(u"insert into tblPersons (strPersonName) values (?)"_qs, {name});
+  };
+  {
+    Transaction dropped(*session);
+    add(u"dropped"_qs);
+  }
+  Transaction outer(*session);
+  add(u"a"_qs);
+  {
+    Transaction inner(*session);
+    add(u"dropped too"_qs);
+  }
+  {
+    Transaction inner(*session);
+    add(u"b"_qs);
+    Column extra = column(u"intExtra"_qs, Type::Long);
+    context->engine().addColumn(*session, u"tblPersons"_qs, extra);
+    inner.commit();
+  }
+  outer.commit();
+  const Result result = session->execute(u"select strPersonName, intExtra from tblPersons"_qs);
+  ASSERT_EQ(result.rows.size(), 2);
+  EXPECT_TRUE(result.rows[0][0] == Value(u"a"_qs));
+  EXPECT_TRUE(result.rows[1][0] == Value(u"b"_qs));
+  session->execute(u"insert into tblPersons (strPersonName) values ('c')"_qs);  // by itself again
+}
+
+TEST_P(SqlDriver, WhatIsCommittedInsideGoesWhenTheOutsideIsRolledBack) {
+  const auto session = connect();
+  createTables(*session);
+  {
+    Transaction outer(*session);
+    context->engine().addColumn(*session, u"tblPersons"_qs, column(u"intExtra"_qs, Type::Long));
+  }
+  EXPECT_EQ(session->columns(u"tblPersons"_qs).size(), 2);
 }
 
 }  // namespace contract

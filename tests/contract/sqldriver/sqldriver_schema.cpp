@@ -172,6 +172,19 @@ TEST_P(SqlDriver, ARelationKeepsRowsColumnsCaptionsAndTheCounter) {
   EXPECT_EQ(session->tables(), QStringList({u"tblPersons"_qs, u"tblReports"_qs}));
 }
 
+TEST_P(SqlDriver, ATableMayHaveRoundBracketsInItsName) {
+  const auto session = connect();
+  context->engine().createTable(*session, u"tblPersons"_qs, {key(u"intPersonID"_qs)});
+  context->engine().createTable(*session, u"old (copy) reports"_qs,
+                                {key(u"intReportID"_qs), column(u"intPersonID"_qs, Type::Long)});
+  context->engine().addRelation(*session,
+                                {u"R"_qs, u"tblPersons"_qs, u"old (copy) reports"_qs, u"intPersonID"_qs});
+  EXPECT_EQ(session->columns(u"old (copy) reports"_qs).size(), 2);
+  EXPECT_EQ(failureNumber(
+                [&] { session->execute(u"insert into [old (copy) reports] (intPersonID) values (1)"_qs); }),
+            errors::relatedRecordRequired);
+}
+
 TEST_P(SqlDriver, ARelationThatTheRowsBreakIsNotMade) {
   const auto session = connect();
   context->engine().createTable(*session, u"tblPersons"_qs, {key(u"intPersonID"_qs)});

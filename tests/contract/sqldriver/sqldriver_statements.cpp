@@ -240,4 +240,44 @@ TEST_P(SqlDriver, WhatOneConnectionWroteTheNextReads) {
   EXPECT_TRUE(single(*session, u"select strPersonName from tblPersons"_qs) == Value(u"kept"_qs));
 }
 
+TEST_P(SqlDriver, AMissingColumnIsToldFromAnyOtherFailure) {
+  const auto session = connect();
+  createTables(*session);
+  const auto asking = [&] { session->execute(u"select top 1 strNone from tblReports"_qs); };
+  EXPECT_EQ(failureNumber(asking), errors::noSuchColumn);
+  EXPECT_TRUE(failureText(asking).contains(u"strNone")) << qPrintable(failureText(asking));
+}
+
+TEST_P(SqlDriver, AValueThatIsNoneOfItsColumnsTypeIsNamedAndNotTakenForZero) {
+  const auto session = connect();
+  createTables(*session);
+  const QList<std::pair<QString, QString>> values{{u"curCost"_qs, u"450,5"_qs},
+                                                  {u"blnBilled"_qs, u"True"_qs},
+                                                  {u"numHours"_qs, u"many"_qs},
+                                                  {u"intKind"_qs, u"x"_qs},
+                                                  {u"dblShare"_qs, u"?"_qs}};
+  for (const auto& [column, value] : values) {
+    session->execute(u"delete from tblReports"_qs);
+    session->execute(u"insert into tblReports (%1) values (?)"_qs.arg(column), {value});
+    const auto reading = [&] { session->execute(u"select * from tblReports"_qs); };
+    EXPECT_EQ(failureNumber(reading), errors::unreadableValue) << qPrintable(column);
+    const QString text = failureText(reading);
+    for (const QString& part : {value, column, u"tblReports"_qs, u"contract"_qs})
+      EXPECT_TRUE(text.contains(part)) << qPrintable(text);
+  }
+}
+
+TEST_P(SqlDriver, AComputedColumnOfNumbersAndTextsHoldsTexts) {
+  const auto session = connect();
+  const Result result = session->execute(u"select 1 as a union all select 'b' order by a"_qs);
+  ASSERT_EQ(result.rows.size(), 2);
+  EXPECT_TRUE(result.rows[0][0] == Value(u"1"_qs));
+  EXPECT_TRUE(result.rows[1][0] == Value(u"b"_qs));
+}
+
+TEST_P(SqlDriver, TextsAreJoinedWithAnAmpersand) {
+  const auto session = connect();
+  EXPECT_TRUE(single(*session, u"select 'a' & ' & ' & 'b'"_qs) == Value(u"a & b"_qs));
+}
+
 }  // namespace contract

@@ -121,8 +121,41 @@ TEST_F(Dao, AnIndexThatTheEngineCannotMakeIsRefusedAndNotPretended) {
   Index index = table->CreateIndex(u"ixName"_qs);
   index.Fields.append(u"strPersonName"_qs);
   EXPECT_EQ(numberOf([&] { table->AppendIndex(index); }), 3251);
+  index.Primary = true;
+  index.Fields = {u"intPersonID"_qs};
+  EXPECT_EQ(numberOf([&] { db->CreateTableDef(u"tblNew"_qs)->AppendIndex(index); }), 3251)
+      << "a primary key has its name";
+  index.Name = u"PrimaryKey"_qs;
   index.Fields = {u"strNone"_qs};
-  EXPECT_EQ(numberOf([&] { table->AppendIndex(index); }), 3265);
+  EXPECT_EQ(numberOf([&] { db->CreateTableDef(u"tblNew"_qs)->AppendIndex(index); }), 3265);
+}
+
+TEST_F(Dao, ATransactionThatEndsWithoutItsCommitLeavesNothing) {
+  persons();
+  {
+    Transaction transaction(*db);
+    db->TableDefs(u"tblPersons"_qs)->AppendField(db->CreateTableDef({})->CreateField(u"intAge"_qs, dbLong));
+    db->Execute(u"insert into tblPersons (intAge) values (1)"_qs);
+  }
+  EXPECT_EQ(db->TableDefs(u"tblPersons"_qs)->Fields().size(), 1);
+  Transaction transaction(*db);
+  db->Execute(u"insert into tblPersons default values"_qs);
+  transaction.CommitTrans();
+  db->Close();
+  EXPECT_EQ(engine.OpenDatabase(path)->TableDefs(u"tblPersons"_qs)->Fields().size(), 1);
+}
+
+TEST_F(Dao, ATableIsAppendedWithAllItsFieldsAtOnce) {
+  const auto table = db->CreateTableDef(u"tblOther"_qs);
+  Field id = table->CreateField(u"intID"_qs, dbLong);
+  id.Attributes = dbAutoIncrField;
+  id.Caption = u"The ID"_qs;
+  table->AppendField(id);
+  table->AppendField(table->CreateField(u"strValue"_qs, dbMemo));
+  db->AppendTableDef(table);
+  const auto read = db->TableDefs(u"tblOther"_qs);
+  ASSERT_EQ(read->Fields().size(), 2);
+  EXPECT_EQ(read->Fields()[0].Caption, u"The ID"_qs);
 }
 
 TEST_F(Dao, RelationsAreKept) {

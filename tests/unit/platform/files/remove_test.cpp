@@ -66,7 +66,7 @@ TEST(RemoveFile, OfALinkRemovesTheLinkAndKeepsWhatItLeadsTo) {
   EXPECT_EQ(folder.names(), QStringList{name});
 }
 
-TEST(RemoveFile, SyncsTheFolderAndSaysWhenThatFails) {
+TEST(RemoveFile, SyncsTheFolderAndSaysWhenThatFailsThoughTheFileIsGone) {
   TestFolder folder;
   folder.put(name, "x");
   SystemCalls calls = SystemCalls::ofTheSystem();
@@ -75,7 +75,10 @@ TEST(RemoveFile, SyncsTheFolderAndSaysWhenThatFails) {
     return -1;
   };
   const ScopedSystemCalls scope(calls);
-  EXPECT_EQ(removeFile(folder.path(name)).error, folder.path(name) + u": Input/output error"_qs);
+  const WriteResult result = removeFile(folder.path(name));
+  EXPECT_EQ(result.outcome, Outcome::Written);
+  EXPECT_EQ(result.error, folder.path(name) + u": Input/output error"_qs);
+  EXPECT_TRUE(folder.names().isEmpty());
 }
 
 TEST(RemoveFile, NamesTheFileWhenTheFolderIsReadOnly) {

@@ -2,6 +2,7 @@
 
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
+#include "scopedtimezone.h"
 
 #include <gtest/gtest.h>
 
@@ -76,4 +77,14 @@ TEST(Dialect, ADeleteLosesItsStar) {
 TEST(Dialect, StatementsOfTheEnginesOwnPassAsTheyStand) {
   const QString sql = u"CREATE TABLE \"t\" (a CHECK(a <> TRUE))"_qs;
   EXPECT_EQ(fromAccess(sql), sql);
+}
+
+TEST(Dialect, ADateIsReadEvenWhereTheMachinesClockLeavesThatHourOut) {
+  const tests::ScopedTimeZone zone(tests::noMidnightOnFebruary5);
+  EXPECT_EQ(fromAccess(u"select #2/5/2024#"_qs), u"select '2024-02-05T00:00:00'"_qs);
+  EXPECT_EQ(fromAccess(u"select #2024-02-05 00:30#"_qs), u"select '2024-02-05T00:30:00'"_qs);
+}
+
+TEST(Dialect, AnAmpersandJoinsTexts) {
+  EXPECT_EQ(fromAccess(u"select a & ' & ' & [b&c] from t"_qs), u"select a || ' & ' || [b&c] from t"_qs);
 }

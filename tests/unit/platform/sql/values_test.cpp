@@ -3,11 +3,13 @@
 #include "platform/basic/failure.h"
 #include "platform/sql/sqlite/databasefile.h"
 #include "platform/sql/sqlite/engine.h"
+#include "scopedtimezone.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace platform;
@@ -42,6 +44,47 @@ TEST(StoredValues, WhatOtherProgramsWriteIsRead) {
   EXPECT_TRUE(fromStored(QVariant(12LL), Type::Currency) == Value(Currency::fromTenThousandths(120000)));
   EXPECT_TRUE(fromStored(QVariant(3000000000LL), Type::Long) == Value(qint64{3000000000}));
   EXPECT_TRUE(fromStored(QVariant(70000LL), Type::Integer) == Value(qint32{70000}));
+}
+
+TEST(StoredValues, DatesAreReadEvenWhereTheMachinesClockLeavesThatHourOut) {
+  for (const char* rule : {tests::noMidnightOnFebruary5, tests::noTenOClockOnMay15}) {
+    const tests::ScopedTimeZone zone(rule);
+    for (const Date& moment : {Date::of(2024, 2, 5), Date::of(QDate(2024, 2, 5), QTime(0, 30)),
+                               Date::of(QDate(2024, 5, 15), QTime(10, 30))})
+      EXPECT_TRUE(fromStored(toStored(moment), Type::Date) == Value(moment)) << rule;
+    EXPECT_TRUE(fromStored(u"2024-02-05"_qs, Type::Date) == Value(Date::of(2024, 2, 5)));
+  }
+}
+
+TEST(StoredValues, FractionsOfASecondAndZonesOfOtherProgramsAreReadAsTheyStand) {
+  const Value half(Date::of(QDate(2024, 2, 5), QTime(9, 30)));
+  for (const QString& text : {u"2024-02-05T09:30:00.000"_qs, u"2024-02-05 09:30Z"_qs,
+                              u"2024-02-05T09:30:00+02:00"_qs, u" 2024-02-05 09:30:00 "_qs})
+    EXPECT_TRUE(fromStored(text, Type::Date) == half) << qPrintable(text);
+  for (const QString& text : {u"2024-02-30"_qs, u"2024-02-05T25:00"_qs, u"2024-02-05 nine"_qs})
+    EXPECT_TRUE(fromStored(text, Type::Date) == Value(text));
+}
+
+TEST(StoredValues, WhatIsNoneOfTheTypeIsRefused) {
+  for (const Type type :
+       {Type::Boolean, Type::Integer, Type::Long, Type::Single, Type::Double, Type::Currency})
+    for (const QVariant& stored : {QVariant(u"450,5"_qs), QVariant(u"True"_qs), QVariant(u""_qs),
+                                   QVariant(QByteArray("1")), QVariant(HUGE_VAL)})
+      EXPECT_THROW(fromStored(stored, type), Failure) << int(type) << qPrintable(stored.toString());
+  EXPECT_THROW(fromStored(1e30, Type::Long), Failure);
+  EXPECT_THROW(fromStored(QByteArray("1"), Type::Date), Failure);
+  EXPECT_TRUE(fromStored(u"450.5"_qs, Type::Currency) == Value(Currency::fromTenThousandths(4505000)));
+}
+
+TEST(StoredValues, TextsAreWholeCharacters) {
+  const QString wave = QString::fromUcs4(U"\U0001F44B");
+  ASSERT_EQ(wave.size(), 2);
+  EXPECT_EQ(storedText(u"a"_qs + wave), u"a"_qs + wave);
+  EXPECT_EQ(storedText(u"a"_qs + wave.left(1)), u"a\uFFFD"_qs);
+  EXPECT_EQ(storedText(wave.right(1) + u'b' + wave.left(1) + wave), u"\uFFFDb\uFFFD"_qs + wave);
+  EXPECT_EQ(storedText(QString(u"a"_qs) + QChar(u'\0') + u'b'), u"a\uFFFDb"_qs);
+  EXPECT_FALSE(storedText(QString()).isNull());
+  EXPECT_EQ(toStored(wave.left(1)), QVariant(u"\uFFFD"_qs));
 }
 
 TEST(StoredValues, DeclarationsOfOtherProgramsAreUnderstood) {

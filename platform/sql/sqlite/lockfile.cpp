@@ -1,0 +1,114 @@
+#include "platform/sql/sqlite/lockfile.h"
+
+#include "platform/basic/failure.h"
+#include "platform/sql/errors.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QThread>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace platform::sql::sqlite {
+
+QString LockFile::nameFor(const QString& database) {
+  const QString ending = QStringLiteral(".mdb");
+  const bool access = database.endsWith(ending, Qt::CaseInsensitive);
+  return (access ? database.chopped(ending.size()) : database) + u".ldb"_qs;
+}
+
+#ifdef Q_OS_UNIX
+
+namespace {
+
+constexpr unsigned long pauseMs = 20;
+constexpr mode_t readAndWrite = 0666;
+
+/// Who may use the database may use its lock file; -1 where it cannot be had.
+int opened(const QString& database, const QByteArray& path) {
+  struct stat file {};
+  const bool known = ::stat(QFile::encodeName(database).constData(), &file) == 0;
+  const mode_t mode = known ? file.st_mode & readAndWrite : readAndWrite;
+  const int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+  int descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_EXCL | flags, mode);
+  if (descriptor >= 0 && known) {
+    // the umask has taken off what the users of a shared database need; where this fails they do without
+    if (::fchmod(descriptor, mode) != 0) return descriptor;
+  }
+  if (descriptor < 0) descriptor = ::open(path.constData(), O_RDWR | flags);
+  if (descriptor < 0) descriptor = ::open(path.constData(), O_RDONLY | flags);
+  return descriptor;
+}
+
+/// Is the open file still the one that stands under its name? Its last user may have removed it meanwhile.
+bool standsAt(const QByteArray& path, int descriptor) {
+  struct stat open {
+  }, named{};
+  return ::fstat(descriptor, &open) == 0 && ::lstat(path.constData(), &named) == 0 &&
+         open.st_ino == named.st_ino && open.st_dev == named.st_dev;
+}
+
+enum class Attempt { Got, Busy, Gone, Impossible };
+
+Attempt tryLock(const QByteArray& path, int descriptor, LockFile::Use use) {
+  const int operation = (use == LockFile::Use::Alone ? LOCK_EX : LOCK_SH) | LOCK_NB;
+  int result = ::flock(descriptor, operation);
+  while (result != 0 && errno == EINTR) result = ::flock(descriptor, operation);
+  if (result != 0) return errno == EWOULDBLOCK ? Attempt::Busy : Attempt::Impossible;
+  return standsAt(path, descriptor) ? Attempt::Got : Attempt::Gone;
+}
+
+std::unique_ptr<LockFile> withoutLock(const QString& database, LockFile::Use use) {
+  if (use == LockFile::Use::Shared) return nullptr;
+  throw Failure(errors::noPermission,
+                QStringLiteral("The lock file '%1' cannot be made: you need permission to the folder of the "
+                               "database.")
+                    .arg(LockFile::nameFor(database)));
+}
+
+}  // namespace
+
+std::unique_ptr<LockFile> LockFile::take(const QString& database, Use use, int waitMs) {
+  const QByteArray path = QFile::encodeName(nameFor(database));
+  const QDeadlineTimer deadline(waitMs);
+  int descriptor = opened(database, path);
+  while (descriptor >= 0) {
+    const Attempt attempt = tryLock(path, descriptor, use);
+    if (attempt == Attempt::Got) return std::unique_ptr<LockFile>(new LockFile(descriptor, path));
+    if (attempt == Attempt::Busy && !deadline.hasExpired()) {
+      QThread::msleep(pauseMs);
+      continue;
+    }
+    ::close(descriptor);
+    if (attempt == Attempt::Busy)
+      throw Failure(errors::locked,
+                    QStringLiteral("The database '%1' is in use by another program.").arg(database));
+    descriptor = attempt == Attempt::Gone ? opened(database, path) : -1;
+  }
+  return withoutLock(database, use);
+}
+
+LockFile::~LockFile() {
+  // Only who has it alone may remove it; the others have to find the file that the rest of them shares.
+  if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0 && standsAt(path_, descriptor_))
+    ::unlink(path_.constData());
+  ::close(descriptor_);
+}
+
+#else
+
+std::unique_ptr<LockFile> LockFile::take(const QString&, Use, int) {
+  return nullptr;  // the system itself refuses to exchange a file that is open
+}
+
+LockFile::~LockFile() = default;
+
+#endif
+
+}  // namespace platform::sql::sqlite
