@@ -1,9 +1,11 @@
 #pragma once
 #include "database/ReportTarget.h"
 #include "platform/ado/connection.h"
+#include "platform/basic/failure.h"
 #include "shell/SharedValues.h"
 
 #include <functional>
+#include <optional>
 
 namespace hourbook {
 
@@ -26,6 +28,8 @@ struct DatabaseValues {
   std::function<ConnectionChoice(const QString& strSQLScriptFileName)> frmChooseConnection;
   /// True while the upgrade looks for the newest column: a failing recordset is then only logged.
   bool blnProbing = false;
+  /// What the question failed with, inside or after the newest ProbeScope.
+  std::optional<platform::Failure> probeFailure;
   /// The common settings' target; owned by them. Null until they are made: then `fallbackTarget` is used.
   ReportTarget* target = nullptr;
   ReportTarget fallbackTarget;

@@ -7,7 +7,10 @@ namespace hourbook {
 /// of ending the process: to look for a column that an old database lacks has to be possible.
 class ProbeScope {
  public:
-  ProbeScope() : previous_(databaseValues().blnProbing) { databaseValues().blnProbing = true; }
+  ProbeScope() : previous_(databaseValues().blnProbing) {
+    databaseValues().blnProbing = true;
+    databaseValues().probeFailure.reset();
+  }
   ~ProbeScope() { databaseValues().blnProbing = previous_; }
   ProbeScope(const ProbeScope&) = delete;
   ProbeScope& operator=(const ProbeScope&) = delete;

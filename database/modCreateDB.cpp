@@ -100,18 +100,24 @@ bool subCreateHBDatabase(const QString& strPath) try {
   subHandleError(failure, u"subCreateHBDatabase"_s);
 }
 
-std::shared_ptr<TableDef> fncCreateDAOTable(Database& db, const QString& strTable, const QString& strKey,
-                                            const QString& strCaption) {
+std::shared_ptr<TableDef> fncNewDAOTable(Database& db, const QString& strTable, const QString& strKey,
+                                         const QString& strCaption) {
   auto table = db.CreateTableDef(strTable);
   Field key = table->CreateField(strKey, dbLong);
   key.Attributes = dbAutoIncrField;
+  key.Caption = strCaption;
   table->AppendField(key);
-  db.AppendTableDef(table);
-  table->setCaption(strKey, strCaption);
   Index index = table->CreateIndex(u"PrimaryKey"_s);
   index.Primary = true;
   index.Fields.append(strKey);
   table->AppendIndex(index);
+  return table;
+}
+
+std::shared_ptr<TableDef> fncCreateDAOTable(Database& db, const QString& strTable, const QString& strKey,
+                                            const QString& strCaption) {
+  auto table = fncNewDAOTable(db, strTable, strKey, strCaption);
+  db.AppendTableDef(table);
   return table;
 }
 

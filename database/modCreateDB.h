@@ -9,6 +9,10 @@ namespace hourbook {
 /// form of the first release: `subCheckUpgrade` brings them up to date. No row is written.
 bool subCreateHBDatabase(const QString& strPath);
 
+/// A new table with its counter and primary key, to be given further columns and then appended to the
+/// database as a whole.
+std::shared_ptr<platform::dao::TableDef> fncNewDAOTable(platform::dao::Database& db, const QString& strTable,
+                                                        const QString& strKey, const QString& strCaption);
 /// A new table with its counter and primary key, appended to the database.
 std::shared_ptr<platform::dao::TableDef> fncCreateDAOTable(platform::dao::Database& db,
                                                            const QString& strTable, const QString& strKey,

@@ -138,6 +138,7 @@ std::shared_ptr<Recordset> fncReturnRecordset(const QString& strSource, bool bln
   return recordset;
 } catch (const Failure& failure) {
   if (!databaseValues().blnProbing) subHandleError(failure, u"fncReturnRecordset"_s);
+  databaseValues().probeFailure = failure;
   subLog(u"fncReturnRecordset: "_s + failure.description());
   return nullptr;
 }

@@ -1,4 +1,10 @@
 #include "databaseworld.h"
+#include "platform/files/posix/systemcalls.h"
+#include "tests/contract/sqldriver/otherprocess.h"
+
+#include <QFileInfo>
+
+#include <cerrno>
 
 using namespace hourbook;
 using platform::Failure;
@@ -81,6 +87,10 @@ TEST_F(Compaction, ACopyThatCannotBeRenamedIsAllThatIsLeft) {
 TEST_F(Compaction, ACopyLeftFromBeforeIsNotOverwritten) {
   w.write(temporaryName, "left");
   w.expectFailure(u"subCompactDatabase"_qs, u"Database already exists"_qs, [] { subCompactDatabase(true); });
+  EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(
+      u"tmpHourbook3.mdb.mdb'. It is left from a compaction that was interrupted, and may be removed as long "
+      u"as \"Hourbook3.mdb\" stands beside it."_qs))
+      << qPrintable(w.world.dialogs.shown.last().text);
   EXPECT_EQ(w.read(temporaryName), QByteArray("left"));
   EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
 }
@@ -98,4 +108,63 @@ TEST_F(Compaction, NobodyWritesIntoTheFileThatIsBeingReplaced) {
   subCompactDatabase(true);
   EXPECT_EQ(seen, platform::sql::errors::locked);
   EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}
+
+TEST_F(Compaction, ADatabaseThatAnotherProgramHasOpenIsLeftInPlaceThoughNobodyUsesIt) {
+  contract::OtherProcess other([&](const contract::OtherProcess::Wire& wire) {
+    const auto idle = w.other();
+    wire.tell();
+    return wire.wait() ? 0 : 1;
+  });
+  other.await();
+  const QByteArray before = w.read(u"Hourbook3.mdb"_qs);
+  w.expectFailure(u"subCompactDatabase"_qs, u"is in use by another program"_qs,
+                  [] { subCompactDatabase(true); });
+  EXPECT_EQ(w.read(u"Hourbook3.mdb"_qs), before);
+  EXPECT_FALSE(w.exists(temporaryName));
+  other.goOn();
+  EXPECT_EQ(other.finish(), 0);
+  subCompactDatabase(true);
+}
+
+TEST_F(Compaction, AFileThatAnotherProgramHasPutInItsPlaceIsKept) {
+  const QString theirs = w.path(u"theirs"_qs);
+  w.plan->rules.append({u"compact"_qs, 0, 1, true, std::nullopt, [&] {
+                          QFile::remove(w.path());
+                          w.write(u"Hourbook3.mdb"_qs, "theirs");
+                        }});
+  w.expectFailure(u"subCompactDatabase"_qs, u"was replaced by another program; try again"_qs,
+                  [] { subCompactDatabase(true); });
+  EXPECT_EQ(w.read(u"Hourbook3.mdb"_qs), QByteArray("theirs"));
+  EXPECT_FALSE(w.exists(temporaryName));
+}
+
+TEST_F(Compaction, OfALinkTheRealFileIsExchangedSoThatAllStillShareIt) {
+  const QTemporaryDir team;
+  const QString real = team.filePath(u"team.mdb"_qs);
+  ASSERT_TRUE(QFile::rename(w.path(), real));
+  ASSERT_TRUE(QFile::link(real, w.path()));
+  subCompactDatabase(true);
+  EXPECT_EQ(QFile::symLinkTarget(w.path()), real);
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+  EXPECT_TRUE(QFileInfo(real).isFile());
+  EXPECT_EQ(QDir(team.path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"team.mdb"_qs});
+  EXPECT_EQ(w.shell->gLastLogText, u"Attempting to compact the database at "_qs + w.folder.path());
+}
+
+TEST_F(Compaction, AFolderThatCannotBeSecuredAfterTheDeleteDoesNotStopTheRename) {
+  platform::files::SystemCalls calls = platform::files::SystemCalls::ofTheSystem();
+  int syncs = 0;
+  calls.fsync = [&](int file) {
+    if (++syncs > 1) return ::fsync(file);
+    errno = EIO;
+    return -1;
+  };
+  {
+    const platform::files::ScopedSystemCalls scope(calls);
+    subCompactDatabase(true);
+  }
+  EXPECT_EQ(syncs, 2) << "after the delete and after the rename";
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+  EXPECT_FALSE(w.exists(temporaryName));
 }

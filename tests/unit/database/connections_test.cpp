@@ -69,6 +69,26 @@ TEST_F(Connections, AnEmptyConnectionFileIsDeletedAndCountsAsAbsent) {
   EXPECT_EQ(reportTarget().ReportTo, 2);
 }
 
+TEST_F(Connections, AnEmptyConnectionFileIsDeletedThoughItIsReadOnly) {
+  w.write(u"HourbookConnection.txt"_qs, {});
+  ASSERT_TRUE(QFile::setPermissions(w.path(u"HourbookConnection.txt"_qs), QFile::ReadOwner));
+  EXPECT_EQ(fncGetConnection(), QString());
+  EXPECT_FALSE(w.exists(u"HourbookConnection.txt"_qs));
+}
+
+TEST_F(Connections, AnEmptyConnectionFileLeadsToTheDialogWhereADatabaseMayBeMade) {
+  w.write(u"HourbookConnection.txt"_qs, {});
+  w.database->blnMayCreateDatabase = true;
+  int asked = 0;
+  w.database->frmChooseConnection = [&](const QString&) {
+    ++asked;
+    return ConnectionChoice{1, false};
+  };
+  EXPECT_EQ(fncGetConnection(), accessPrefix + w.shownPath());
+  EXPECT_EQ(asked, 1);
+  EXPECT_FALSE(w.exists(u"HourbookConnection.txt"_qs));
+}
+
 TEST_F(Connections, AnEmptyConnectionFileThatCannotBeDeletedIsReported) {
   w.write(u"HourbookConnection.txt"_qs, {});
   w.files->failDelete = u"HourbookConnection.txt"_qs;
@@ -244,8 +264,15 @@ TEST_F(Connections, ARecordsetThatCannotBeOpenedIsReported) {
 
 TEST_F(Connections, ACommandWorksOnTheSharedConnection) {
   w.createCurrent();
+  w.database->gConnection = platform::automation::CreateObject<ado::Connection>(u"ADODB.Connection"_qs);
+  w.database->gConnection->setConnectionString(accessPrefix + w.shownPath());
+  w.database->gConnection->Open();
+  w.shell->gLogToFile = true;
   const auto command = fncCreateCommand();
   ASSERT_TRUE(command);
+  const QStringList log = w.log();
+  EXPECT_EQ(log, QStringList({u"Creating a new ADODB.Command object"_qs,
+                              u"Checking if the ADO connection is up or not"_qs}));
   EXPECT_EQ(command->CommandType, ado::adCmdText);
   command->CommandText = u"insert into tblPersons (strPersonName) values ('Ann')"_qs;
   EXPECT_EQ(command->Execute().affected, 1);
@@ -260,6 +287,8 @@ TEST_F(Connections, AMissingComponentIsReported) {
                   [] { fncReturnRecordset(u"tblPersons"_qs); });
   EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(
       u"Creating a new ADOB.Recordset. If this fails, please try re-installing MDAC"_qs));
+  EXPECT_EQ(w.shell->gLastLogText,
+            u"Creating a new ADOB.Recordset. If this fails, please try re-installing MDAC"_qs);
   w.world.components.remove(u"ADODB.Command"_qs);
   w.expectFailure(u"fncCreateCommand"_qs, u"ActiveX component can't create object"_qs,
                   [] { fncCreateCommand(); });

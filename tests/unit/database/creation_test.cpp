@@ -95,6 +95,44 @@ TEST_F(Creation, AnExistingFileIsDeleted) {
   EXPECT_EQ(open()->TableDefNames().size(), 7);
 }
 
+TEST_F(Creation, AnExistingFileIsDeletedThoughItIsReadOnly) {
+  w.write(u"Hourbook3.mdb"_qs, "whatever it was");
+  ASSERT_TRUE(QFile::setPermissions(w.path(), QFile::ReadOwner));
+  EXPECT_TRUE(subCreateHBDatabase(w.shownPath()));
+  EXPECT_EQ(open()->TableDefNames().size(), 7);
+}
+
+namespace {
+
+/// Notes what a database is made with.
+class NotingEngine : public DBEngine {
+ public:
+  NotingEngine(std::shared_ptr<platform::sql::Driver> driver,
+               std::shared_ptr<platform::sql::FileEngine> engine, QStringList& made)
+      : DBEngine(std::move(driver), std::move(engine)), made_(made) {}
+  std::shared_ptr<Database> CreateDatabase(const QString& path, const QString& locale, int options) override {
+    made_ = {path, locale, QString::number(options)};
+    return DBEngine::CreateDatabase(path, locale, options);
+  }
+
+ private:
+  QStringList& made_;
+};
+
+}  // namespace
+
+TEST_F(Creation, TheDatabaseIsMadeWithItsSortOrderAndVersion) {
+  QStringList made;
+  w.world.components.remove(u"DAO.DBEngine"_qs);
+  w.world.components.add<DBEngine>(u"DAO.DBEngine"_qs, [&] {
+    return std::make_shared<NotingEngine>(
+        std::make_shared<platform::sql::sqlite::SqliteDriver>(0, tests::noWait),
+        std::make_shared<platform::sql::sqlite::SqliteEngine>(0, tests::noWait), made);
+  });
+  subCreateHBDatabase(w.shownPath());
+  EXPECT_EQ(made, QStringList({w.shownPath(), u";LANGID=0x0409;CP=1252;COUNTRY=0"_qs, u"64"_qs}));
+}
+
 TEST_F(Creation, AFileThatCannotBeDeletedIsReportedAndKept) {
   w.write(u"Hourbook3.mdb"_qs, "kept");
   w.files->failDelete = u"Hourbook3.mdb"_qs;

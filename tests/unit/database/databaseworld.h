@@ -86,6 +86,16 @@ class DatabaseWorld {
     QFile file(path(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
   }
+  /// The texts logged since `gLogToFile` was set.
+  QStringList log() const {
+    QFile file(world.process.folder + QStringLiteral("/NorrdalenLog.txt"));
+    QStringList texts;
+    if (!file.open(QIODevice::ReadOnly)) return texts;
+    const QStringList lines =
+        QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    for (const QString& line : lines) texts.append(line.section(u'\t', 2));
+    return texts;
+  }
   /// A database as the first release made it.
   void createOld() const { hourbook::subCreateHBDatabase(shownPath()); }
   /// A database that is up to date; nothing is open afterwards.
@@ -108,11 +118,12 @@ class DatabaseWorld {
   }
   int rows(const QString& sql) const { return static_cast<int>(other()->execute(sql).rows.size()); }
 
-  /// The statements must end the process with a failure report of this procedure, whose text holds `part`.
+  /// The statements must end the process with a failure report of this procedure (of any, when it is empty),
+  /// whose text holds `part`.
   void expectFailure(const QString& procedure, const QString& part, const std::function<void()>& statements) {
     shell->gInErrorReport = false;
-    world.dialogs.expect(shell->LNGSUBROUTINE + QStringLiteral(" : ") + procedure + u' ',
-                         platform::dialogs::vbNo);
+    const QString name = procedure.isEmpty() ? QString() : procedure + u' ';
+    world.dialogs.expect(shell->LNGSUBROUTINE + QStringLiteral(" : ") + name, platform::dialogs::vbNo);
     EXPECT_TRUE(endsProcess(statements));
     ASSERT_FALSE(world.dialogs.shown.isEmpty());
     const QString text = world.dialogs.shown.last().text;

@@ -22,12 +22,11 @@ TEST_F(Upgrades, ANewDatabaseGetsWhatHasComeSinceTheFirstRelease) {
   w.plan->statements.clear();
   subCheckUpgrade(w.shownPath());
   EXPECT_EQ(schemaChanges(),
-            QStringList({u"createTable tblOtherSettings"_qs, u"addColumn tblOtherSettings strPropName"_qs,
-                         u"addColumn tblOtherSettings strPropValue"_qs,
-                         u"addColumn tblPersons strPersonCategory"_qs, u"addColumn tblMeta1 blnEnabled"_qs,
-                         u"Update tblMeta1 set blnEnabled = -1"_qs, u"addColumn tblMeta2 blnEnabled"_qs,
-                         u"Update tblMeta2 set blnEnabled = -1"_qs, u"addColumn tblMeta3 blnEnabled"_qs,
-                         u"Update tblMeta3 set blnEnabled = -1"_qs, u"addColumn tblReports strBody"_qs}));
+            QStringList({u"createTable tblOtherSettings"_qs, u"addColumn tblPersons strPersonCategory"_qs,
+                         u"addColumn tblMeta1 blnEnabled"_qs, u"Update tblMeta1 set blnEnabled = -1"_qs,
+                         u"addColumn tblMeta2 blnEnabled"_qs, u"Update tblMeta2 set blnEnabled = -1"_qs,
+                         u"addColumn tblMeta3 blnEnabled"_qs, u"Update tblMeta3 set blnEnabled = -1"_qs,
+                         u"addColumn tblReports strBody"_qs}));
   const auto file = w.other();
   const auto other = file->columns(u"tblOtherSettings"_qs);
   ASSERT_EQ(other.size(), 3);
@@ -131,4 +130,49 @@ TEST_F(Upgrades, AMissingFileIsReported) {
   EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(
       u"Attempting to upgrade Access database in path "_qs + w.shownPath()));
   EXPECT_FALSE(w.exists());
+}
+
+TEST_F(Upgrades, BrokenOffAtAnyStatementTheNextStartCompletesIt) {
+  w.createOld();
+  for (int n = 1; n <= 3; ++n) w.other()->execute(u"insert into tblMeta%1 (strName) values ('v')"_qs.arg(n));
+  const QByteArray old = w.read(u"Hourbook3.mdb"_qs);
+  w.plan->clear();
+  subCheckUpgrade(w.shownPath());
+  const QStringList statements = w.plan->statements;
+  ASSERT_GT(statements.size(), 30);
+  const qsizetype looking = statements.indexOf(u"tables"_qs);  // taken for a table that is not there
+  for (qsizetype n = 0; n < statements.size(); ++n) {
+    w.database->gConnection.reset();
+    w.write(u"Hourbook3.mdb"_qs, old);
+    w.plan->clear();
+    w.plan->failStatement(static_cast<int>(n + 1), Failure(3026, u"Not enough space on disk."_qs));
+    const auto start = [&] { subCheckUpgrade(w.shownPath()); };
+    if (n == looking)
+      start();
+    else
+      w.expectFailure(QString(), u"Not enough space on disk."_qs, start);
+    w.plan->clear();
+    w.database->gConnection.reset();
+    subCheckUpgrade(w.shownPath());
+    const auto file = w.other();
+    EXPECT_EQ(file->columns(u"tblOtherSettings"_qs).size(), 3) << qPrintable(statements[n]);
+    EXPECT_EQ(file->columns(u"tblPersons"_qs).size(), 3) << qPrintable(statements[n]);
+    EXPECT_EQ(file->columns(u"tblReports"_qs).size(), 13) << qPrintable(statements[n]);
+    for (int list = 1; list <= 3; ++list)
+      EXPECT_EQ(file->execute(u"select * from tblMeta%1 where blnEnabled = -1"_qs.arg(list)).rows.size(), 1)
+          << list << " after " << qPrintable(statements[n]);
+  }
+}
+
+TEST_F(Upgrades, AProbeThatFailsForAnotherReasonIsReportedAsItselfAndNothingIsChanged) {
+  w.createCurrent();
+  for (const qint32 number : {platform::sql::errors::locked, platform::sql::errors::diskError}) {
+    w.plan->clear();
+    w.plan->failContaining(u"select top 1 strBody"_qs, Failure(number, u"Why it could not be read."_qs));
+    w.expectFailure(u"fncReturnRecordset"_qs, u"Why it could not be read."_qs,
+                    [&] { subCheckUpgrade(w.shownPath()); });
+    EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(u'#' + QString::number(number)));
+    EXPECT_TRUE(schemaChanges().isEmpty());
+    EXPECT_FALSE(w.database->blnProbing);
+  }
 }
