@@ -13,6 +13,7 @@
 #include "settings/SettingsValues.h"
 #include "shell/modErrorReport.h"
 #include "shell/ShellValues.h"
+#include "shell/Tolerate.h"
 
 namespace hourbook {
 
@@ -28,6 +29,12 @@ namespace {
 constexpr int longestText = 255;  // of a subject or name, in the recordset and in the tables
 constexpr int columnSubject = 1, columnFirstMeta = 2, columnHours = 6, columnStatus = 7;
 constexpr qint32 errNoSuchTarget = 445;  // "Object doesn't support this action"
+
+/// The beginning of a text that is longer than its column, in whole characters.
+QString shortened(const QString& text) {
+  if (text.size() <= longestText) return text;
+  return text.left(text[longestText - 1].isHighSurrogate() ? longestText - 1 : longestText);
+}
 
 void appendReportColumns(Recordset& rs) {
   ado::Fields fields = rs.Fields();
@@ -49,7 +56,7 @@ void addReportRow(Recordset& rs, const cRowInfo& row) {
   rs[QStringLiteral("intRowCounter")].setValue(qint64(row.RowNumber));
   rs[QStringLiteral("dteStartDate")].setValue(row.StartTime);
   // other calendars know longer subjects than the tables hold; the end of one is no reason to report nothing
-  rs[QStringLiteral("strSubject")].setValue(row.Subject.left(longestText));
+  rs[QStringLiteral("strSubject")].setValue(shortened(row.Subject));
   rs[QStringLiteral("intHours")].setValue(row.Hours);
   rs[QStringLiteral("strPerson")].setValue(outlookValues().gCurrentUser);
   rs[QStringLiteral("strBody")].setValue(row.NotesField);
@@ -70,6 +77,16 @@ bool canStamp() {
           .arg(folder->Name()),
       dialogs::vbCritical, gTitle);
   return false;
+}
+
+/// The failure to tell, which comes first; with it the one that followed, since no other report will come.
+Failure withLater(const Failure& failure, const std::optional<Failure>& later) {
+  if (!later) return failure;
+  return {failure.number(),
+          failure.description() + platform::basic::vbCrLf +
+              QStringLiteral("The results could not all be taken into the list either: ") +
+              later->description(),
+          failure.source()};
 }
 
 void sendBy(const std::function<void(Recordset&)>& target, Recordset& rs, const QString& name) {
@@ -93,7 +110,7 @@ void cReportRows::ReadReportsFromRange() {
 
 void cReportRows::subReadRow(int r) {
   auto row = std::make_shared<cRowInfo>();
-  row->RowNumber = static_cast<qint16>(r);
+  row->RowNumber = platform::basic::CInt(qint32(r));
   row->Subject = CStr(ReportsRange->Cells(r, columnSubject).Value());
   auto& positions = row->Marking->colMarkings;
   for (int n = 1; n <= 3 && n <= positions.Count(); ++n)
@@ -134,8 +151,10 @@ void cReportRows::Report(qint32 intTarget, ReportHost& host) {
     if (!canStamp()) return;
     auto rs = ToRecordset();
     const auto pending = fncHandToTarget(intTarget, rs);
-    const int posted = fncTakeResults(*rs);
-    if (pending) subHandleError(pending->failure, pending->procedure);
+    int posted = 0;
+    const auto notTaken = tolerate([&] { posted = fncTakeResults(*rs); });
+    if (pending) subHandleError(withLater(pending->failure, notTaken), pending->procedure);
+    if (notTaken) throw Failure(*notTaken);
     subAfterReport(intTarget);
     if (posted == rs->RecordCount()) subAskForAnotherPeriod(host);
   } catch (const Failure& failure) {
@@ -169,7 +188,7 @@ int cReportRows::fncTakeResults(Recordset& rs) {
     const QString key = CStr(rs[QStringLiteral("intRowCounter")].Value());
     platform::owc::Range status = ReportsRange->Cells(key.toInt(), columnStatus);
     const Value result = rs[QStringLiteral("intResult")].Value();
-    switch (platform::basic::IsNull(result) ? 0 : platform::basic::CLng(result)) {
+    switch (std::holds_alternative<qint64>(result) ? std::get<qint64>(result) : 0) {
       case resultAccepted:
         status.setValue(phrases().LNGOK);
         Reports.Item(key)->SavePostedInfo();

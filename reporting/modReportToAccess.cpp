@@ -128,10 +128,16 @@ void closeSharedConnection() {
   connection.reset();
 }
 
+/// In an empty table nobody is found; a name that cannot be asked for fails there as well.
+bool foundPerson(Recordset& persons, const QString& name) {
+  const auto failure = tolerate([&] { persons.Find(QStringLiteral("strPersonName = '%1'").arg(name)); });
+  if (failure && failure->number() != platform::ado::adErrNoCurrentRecord) throw Failure(*failure);
+  return !failure && !persons.isEOF();
+}
+
 void findOrAddPerson(Recordset& persons, const QString& name) {
-  if (persons.RecordCount() > 0) persons.Find(QStringLiteral("strPersonName = '%1'").arg(name));
   const QString category = QStringLiteral("strPersonCategory");
-  if (persons.RecordCount() > 0 && !persons.isEOF()) {
+  if (foundPerson(persons, name)) {
     if (asksDepartment() && textOf(persons[category].Value()).isEmpty()) {
       persons[category].setValue(fncAskDepartment());
       persons.Update();

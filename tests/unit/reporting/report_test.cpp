@@ -115,8 +115,13 @@ TEST_F(Reporting, AnUnknownTargetDoesNothing) {
 
 TEST_F(Reporting, TheAspPageAndTheBillingSystemAreRefusedBeforeAnythingIsStamped) {
   w.addComplete(u"a"_qs);
-  w.expectFailure(u"Report"_qs, u"cannot report to an ASP page yet"_qs, [&] { w.report(1); });
-  w.expectFailure(u"Report"_qs, u"cannot report to a billing system yet"_qs, [&] { w.report(4); });
+  const auto failureLine = [&] { return w.world.dialogs.shown.last().text.section(u"\r\n"_qs, 7, 8); };
+  w.expectFailure(u"Report"_qs, QString(), [&] { w.report(1); });
+  EXPECT_EQ(failureLine(),
+            u"This version cannot report to an ASP page yet. Nothing was reported.\r\n#445"_qs);
+  w.expectFailure(u"Report"_qs, QString(), [&] { w.report(4); });
+  EXPECT_EQ(failureLine(),
+            u"This version cannot report to a billing system yet. Nothing was reported.\r\n#445"_qs);
   EXPECT_EQ(w.statuses(), QStringList{w.shell->LNGNOTPOSTED});
   EXPECT_EQ(w.stamp(1), QString());
 }
@@ -139,6 +144,20 @@ TEST_F(Reporting, EachResultHasItsText) {
                                        not_, not_, not_}));
   EXPECT_NE(w.stamp(1), QString());
   for (int row = 2; row <= 7; ++row) EXPECT_EQ(w.stamp(row), QString()) << row;
+}
+
+TEST_F(Reporting, AResultBeyondAllKnownOnesIsLeftAlone) {
+  w.addComplete(u"a"_qs);
+  w.addComplete(u"b"_qs);
+  w.reporting->subSendXMLReport = [](platform::ado::Recordset& rs) {
+    rs.MoveFirst();
+    rs[u"intResult"_qs].setValue(qint64{4294967297});  // its lower half reads as 1
+    rs.MoveNext();
+    rs[u"intResult"_qs].setValue(qint64{1});
+    rs.Update();
+  };
+  w.report(1);
+  EXPECT_EQ(w.statuses(), QStringList({w.shell->LNGNOTPOSTED, u"OK"_qs}));
 }
 
 TEST_F(Reporting, AfterAnAccessReportTheDatabaseIsCompactedAndTheCubeMade) {
@@ -191,4 +210,31 @@ TEST_F(Reporting, TheStepsAreLogged) {
   w.addComplete(u"a"_qs);
   w.expectFailure(u"Report"_qs, u"Reading the value of the Other Setting ADDepartment"_qs,
                   [&] { w.report(1); });
+}
+
+TEST_F(Reporting, EveryStepOfAReportIsLogged) {
+  w.addComplete(u"a"_qs);
+  w.expectDone();
+  w.shell->gLogToFile = true;
+  w.report();
+  const QString recordset = u"Creating a new ADOB.Recordset. If this fails, please try re-installing MDAC"_qs;
+  const QString connection = u"Checking if the ADO connection is up or not"_qs;
+  const QString department = u"Reading the value of the Other Setting ADDepartment"_qs;
+  QStringList log = w.log();
+  EXPECT_EQ(log.takeFirst(), u"Reading values to report from range"_qs);
+  log.removeAll(u"Finding Temp folder path"_qs);  // of the appointments' texts
+  EXPECT_EQ(
+      log,
+      QStringList({u"Reporting values to 2"_qs, u"Creating a recordset from current appointments"_qs,
+                   department, connection, u"Checking if database .mdb file exists"_qs,
+                   u"Attempting to upgrade Access database in path "_qs + w.shownPath(), connection,
+                   recordset, u"Attempting to open a recordset from select top 1 strBody from tblReports"_qs,
+                   u"Trying to open a connection to the database with the connection string "
+                   u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source="_qs +
+                       w.shownPath(),
+                   recordset,
+                   u"Attempting to open a recordset from Select* from tblReports where intReportID = 0"_qs,
+                   u"Trying to find user Jane Doe"_qs, connection, recordset,
+                   u"Attempting to open a recordset from tblPersons"_qs, u"Adding user Jane Doe"_qs,
+                   department, u"Attempting to compact the database at "_qs + w.folder.path()}));
 }

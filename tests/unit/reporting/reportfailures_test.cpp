@@ -110,6 +110,35 @@ TEST_F(ReportFailures, ANameWithAnApostropheFailsAndGivesResultFive) {
   EXPECT_EQ(w.statuses().first(), u"Failed add person!"_qs);
 }
 
+TEST_F(ReportFailures, ANameWithAnApostropheFailsEveryTimeEvenWhereNobodyIsKnownYet) {
+  w.other()->execute(u"delete from tblPersons"_qs);
+  w.outlook->gCurrentUser = u"Pat O'Hara"_qs;
+  for (int report = 0; report < 2; ++report) {
+    for (int row = 2; row <= w.lastRow; ++row) w.sheet.Cell(row, 7).setValue(w.shell->LNGNOTPOSTED);
+    w.expectFailure(u"fncGetPersonID"_qs, u"(strPersonName = 'Pat O'Hara')"_qs, [&] { w.report(); });
+    EXPECT_EQ(w.statuses(), QStringList(3, u"Failed add person!"_qs));
+  }
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 0);
+}
+
+TEST_F(ReportFailures, AKeyThatIsTooLargeForThePersonFailsAndGivesResultFive) {
+  w.other()->execute(u"update tblPersons set intPersonID = 32768"_qs);
+  w.expectFailure(u"fncGetPersonID"_qs, u"Overflow"_qs, [&] { w.report(); });
+  EXPECT_EQ(w.statuses(), QStringList(3, u"Failed add person!"_qs));
+  EXPECT_EQ(w.storedRows(), 0);
+}
+
+TEST_F(ReportFailures, WhenTheResultsCannotBeTakenEitherTheDatabasesFailureIsToldFirst) {
+  w.plan->failAfterRows(1, full);
+  w.calendar->failSubject(u"a"_qs,
+                          Failure(platform::calendar::errAccessDenied, u"The file cannot be written."_qs));
+  w.expectFailure(u"fncReportToAccess"_qs,
+                  u"Not enough space on disk.\r\nThe results could not all be taken into the list either: "
+                  u"The file cannot be written."_qs,
+                  [&] { w.report(); });
+  EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(u"#3026"));
+}
+
 TEST_F(ReportFailures, AMissingValueOverwritesThePersonsFailure) {
   w.outlook->gCurrentUser = u"Pat O'Hara"_qs;
   w.sheet.Cell(3, 2).setValue(u"Gone"_qs);
@@ -150,6 +179,15 @@ TEST_F(ReportFailures, AnAppointmentThatCannotBeStampedIsReportedAndTheOnesBefor
   w.expectFailure(u"Report"_qs, u"The file cannot be written."_qs, [&] { w.report(); });
   EXPECT_EQ(w.storedRows(), 3) << "what a target has stored is not taken back";
   EXPECT_EQ(stamped(), QList<bool>({true, false, false}));
+}
+
+TEST_F(ReportFailures, AFailingCompactionMakesNoCubeAndAsksNothing) {
+  int cubes = 0;
+  w.reporting->subUpdateCommonCube = [&] { ++cubes; };
+  w.plan->failContaining(u"compact "_qs, full);
+  w.expectFailure(u"subCompactDatabase"_qs, u"Not enough space on disk."_qs, [&] { w.report(); });
+  EXPECT_EQ(cubes, 0);
+  EXPECT_EQ(w.world.dialogs.shown.size(), 1);
 }
 
 TEST_F(ReportFailures, AFailingCompactionComesAfterTheStamps) {

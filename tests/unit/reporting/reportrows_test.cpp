@@ -147,6 +147,26 @@ TEST_F(ReportRows, TheEndOfAVeryLongSubjectIsLeftOut) {
   EXPECT_TRUE((*rows.ToRecordset())[u"strSubject"_qs].Value() == Value(QString(255, u'x')));
 }
 
+TEST_F(ReportRows, ALongSubjectIsCutBetweenCharacters) {
+  const QString wave = QString::fromUcs4(U"\U0001F44B");
+  w.addComplete(QString(254, u'x') + wave + u"end"_qs);
+  w.addComplete(QString(253, u'x') + wave + u"end"_qs);
+  read();
+  const auto rs = rows.ToRecordset();
+  rs->MoveFirst();
+  EXPECT_TRUE((*rs)[u"strSubject"_qs].Value() == Value(QString(254, u'x')));
+  rs->MoveNext();
+  EXPECT_TRUE((*rs)[u"strSubject"_qs].Value() == Value(QString(253, u'x') + wave));
+}
+
+TEST_F(ReportRows, MoreRowsThanTheirCounterHoldsFailBeforeAnythingIsStored) {
+  w.addComplete(u"a"_qs);
+  w.sheet.Cell(32769, 7).setValue(w.shell->LNGNOTPOSTED);  // row 32768 of the range
+  w.lastRow = 32769;
+  w.expectFailure(u"ReadReportsFromRange"_qs, u"Overflow"_qs, [&] { w.report(); });
+  EXPECT_EQ(w.storedRows(), 0);
+}
+
 TEST_F(ReportRows, HoursThatAreNoNumberAreReported) {
   w.add({u"a"_qs, {u"Acme"_qs, u"Website"_qs, u"Design"_qs}, u"many"_qs});
   read();

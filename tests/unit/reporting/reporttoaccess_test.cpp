@@ -3,6 +3,9 @@
 #include "platform/basic/convert.h"
 #include "platform/locale/locale.h"
 #include "reportingworld.h"
+#include "tests/unit/platform/sql/scopedtimezone.h"
+
+#include <QProcess>
 
 using namespace hourbook;
 using platform::basic::Currency;
@@ -32,6 +35,22 @@ class ReportToAccess : public testing::Test {
   void addRow(const QString& hours, const QStringList& metas = {u"Acme"_qs, u"Website"_qs, u"Design"_qs}) {
     w.add({u"row"_qs, metas, hours});
   }
+  void expectEveryColumn() {
+    w.add({u"Meeting"_qs, {u"Acme"_qs, u"A"_qs, u"Design"_qs}, u"7.25"_qs, u"line 1\r\nline 2\r\n"_qs});
+    fncReportToAccess(recordset(), true);
+    const auto value = [&](const QString& column) { return w.stored(column).value(0); };
+    EXPECT_TRUE(value(u"numHours"_qs) == Value(7.25F));
+    EXPECT_TRUE(value(u"strSubject"_qs) == Value(u"Meeting"_qs));
+    EXPECT_TRUE(value(u"strMonthName"_qs) == Value(u"May"_qs));
+    EXPECT_TRUE(value(u"strWeekdayName"_qs) == Value(u"Monday"_qs));
+    EXPECT_TRUE(value(u"dtmDate"_qs) == Value(Date::of(2024, 5, 13)));
+    EXPECT_TRUE(value(u"dteReported"_qs) == Value(platform::basic::Now()));
+    EXPECT_TRUE(value(u"intPersonID"_qs) == Value(qint32{1}));
+    EXPECT_TRUE(value(u"intMeta1ID"_qs) == Value(qint32{1}));
+    EXPECT_TRUE(value(u"intMeta2ID"_qs) == Value(qint32{2}));
+    EXPECT_TRUE(value(u"intMeta3ID"_qs) == Value(qint32{1}));
+    EXPECT_TRUE(value(u"strBody"_qs) == Value(u"line 1\r\nline 2"_qs));
+  }
   tests::ReportingWorld w;
   cReportRows rows;
 };
@@ -45,20 +64,25 @@ TEST_F(ReportToAccess, TheInputIsReturnedWithItsResults) {
 }
 
 TEST_F(ReportToAccess, EveryColumnIsFilled) {
-  w.add({u"Meeting"_qs, {u"Acme"_qs, u"A"_qs, u"Design"_qs}, u"7.25"_qs, u"line 1\r\nline 2\r\n"_qs});
+  expectEveryColumn();
+}
+
+TEST_F(ReportToAccess, EveryColumnIsFilledInAnHourThatTheMachinesClockLeavesOut) {
+  const tests::ScopedTimeZone zone(tests::noTenOClockOnMay15);  // when it is reported
+  expectEveryColumn();
+}
+
+TEST_F(ReportToAccess, AnEmojiAtTheEndOfASubjectIsReadableByOtherPrograms) {
+  const QString wave = QString::fromUcs4(U"\U0001F44B");
+  const QStringList metas{u"Acme"_qs, u"Website"_qs, u"Design"_qs};
+  w.add({QString(254, u'x') + wave, metas});
+  w.add({QString(253, u'x') + wave, metas});
   fncReportToAccess(recordset(), true);
-  const auto value = [&](const QString& column) { return w.stored(column).value(0); };
-  EXPECT_TRUE(value(u"numHours"_qs) == Value(7.25F));
-  EXPECT_TRUE(value(u"strSubject"_qs) == Value(u"Meeting"_qs));
-  EXPECT_TRUE(value(u"strMonthName"_qs) == Value(u"May"_qs));
-  EXPECT_TRUE(value(u"strWeekdayName"_qs) == Value(u"Monday"_qs));
-  EXPECT_TRUE(value(u"dtmDate"_qs) == Value(Date::of(2024, 5, 13)));
-  EXPECT_TRUE(value(u"dteReported"_qs) == Value(platform::basic::Now()));
-  EXPECT_TRUE(value(u"intPersonID"_qs) == Value(qint32{1}));
-  EXPECT_TRUE(value(u"intMeta1ID"_qs) == Value(qint32{1}));
-  EXPECT_TRUE(value(u"intMeta2ID"_qs) == Value(qint32{2}));
-  EXPECT_TRUE(value(u"intMeta3ID"_qs) == Value(qint32{1}));
-  EXPECT_TRUE(value(u"strBody"_qs) == Value(u"line 1\r\nline 2"_qs));
+  QProcess shell;
+  shell.start(u"sqlite3"_qs, {w.path(), u"select strSubject from tblReports order by intReportID"_qs});
+  ASSERT_TRUE(shell.waitForFinished()) << qPrintable(shell.errorString());
+  EXPECT_EQ(shell.readAllStandardOutput(),
+            QByteArray(254, 'x') + '\n' + QByteArray(253, 'x') + wave.toUtf8() + '\n');
 }
 
 TEST_F(ReportToAccess, MonthAndWeekdayAreInTheMachinesLanguage) {
@@ -241,6 +265,14 @@ TEST_F(ReportToAccess, AKnownPersonWithoutADepartmentIsAskedOnce) {
   w.other()->execute(u"insert into tblPersons (strPersonName, strPersonCategory) values ('Jane Doe', '')"_qs);
   w.world.dialogs.expectInput(w.shell->LNGWHICHDEPARTMENT, u"Sales"_qs);
   EXPECT_EQ(fncGetPersonID(), 1);
+  EXPECT_EQ(fncGetPersonID(), 1);
+  EXPECT_EQ(w.rows(u"select * from tblPersons where strPersonCategory = 'Sales'"_qs), 1);
+}
+
+TEST_F(ReportToAccess, AKnownPersonWhoseDepartmentIsNullIsAsked) {
+  w.setOtherSetting(u"ADDepartment"_qs, u"1"_qs);
+  w.other()->execute(u"insert into tblPersons (strPersonName) values ('Jane Doe')"_qs);
+  w.world.dialogs.expectInput(w.shell->LNGWHICHDEPARTMENT, u"Sales"_qs);
   EXPECT_EQ(fncGetPersonID(), 1);
   EXPECT_EQ(w.rows(u"select * from tblPersons where strPersonCategory = 'Sales'"_qs), 1);
 }
