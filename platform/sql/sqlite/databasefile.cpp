@@ -1,12 +1,12 @@
 #include "platform/sql/sqlite/databasefile.h"
 
+#include "platform/files/atomicfile.h"
 #include "platform/sql/errors.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #ifdef Q_OS_UNIX
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -131,30 +131,21 @@ Failure replacedFailure(const QString& path) {
           QStringLiteral("The database '%1' was replaced by another program; try again.").arg(path)};
 }
 
-FileIdentity createFile(const QString& path, int mode) {
-#ifdef Q_OS_UNIX
-  const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
-                                static_cast<mode_t>(mode));
-  const int problem = errno;
-  if (descriptor >= 0) {
-    struct stat file {};
-    ::fstat(descriptor, &file);
-    ::close(descriptor);
-    return {file.st_dev, file.st_ino};
-  }
-  if (problem == EEXIST)
+FileIdentity createFile(const QString& path, CreationMode mode) {
+  // a link that leads nowhere is a taken name as well
+  const bool taken = QFileInfo::exists(path) || QFileInfo(path).isSymLink();
+  files::WriteResult made;
+  if (!taken)
+    made = files::replaceFile(
+        path, {}, files::Fingerprint{},
+        mode == CreationMode::OwnerOnly ? files::FileMode::OwnerOnly : files::FileMode::Usual);
+  if (taken || made.outcome == files::Outcome::ChangedMeanwhile)
     throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(path));
-  if (problem == ENOSPC || problem == EDQUOT)
-    throw Failure(errors::diskFull, QStringLiteral("Not enough space on disk for '%1'.").arg(path));
-#else
-  Q_UNUSED(mode)
-  QFile file(path);
-  if (file.open(QIODevice::ReadWrite | QIODevice::NewOnly)) return {};
-  if (QFileInfo::exists(path))
-    throw Failure(errors::databaseExists, QStringLiteral("Database already exists: '%1'.").arg(path));
-#endif
-  throw Failure(errors::noPermission,
-                QStringLiteral("The file '%1' cannot be made: you need permission to its folder.").arg(path));
+  const auto identity = identityOf(path);
+  if (made.outcome == files::Outcome::Written && identity && identity->inode == made.fingerprint.inode)
+    return *identity;
+  throw Failure(made.denied ? errors::noPermission : errors::diskError,
+                QStringLiteral("The file '%1' cannot be made: %2.").arg(path, made.error));
 }
 
 void removeOwn(const QString& path, const FileIdentity& identity) {

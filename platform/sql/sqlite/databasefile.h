@@ -38,7 +38,8 @@ std::optional<FileIdentity> identityOf(const QString& path);
 Failure replacedFailure(const QString& path);
 
 /// Makes an empty file that was not there, nor a link of that name. Failure 3204 when the name is taken.
-FileIdentity createFile(const QString& path, int mode);
+enum class CreationMode { Usual, OwnerOnly };
+FileIdentity createFile(const QString& path, CreationMode mode);
 /// Removes the file if it is still this one.
 void removeOwn(const QString& path, const FileIdentity& identity);
 

@@ -11,8 +11,6 @@ namespace platform::sql::sqlite {
 namespace {
 
 const QString rebuildName = QStringLiteral("MSysRebuild");
-constexpr int modeOfNewDatabase = 0666;  // the umask takes off what this user keeps to himself
-constexpr int modeWhileCopied = 0600;
 
 /// Foreign keys are off while a table is exchanged under its children; has to stand outside of the
 /// transaction.
@@ -165,7 +163,7 @@ void SqliteEngine::createDatabase(const QString& path) {
   if (lookAt(file) == FileKind::FolderMissing) requireFile(file);  // says so
   const std::shared_ptr<const LockFile> lock =
       LockFile::take(realPath(file), LockFile::Use::Shared, busyTimeout_);
-  const FileIdentity made = createFile(file, modeOfNewDatabase);
+  const FileIdentity made = createFile(file, CreationMode::Usual);
   OpenOptions options;
   options.busyTimeout = busyTimeout_;
   options.durability = durability_;
@@ -301,7 +299,7 @@ class HeldSource : public CompactedSource {
   }
 
   void copy() {
-    targetFile_ = createFile(target_, modeWhileCopied);
+    targetFile_ = createFile(target_, CreationMode::OwnerOnly);
     try {
       session_.execute(QStringLiteral("VACUUM INTO ?"), {target_});
       requireSound();

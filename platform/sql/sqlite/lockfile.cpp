@@ -1,6 +1,7 @@
 #include "platform/sql/sqlite/lockfile.h"
 
 #include "platform/basic/failure.h"
+#include "platform/files/atomicfile.h"
 #include "platform/sql/errors.h"
 
 #include <QDeadlineTimer>
@@ -30,20 +31,25 @@ namespace {
 constexpr unsigned long pauseMs = 20;
 constexpr mode_t readAndWrite = 0666;
 
-/// Who may use the database may use its lock file; -1 where it cannot be had.
-int opened(const QString& database, const QByteArray& path) {
+bool isMissing(const QByteArray& path) {
+  struct stat found {};
+  return ::lstat(path.constData(), &found) != 0 && errno == ENOENT;
+}
+
+/// An empty file; who may use the database may use its lock file. Another program that makes it at the same
+/// time does as well.
+void make(const QString& database, const QByteArray& path) {
+  const QString name = QFile::decodeName(path);
+  if (files::replaceFile(name, {}, files::Fingerprint{}).outcome != files::Outcome::Written) return;
   struct stat file {};
-  const bool known = ::stat(QFile::encodeName(database).constData(), &file) == 0;
-  const mode_t mode = known ? file.st_mode & readAndWrite : readAndWrite;
-  const int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-  int descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_EXCL | flags, mode);
-  if (descriptor >= 0 && known) {
-    // the umask has taken off what the users of a shared database need; where this fails they do without
-    if (::fchmod(descriptor, mode) != 0) return descriptor;
-  }
-  if (descriptor < 0) descriptor = ::open(path.constData(), O_RDWR | flags);
-  if (descriptor < 0) descriptor = ::open(path.constData(), O_RDONLY | flags);
-  return descriptor;
+  if (::stat(QFile::encodeName(database).constData(), &file) != 0) return;
+  ::chmod(path.constData(), file.st_mode & readAndWrite);  // where it fails, the others do without the lock
+}
+
+/// -1 where the file cannot be had.
+int opened(const QString& database, const QByteArray& path) {
+  if (isMissing(path)) make(database, path);
+  return ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
 }
 
 /// Is the open file still the one that stands under its name? Its last user may have removed it meanwhile.
@@ -64,14 +70,6 @@ Attempt tryLock(const QByteArray& path, int descriptor, LockFile::Use use) {
   return standsAt(path, descriptor) ? Attempt::Got : Attempt::Gone;
 }
 
-std::unique_ptr<LockFile> withoutLock(const QString& database, LockFile::Use use) {
-  if (use == LockFile::Use::Shared) return nullptr;
-  throw Failure(errors::noPermission,
-                QStringLiteral("The lock file '%1' cannot be made: you need permission to the folder of the "
-                               "database.")
-                    .arg(LockFile::nameFor(database)));
-}
-
 }  // namespace
 
 std::unique_ptr<LockFile> LockFile::take(const QString& database, Use use, int waitMs) {
@@ -89,9 +87,14 @@ std::unique_ptr<LockFile> LockFile::take(const QString& database, Use use, int w
     if (attempt == Attempt::Busy)
       throw Failure(errors::locked,
                     QStringLiteral("The database '%1' is in use by another program.").arg(database));
-    descriptor = attempt == Attempt::Gone ? opened(database, path) : -1;
+    if (attempt == Attempt::Impossible) return nullptr;
+    descriptor = opened(database, path);
   }
-  return withoutLock(database, use);
+  if (use == Use::Shared) return nullptr;
+  throw Failure(errors::noPermission,
+                QStringLiteral("The lock file '%1' cannot be made: you need permission to the folder of the "
+                               "database.")
+                    .arg(nameFor(database)));
 }
 
 LockFile::~LockFile() {

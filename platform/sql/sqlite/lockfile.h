@@ -16,9 +16,10 @@ namespace platform::sql::sqlite {
 class LockFile {
  public:
   enum class Use { Shared, Alone };
-  /// Waits up to `waitMs` for others, then Failure 3045 ("in use by another program"). To share, a null
-  /// pointer where no lock can be had, as in a folder that may only be read: a database there can be read all
-  /// the same. To have it alone, Failure 3051 there.
+  /// Waits up to `waitMs` for others, then Failure 3045 ("in use by another program"). Where the file cannot
+  /// be made, as in a folder that may only be read: to share it, a null pointer (a database there can be read
+  /// all the same), to have it alone Failure 3051. A null pointer too on a file system that has no such
+  /// locks; on some network ones that is so for having it alone, since the file is only open for reading.
   static std::unique_ptr<LockFile> take(const QString& database, Use use, int waitMs);
   ~LockFile();
   LockFile(const LockFile&) = delete;

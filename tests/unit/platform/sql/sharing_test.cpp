@@ -98,6 +98,7 @@ TEST_F(Sharing, WhereNoLockCanBeHadTheDatabaseIsOpenedAndNotCompacted) {
   ASSERT_TRUE(QFile::link(folder.filePath(u"nowhere"_qs), lock));
   EXPECT_EQ(rows(), 0);
   EXPECT_EQ(numberOf([&] { compact(); }), errors::noPermission);
+  EXPECT_FALSE(QFile::exists(folder.filePath(u"nowhere"_qs)));
   EXPECT_FALSE(QFile::exists(target));
 }
 
@@ -193,11 +194,11 @@ TEST(AccessRights, OfACopyAreNotWiderForAnotherGroup) {
 }
 
 TEST_F(Sharing, AFileInTheMakingIsItsMakersAlone) {
-  const FileIdentity made = createFile(target, 0600);
+  const FileIdentity made = createFile(target, CreationMode::OwnerOnly);
   struct stat found {};
   ASSERT_EQ(::stat(QFile::encodeName(target).constData(), &found), 0);
   EXPECT_EQ(found.st_mode & 0777, 0600u);
-  EXPECT_EQ(numberOf([&] { createFile(target, 0600); }), errors::databaseExists);
+  EXPECT_EQ(numberOf([&] { createFile(target, CreationMode::OwnerOnly); }), errors::databaseExists);
   removeOwn(target, {made.device, made.inode + 1});
   EXPECT_TRUE(QFile::exists(target)) << "another one's";
   removeOwn(target, made);
