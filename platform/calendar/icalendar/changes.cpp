@@ -233,7 +233,7 @@ void applyChange(ComponentEditor& editor, const Change& change, const Origin& or
 
 QByteArray overrideOf(const Occurrence& occurrence, const EventRef& master, Reader& reader) {
   const EventRef& from = occurrence.from;
-  ComponentEditor editor(from.file->document.raw(*from.event->component).toByteArray());
+  ComponentEditor editor(wholeLines(from.file->document, *from.event->component));
   editor.closeIfOpen();
   for (const char* rule : {"RRULE", "RDATE", "EXDATE", "EXRULE"}) editor.remove(rule);
   const Origin origin{*from.file, from.event->calendar, reader};

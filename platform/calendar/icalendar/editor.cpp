@@ -22,6 +22,30 @@ bool isLineStart(const QByteArray& bytes, qsizetype offset) {
   return bytes[offset - 1] == '\n' || (bytes[offset - 1] == '\r' && !bytes.contains('\n'));
 }
 
+namespace {
+
+/// What stands of a line end where a file breaks off: nothing or a CR.
+QByteArray brokenEnd(const Document& document, const Component& component) {
+  qsizetype end = component.end;
+  while (end > component.offset && document.bytes[end - 1] == '\r') --end;
+  return document.bytes.mid(end, component.end - end);
+}
+
+}  // namespace
+
+QByteArray wholeLines(const Document& document, const Component& component) {
+  QByteArray bytes = document.raw(component).toByteArray();
+  if (isLineStart(document.bytes, component.end)) return bytes;
+  bytes.chop(brokenEnd(document, component).size());
+  return bytes + lineEndOf(document.bytes);
+}
+
+QByteArray asItEnded(const Document& document, const Component& component, QByteArray edited) {
+  if (edited.isEmpty() || isLineStart(document.bytes, component.end)) return edited;
+  edited.chop(lineEndOf(document.bytes).size());
+  return edited + brokenEnd(document, component);
+}
+
 QByteArray ComponentEditor::lineEnd() const {
   return lineEndOf(document_.bytes);
 }
@@ -55,11 +79,7 @@ void ComponentEditor::set(const char* name, const QByteArray& head, const QByteA
     if (wanted.size() > maxPropertyBytes)
       throw Failure(errStoreBroken, QStringLiteral("The text is longer than %1 bytes.").arg(maxPropertyBytes),
                     QStringLiteral("IcalendarStore"));
-    QByteArray text = folded(wanted, lineEnd());
-    const char last = document_.bytes[line->offset + line->length - 1];
-    if (last != '\n' && last != '\r')
-      text.chop(lineEnd().size());  // the last line of a file without line end
-    replace(line->offset, line->length, text);
+    replace(line->offset, line->length, folded(wanted, lineEnd()));
   }
   bool isFirst = true;
   removeIf(name, [&](const Property&) { return !std::exchange(isFirst, false); });

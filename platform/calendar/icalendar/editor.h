@@ -45,6 +45,11 @@ QByteArray lineEndOf(const QByteArray& bytes);
 /// Whether a new line may begin at that offset. A file can break off behind the CR of its line end.
 bool isLineStart(const QByteArray& bytes, qsizetype offset);
 
+/// The bytes of a component in whole lines, also where the file breaks off within its last one; and the way
+/// back.
+QByteArray wholeLines(const Document& document, const Component& component);
+QByteArray asItEnded(const Document& document, const Component& component, QByteArray edited);
+
 /// The head of a property under another name and without some parameters: "DTSTART;TZID=X" as
 /// "RECURRENCE-ID;TZID=X".
 QByteArray renamed(const QByteArray& head, const QByteArray& name, const QByteArrayList& without = {});

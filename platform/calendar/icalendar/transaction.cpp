@@ -36,14 +36,14 @@ QByteArray spliced(const QByteArray& bytes, QList<Replacement> replacements) {
   QByteArray result = bytes;
   for (const Replacement& one : std::as_const(replacements)) {
     QByteArray with = one.with;
-    if (!with.isEmpty() && !isLineStart(bytes, one.offset)) with.prepend(lineEndOf(bytes));
+    if (one.length == 0 && !isLineStart(bytes, one.offset)) with.prepend(lineEndOf(bytes));
     result.replace(one.offset, one.length, with);
   }
   return result;
 }
 
-Replacement replacing(const Component& component, const QByteArray& with) {
-  return {component.offset, component.end - component.offset, with};
+Replacement replacing(const Document& document, const Component& component, const QByteArray& with) {
+  return {component.offset, component.end - component.offset, asItEnded(document, component, with)};
 }
 
 bool holdsEntries(const std::vector<Component>& components) {
@@ -195,7 +195,7 @@ QByteArray Transaction::saved(const Snapshot& snapshot, const Group& group, cons
        !target.event.event->moreStarts.isEmpty()))
     fail(errAccessDenied, QStringLiteral("the start of a series with exceptions cannot be changed."));
   ComponentEditor editor(target.occurrence ? overrideOf(*target.occurrence, target.event, reader)
-                                           : snapshot.file->document.raw(component).toByteArray());
+                                           : wholeLines(snapshot.file->document, component));
   const QByteArray before = editor.bytes();
   try {
     applyChange(editor, change, origin, now_);
@@ -209,9 +209,10 @@ QByteArray Transaction::saved(const Snapshot& snapshot, const Group& group, cons
     fail(errStoreBroken,
          QStringLiteral("\"%1\" cannot be changed without damage to \"%2\".")
              .arg(titleOf(*target.event.file, *target.event.event), cache_.pathOf(snapshot.file->name)));
-  writtenTag_ = CalendarFile::tagOf(editor.bytes());
+  writtenTag_ = CalendarFile::tagOf(
+      target.occurrence ? editor.bytes() : asItEnded(snapshot.file->document, component, editor.bytes()));
   if (target.occurrence) return spliced(bytes, {{component.end, 0, editor.bytes()}});
-  return spliced(bytes, {replacing(component, editor.bytes())});
+  return spliced(bytes, {replacing(snapshot.file->document, component, editor.bytes())});
 }
 
 Item Transaction::readBack(const QString& name, const QString& uid, const QString& recurrenceId,
@@ -295,9 +296,10 @@ void Transaction::excludeElsewhere(const EventRef& master, qint64 wall) {
     const Group group = groupOf(snapshot, uid);
     for (const EventRef& now : group.masters) {
       if (now.file != snapshot.file || now.event->place != place || !now.event->isSeries()) continue;
-      ComponentEditor editor(now.file->document.raw(*now.event->component).toByteArray());
+      ComponentEditor editor(wholeLines(now.file->document, *now.event->component));
       excludeOccurrence(editor, now, expansion_.reader().timingOf(*now.file, *now.event), wall, now_);
-      return spliced(snapshot.file->document.bytes, {replacing(*now.event->component, editor.bytes())});
+      return spliced(snapshot.file->document.bytes,
+                     {replacing(now.file->document, *now.event->component, editor.bytes())});
     }
     return std::nullopt;
   });
@@ -305,15 +307,15 @@ void Transaction::excludeElsewhere(const EventRef& master, qint64 wall) {
 
 QByteArray Transaction::withoutOverride(const Snapshot& snapshot, const Group& group,
                                         const EventRef& override) {
-  QList<Replacement> replacements{replacing(*override.event->component, {})};
+  QList<Replacement> replacements{replacing(override.file->document, *override.event->component, {})};
   if (const EventRef* master = expansion_.masterOf(group, override)) {
     const Timing timing = expansion_.reader().timingOf(*master->file, *master->event);
     const qint64 wall =
         expansion_.reader().wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
     if (master->event->isSeries() && master->file == snapshot.file) {
-      ComponentEditor editor(master->file->document.raw(*master->event->component).toByteArray());
+      ComponentEditor editor(wholeLines(master->file->document, *master->event->component));
       excludeOccurrence(editor, *master, timing, wall, now_);
-      replacements.append(replacing(*master->event->component, editor.bytes()));
+      replacements.append(replacing(master->file->document, *master->event->component, editor.bytes()));
     } else if (master->event->isSeries()) {
       excludeElsewhere(*master, wall);
     }
@@ -325,19 +327,20 @@ QByteArray Transaction::withoutItem(const Snapshot& snapshot, const Group& group
   const QByteArray& bytes = snapshot.file->document.bytes;
   const Component& component = *target.event.event->component;
   if (target.occurrence) {
-    ComponentEditor editor(snapshot.file->document.raw(component).toByteArray());
+    ComponentEditor editor(wholeLines(snapshot.file->document, component));
     excludeOccurrence(editor, target.event,
                       expansion_.reader().timingOf(*target.event.file, *target.event.event),
                       target.occurrence->id, now_);
-    return spliced(bytes, {replacing(component, editor.bytes())});
+    return spliced(bytes, {replacing(snapshot.file->document, component, editor.bytes())});
   }
   if (target.event.event->isOverride()) return withoutOverride(snapshot, group, target.event);
-  QList<Replacement> replacements{replacing(component, {})};
+  QList<Replacement> replacements{replacing(snapshot.file->document, component, {})};
   const auto here = [&](const EventRef& ref) { return ref.file == snapshot.file; };
   if (std::count_if(group.masters.begin(), group.masters.end(), here) ==
       1)  // its changed occurrences go along
     for (const EventRef& override : group.overrides)
-      if (here(override)) replacements.append(replacing(*override.event->component, {}));
+      if (here(override))
+        replacements.append(replacing(override.file->document, *override.event->component, {}));
   return spliced(bytes, replacements);
 }
 

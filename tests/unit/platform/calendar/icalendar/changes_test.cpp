@@ -83,7 +83,7 @@ TEST_F(ChangesTest, AFileWithoutItsLastLineEndIsChangedAllTheSame) {
   Change change;
   change.billingInformation = u"x"_qs;
   save(single(), change);
-  EXPECT_EQ(read(u"a.ics"_qs), bytes + "\nX-HOURBOOK-BILLINGINFORMATION:x\n");
+  EXPECT_EQ(read(u"a.ics"_qs), bytes + "\nX-HOURBOOK-BILLINGINFORMATION:x");
 }
 
 TEST_F(ChangesTest, AFileThatBreaksOffWithinItsLineEndIsChangedAllTheSame) {
@@ -94,6 +94,19 @@ TEST_F(ChangesTest, AFileThatBreaksOffWithinItsLineEndIsChangedAllTheSame) {
   save(single(), change);
   EXPECT_EQ(single().billingInformation, u"x"_qs);
   EXPECT_EQ(single().subject, u"Old"_qs);
+  EXPECT_EQ(read(u"a.ics"_qs), bytes.chopped(1) + "\r\nX-HOURBOOK-BILLINGINFORMATION:x\r");
+}
+
+TEST_F(ChangesTest, AnEventOfNothingButABrokenLineGetsItsOwnLines) {
+  const QByteArray bytes = "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r";
+  write(u"a.ics"_qs, bytes);
+  save(single(), subject(u"New"_qs));
+  EXPECT_EQ(read(u"a.ics"_qs), "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:New\r");
+}
+
+TEST_F(ChangesTest, AnIndentedEventStaysIndented) {
+  const QByteArray bytes = "  BEGIN:VEVENT\nUID:a\nDTSTART:20240205T080000Z\nSUMMARY:Old\nEND:VEVENT\n";
+  EXPECT_EQ(changedFile(bytes, subject(u"New"_qs)), (QByteArrayList{"-SUMMARY:Old", "+SUMMARY:New"}));
 }
 
 TEST_F(ChangesTest, WhatIsAlreadySoIsNotWrittenAgain) {
