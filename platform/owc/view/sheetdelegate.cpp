@@ -5,6 +5,7 @@
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
+#include <QPainter>
 #include <QToolTip>
 
 namespace platform::owc {
@@ -20,7 +21,36 @@ QBrush fittedInterior(const QBrush& interior, const QPalette& palette) {
   return interior;
 }
 
+QPen penOf(const BorderLine& line) {
+  static const QHash<LineStyle, Qt::PenStyle> styles{
+      {LineStyle::Solid, Qt::SolidLine}, {LineStyle::Dash, Qt::DashLine}, {LineStyle::Dot, Qt::DotLine}};
+  constexpr int hairlineAndThin = 2;
+  const int width = line.weight <= hairlineAndThin ? 1 : line.weight - 1;
+  return {forms::colorFromBgr(line.color), static_cast<qreal>(width), styles.value(line.style), Qt::FlatCap};
+}
+
+void paintBorders(QPainter& painter, const QRect& cell, const CellFormat& format) {
+  const std::pair<Edge, QLine> edges[] = {{Edge::Left, {cell.topLeft(), cell.bottomLeft()}},
+                                          {Edge::Top, {cell.topLeft(), cell.topRight()}},
+                                          {Edge::Right, {cell.topRight(), cell.bottomRight()}},
+                                          {Edge::Bottom, {cell.bottomLeft(), cell.bottomRight()}}};
+  painter.save();
+  for (const auto& [edge, place] : edges) {
+    if (format.border(edge).style == LineStyle::None) continue;
+    painter.setPen(penOf(format.border(edge)));
+    painter.drawLine(place);
+  }
+  painter.restore();
+}
+
 }  // namespace
+
+void SheetDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const {
+  QStyledItemDelegate::paint(painter, option, index);
+  if (const auto* model = qobject_cast<const SheetModel*>(index.model()))
+    paintBorders(*painter, option.rect, model->formatAt(index));
+}
 
 void SheetDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
   QStyledItemDelegate::initStyleOption(option, index);

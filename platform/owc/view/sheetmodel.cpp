@@ -10,12 +10,6 @@ namespace platform::owc {
 
 namespace {
 
-CellRect unitedWith(const CellRect& a, const CellRect& b) {
-  const int row = std::min(a.row, b.row), column = std::min(a.column, b.column);
-  return {row, column, std::max(a.lastRow(), b.lastRow()) - row + 1,
-          std::max(a.lastColumn(), b.lastColumn()) - column + 1};
-}
-
 /// Digits with at most one decimal sign, as hours stand in a list; long rows of digits are names, not
 /// numbers.
 bool readsAsNumber(QStringView text) {
@@ -57,6 +51,9 @@ QString beginningInOneLine(const QString& text) {
 SheetModel::SheetModel(Spreadsheet& sheet, QObject* parent) : QAbstractTableModel(parent), sheet_(&sheet) {
   connect(&sheet, &Spreadsheet::cellsChanged, this, &SheetModel::gather);
   connect(&sheet, &Spreadsheet::layoutChanged, this, &SheetModel::reshape);
+  connect(&sheet, &Spreadsheet::layoutChanged, this, [this] {
+    if (gathered_) QMetaObject::invokeMethod(this, &SheetModel::flush, Qt::QueuedConnection);
+  });
   connect(&sheet, &QObject::destroyed, this, &SheetModel::reshape);
   reshape();
 }
@@ -71,6 +68,13 @@ int SheetModel::columnCount(const QModelIndex& parent) const {
 
 QModelIndex SheetModel::indexOf(int row, int column) const {
   return body_.contains(row, column) ? index(row - body_.row, column - body_.column) : QModelIndex();
+}
+
+Qt::ItemFlags SheetModel::flags(const QModelIndex& index) const {
+  const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+  const bool open = editable_ && sheet_ && index.isValid() &&
+                    sheet_->mayChange(body_.row + index.row(), body_.column + index.column());
+  return open ? flags | Qt::ItemIsEditable : flags;
 }
 
 QVariant SheetModel::data(const QModelIndex& index, int role) const {
@@ -93,6 +97,11 @@ QVariant SheetModel::data(const QModelIndex& index, int role) const {
     default:
       return {};
   }
+}
+
+CellFormat SheetModel::formatAt(const QModelIndex& index) const {
+  if (!sheet_ || !index.isValid()) return {};
+  return sheet_->format(body_.row + index.row(), body_.column + index.column());
 }
 
 QVariant SheetModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -160,7 +169,7 @@ void SheetModel::gather(const CellRect& rect) {
 }
 
 void SheetModel::flush() {
-  if (!gathered_) return;
+  if (!gathered_ || !sheet_ || !sheet_->ScreenUpdating) return;
   const CellRect rect = *gathered_;
   gathered_.reset();
   const int top = std::max(rect.row, body_.row), bottom = std::min(rect.lastRow(), body_.lastRow());

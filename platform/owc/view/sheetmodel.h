@@ -23,12 +23,16 @@ class SheetModel : public QAbstractTableModel {
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
   /// The part of the sheet that the table's body shows.
   const CellRect& body() const { return body_; }
   QModelIndex indexOf(int row, int column) const;  // of a cell of the sheet; invalid outside of the body
+  CellFormat formatAt(const QModelIndex& index) const;
+  /// Whether cells that the user may change say so; off at first.
+  void setEditable(bool editable) { editable_ = editable; }
   /// The font from which the cells' own fonts are made.
   void setDesktopFont(const QFont& font) { desktopFont_ = font; }
 
@@ -46,6 +50,7 @@ class SheetModel : public QAbstractTableModel {
 
   QPointer<Spreadsheet> sheet_;
   bool header_ = true;
+  bool editable_ = false;
   CellRect body_{2, 1, 0, 0};
   std::optional<CellRect> gathered_;
   QFont desktopFont_;

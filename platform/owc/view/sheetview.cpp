@@ -1,5 +1,7 @@
 #include "platform/owc/view/sheetview.h"
 
+#include "platform/owc/clipboard.h"
+#include "platform/owc/view/cellediting.h"
 #include "platform/owc/view/sheetdelegate.h"
 #include "platform/owc/view/sheetmodel.h"
 #include "platform/process/process.h"
@@ -12,6 +14,7 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace platform::owc {
 
@@ -21,14 +24,6 @@ constexpr int narrowest = 48, widest = 200;  // of a column that fits its conten
 constexpr int air = 12;                      // so that a right-aligned column keeps off its neighbour
 constexpr int narrowestFirst = 160;
 constexpr int sampledRows = 50;
-
-/// As spreadsheets write it: a text that would break the table stands in quotes.
-QString asTableCell(const QString& text) {
-  const bool plain =
-      !text.contains(u'\t') && !text.contains(u'\n') && !text.contains(u'\r') && !text.startsWith(u'"');
-  if (plain) return text;
-  return u'"' + QString(text).replace(u'"', QStringLiteral("\"\"")) + u'"';
-}
 
 }  // namespace
 
@@ -45,10 +40,27 @@ SheetView::SheetView(Spreadsheet& sheet, QWidget* parent)
   connect(horizontalHeader(), &QHeaderView::sectionResized, this, &SheetView::noteUserWidth);
   for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()})
     connect(bar, &QScrollBar::valueChanged, this, &SheetView::cellsMoved);
+  sheet.setScreen(this);
   followFont();
   restoreWidths();
   followLayout();
   showSelection();
+}
+
+SheetView::~SheetView() {
+  if (sheet_ && &sheet_->screen() == this) sheet_->setScreen(nullptr);
+}
+
+void SheetView::setEditable(bool editable) {
+  if (editable == isEditable()) return;
+  if (editing_) {
+    editing_->cancel();
+    delete std::exchange(editing_, nullptr);
+  } else if (sheet_) {
+    editing_ = new CellEditing(*this, *sheet_);
+  }
+  model_->setEditable(isEditable());  // lets input methods in, too
+  setAttribute(Qt::WA_InputMethodEnabled, isEditable());
 }
 
 void SheetView::setUpLook() {
@@ -84,6 +96,7 @@ void SheetView::changeEvent(QEvent* event) {
 void SheetView::followLayout() {
   if (!sheet_) return;
   if (accessibleName() != sheet_->TitleBarCaption()) setAccessibleName(sheet_->TitleBarCaption());
+  followDisplay();
   {
     const QScopedValueRollback following(following_, true);
     for (int section = 0; section < model_->columnCount(); ++section) {
@@ -94,11 +107,24 @@ void SheetView::followLayout() {
       if (width <= 0 || sheetWidths_.value(column) == width) continue;
       sheetWidths_[column] = width;
       userWidths_.remove(column);
-      setColumnWidth(section, widthInPixels(width));
+      setColumnWidth(section, sheet_->widthInPixels(width));
     }
   }
   stretchFirst();
   Q_EMIT cellsMoved();
+}
+
+/// What surrounds the cells, as the sheet wants it.
+void SheetView::followDisplay() {
+  const SheetDisplay& display = sheet_->display();
+  setShowGrid(display.gridlines);
+  verticalHeader()->setVisible(display.rowHeadings);
+  // A range that begins with row 1 shows that row there, which is no heading of letters.
+  horizontalHeader()->setVisible(display.columnHeadings || sheet_->viewableRect().row == 1);
+  setHorizontalScrollBarPolicy(display.horizontalScrollBar ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+  setVerticalScrollBarPolicy(display.verticalScrollBar ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+  horizontalHeader()->setSectionResizeMode(
+      sheet_->ActiveSheet.Protection.userMaySizeColumns() ? QHeaderView::Interactive : QHeaderView::Fixed);
 }
 
 void SheetView::followReshape() {
@@ -132,7 +158,7 @@ void SheetView::showSelection() {
   }
   const QItemSelection selection(first, last);
   if (selectionModel()->selection() == selection) return;
-  selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+  setCurrentIndex(first);  // the view's own, so that Shift goes on from there
   selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
   scrollTo(first);
 }
@@ -154,29 +180,93 @@ std::optional<CellRect> SheetView::selectedRect() const {
 void SheetView::tellSelection() {
   if (following_ || !sheet_) return;
   if (const std::optional<CellRect> rect = selectedRect())
-    process::guardEvent([&] { owc::Range(*sheet_, *rect).Select(); });
+    process::guardEvent([&] { sheet_->select(*rect, activeIn(*rect)); });
+}
+
+/// The cell that the selection was widened from; a new selection begins with its first.
+CellRect SheetView::activeIn(const CellRect& rect) const {
+  const CellRect active = sheet_->activeCell();
+  const bool widened = rect.contains(active.row, active.column);
+  return widened ? active : CellRect{rect.row, rect.column, 1, 1};
 }
 
 QString SheetView::selectedText() const {
   const std::optional<CellRect> rect = selectedRect();
   if (!rect || !sheet_) return {};
-  QStringList lines;
+  QList<QStringList> lines;
   for (int row = rect->row; row <= rect->lastRow(); ++row) {
     QStringList cells;
     for (int column = rect->column; column <= rect->lastColumn(); ++column)
-      if (!sheet_->columnHidden(column)) cells.append(asTableCell(sheet_->text(row, column)));
-    lines.append(cells.join(u'\t'));
+      if (!sheet_->columnHidden(column)) cells.append(sheet_->text(row, column));
+    lines.append(cells);
   }
-  return lines.join(u'\n');
+  return textOfTable(lines);
 }
 
+bool SheetView::copySelection() {
+  if (!selectedRect()) return false;
+  QApplication::clipboard()->setText(selectedText());
+  return true;
+}
+
+CellRect SheetView::bodyRect() const {
+  return model_->body();
+}
+
+CellRect SheetView::movingCell() const {
+  const QModelIndex current = currentIndex();
+  if (!current.isValid()) return sheet_->activeCell();
+  return {model_->body().row + current.row(), model_->body().column + current.column(), 1, 1};
+}
+
+void SheetView::extendSelection(const CellRect& from, const CellRect& to) {
+  const QModelIndex first = model_->indexOf(from.row, from.column), last = model_->indexOf(to.row, to.column);
+  if (!first.isValid() || !last.isValid()) return;
+  const CellRect rect = unitedWith(from, to);
+  selectionModel()->setCurrentIndex(last, QItemSelectionModel::NoUpdate);
+  selectionModel()->select(QItemSelection(model_->indexOf(rect.row, rect.column),
+                                          model_->indexOf(rect.lastRow(), rect.lastColumn())),
+                           QItemSelectionModel::ClearAndSelect);
+  scrollTo(last);
+}
+
+// Keys and mouse
+
 void SheetView::keyPressEvent(QKeyEvent* event) {
-  if (!event->matches(QKeySequence::Copy)) {
+  if (event->matches(QKeySequence::Copy)) {
+    copySelection();
+    event->accept();
+  } else if (editing_ && editing_->keyPressed(*event)) {
+    event->accept();
+  } else {
     QTableView::keyPressEvent(event);
-    return;
   }
-  if (selectedRect()) QApplication::clipboard()->setText(selectedText());
-  event->accept();
+}
+
+void SheetView::inputMethodEvent(QInputMethodEvent* event) {
+  if (!editing_ || !editing_->beginForInput(*event)) QTableView::inputMethodEvent(event);
+}
+
+void SheetView::mousePressEvent(QMouseEvent* event) {
+  if (editing_) editing_->end(CellEditor::Way::Stay);
+  QTableView::mousePressEvent(event);
+}
+
+void SheetView::mouseDoubleClickEvent(QMouseEvent* event) {
+  QTableView::mouseDoubleClickEvent(event);
+  const QModelIndex index = indexAt(event->pos());
+  if (!editing_ || !index.isValid() || event->button() != Qt::LeftButton) return;
+  editing_->beginOnText({model_->body().row + index.row(), model_->body().column + index.column(), 1, 1});
+}
+
+bool SheetView::focusNextPrevChild(bool next) {
+  return (editing_ && !editing_->isOpen() && editing_->moveAside(next)) ||
+         QTableView::focusNextPrevChild(next);
+}
+
+void SheetView::turnPage(bool down) {
+  const QModelIndex index = moveCursor(down ? MovePageDown : MovePageUp, Qt::NoModifier);
+  if (index.isValid()) setCurrentIndex(index);
 }
 
 // Places
@@ -192,6 +282,51 @@ std::optional<CellRect> SheetView::cellAt(const QPoint& place) const {
   const QModelIndex index = indexAt(place - viewport()->pos());
   if (!index.isValid()) return {};
   return CellRect{model_->body().row + index.row(), model_->body().column + index.column(), 1, 1};
+}
+
+std::optional<CellRect> SheetView::cellAtPoint(const QPoint& point) const {
+  if (!rect().contains(point)) return {};
+  if (sheet_ && sheet_->viewableRect().row == 1 && horizontalHeader()->geometry().contains(point)) {
+    const int section = horizontalHeader()->logicalIndexAt(point.x() - horizontalHeader()->geometry().left());
+    if (section < 0) return {};
+    return CellRect{1, model_->body().column + section, 1, 1};
+  }
+  return viewport()->geometry().contains(point) ? cellAt(point) : std::nullopt;
+}
+
+int SheetView::topOfRow(int row) const {
+  if (row < model_->body().row) return horizontalHeader()->geometry().top();
+  const int scrolled = verticalHeader()->offset();
+  return viewport()->y() + (row - model_->body().row) * verticalHeader()->defaultSectionSize() - scrolled;
+}
+
+int SheetView::fittingWidth(int column) const {
+  const int section = column - model_->body().column;
+  const bool shown = section >= 0 && section < model_->columnCount();
+  return shown ? sectionFittingWidth(section) : horizontalHeader()->defaultSectionSize();
+}
+
+bool SheetView::bringIntoSight(const CellRect& cell) {
+  const QModelIndex index = model_->indexOf(cell.row, cell.column);
+  if (!index.isValid() || isColumnHidden(index.column())) return false;
+  scrollTo(index);
+  return true;
+}
+
+QRect SheetView::placeOf(const CellRect& cell) const {
+  const QModelIndex index = model_->indexOf(cell.row, cell.column);
+  if (!index.isValid() || isColumnHidden(index.column())) return {};
+  return visualRect(index);
+}
+
+QFont SheetView::fontOf(const CellRect& cell) const {
+  const QVariant font = model_->data(model_->indexOf(cell.row, cell.column), Qt::FontRole);
+  return font.isValid() ? font.value<QFont>() : this->font();
+}
+
+QString SheetView::headingOf(const CellRect& cell) const {
+  const int section = cell.column - model_->body().column;
+  return model_->headerData(section, Qt::Horizontal, Qt::AccessibleTextRole).toString();
 }
 
 // Widths
@@ -226,7 +361,7 @@ void SheetView::restoreWidths() {
     if (userWidths_.contains(column))
       setColumnWidth(section, userWidths_[column]);
     else if (ofSheet > 0)
-      setColumnWidth(section, widthInPixels(ofSheet));
+      setColumnWidth(section, sheet_->widthInPixels(ofSheet));
   }
 }
 
@@ -238,24 +373,18 @@ void SheetView::fitColumns() {
     for (int section = 0; section < model_->columnCount(); ++section) {
       const int column = model_->body().column + section;
       const bool sized = userWidths_.contains(column) || (sheet_ && sheet_->columnWidth(column) > 0);
-      if (!sized && !isColumnHidden(section)) setColumnWidth(section, fittingWidth(section));
+      if (!sized && !isColumnHidden(section)) setColumnWidth(section, sectionFittingWidth(section));
     }
   }
   stretchFirst();
 }
 
-int SheetView::fittingWidth(int section) const {
+int SheetView::sectionFittingWidth(int section) const {
   int width = horizontalHeader()->sectionSizeHint(section);
   const int rows = std::min(model_->rowCount(), sampledRows);
   for (int row = 0; row < rows && width < widest; ++row)
     width = std::max(width, sizeHintForIndex(model_->index(row, section)).width());
   return std::clamp(width + air, narrowest, widest);
-}
-
-/// The older generation counts pixels; the newer ones count characters, 0.1384 of them to a pixel.
-int SheetView::widthInPixels(double width) const {
-  const bool pixels = sheet_->generation() == Generation::Office2000;
-  return qRound(pixels ? width : width / 0.1384);
 }
 
 int SheetView::firstVisibleSection() const {
