@@ -1,4 +1,4 @@
-#include "platform/owc/spreadsheet.h"
+#include "platform/owc/address.h"
 
 #include <algorithm>
 
@@ -57,6 +57,19 @@ CellRect spanning(const Corner& a, const Corner& b) {
 }
 
 }  // namespace
+
+CellRect unitedWith(const CellRect& a, const CellRect& b) {
+  const int row = std::min(a.row, b.row), column = std::min(a.column, b.column);
+  return {row, column, std::max(a.lastRow(), b.lastRow()) - row + 1,
+          std::max(a.lastColumn(), b.lastColumn()) - column + 1};
+}
+
+std::optional<CellRect> commonTo(const CellRect& a, const CellRect& b) {
+  if (!a.intersects(b)) return {};
+  const int row = std::max(a.row, b.row), column = std::max(a.column, b.column);
+  return CellRect{row, column, std::min(a.lastRow(), b.lastRow()) - row + 1,
+                  std::min(a.lastColumn(), b.lastColumn()) - column + 1};
+}
 
 std::optional<CellRect> parseAddress(const QString& address) {
   const QStringView text = QStringView(address).trimmed();

@@ -18,7 +18,13 @@ const CellFormat& CellStore::format(int row, int column) const {
   return formats_[std::prev(found->second.runs.upper_bound(row))->second];
 }
 
+QString CellStore::formula(int row, int column) const {
+  const auto found = formulas_.find({row, column});
+  return found == formulas_.end() ? QString() : found->second.text;
+}
+
 void CellStore::setValue(const CellRect& rect, const basic::Value& value) {
+  forgetFormulas(rect);
   if (basic::IsEmpty(value)) {
     for (auto at = columns_.lower_bound(rect.column); at != columns_.end() && at->first <= rect.lastColumn();
          ++at) {
@@ -31,6 +37,47 @@ void CellStore::setValue(const CellRect& rect, const basic::Value& value) {
     auto& cells = columns_[column].cells;
     for (int row = rect.row; row <= rect.lastRow(); ++row) cells[row].value = value;
   }
+}
+
+void CellStore::setFormula(int row, int column, const QString& formula) {
+  formulas_[{row, column}] = {formula, FormulaText::read(formula), false};
+  columns_[column].cells[row].value = {};
+}
+
+bool CellStore::setResult(int row, int column, const basic::Value& value, bool failed) {
+  CellFormula& formula = formulas_.at({row, column});
+  basic::Value& held = columns_[column].cells[row].value;
+  if (formula.failed == failed && held == value) return false;
+  formula.failed = failed;
+  held = value;
+  return true;
+}
+
+void CellStore::forgetFormulas(const CellRect& rect) {
+  auto at = formulas_.lower_bound({rect.row, 0});
+  while (at != formulas_.end() && at->first.first <= rect.lastRow())
+    at = rect.contains(at->first.first, at->first.second) ? formulas_.erase(at) : std::next(at);
+}
+
+void CellStore::forEachFilled(
+    const CellRect& rect, const std::function<void(int row, int column, const basic::Value&)>& visit) const {
+  for (auto column = columns_.lower_bound(rect.column);
+       column != columns_.end() && column->first <= rect.lastColumn(); ++column) {
+    const auto end = column->second.cells.upper_bound(rect.lastRow());
+    for (auto cell = column->second.cells.lower_bound(rect.row); cell != end; ++cell)
+      visit(cell->first, column->first, cell->second.value);
+  }
+}
+
+std::optional<CellRect> CellStore::usedRect() const {
+  std::optional<CellRect> used;
+  for (const auto& [number, column] : columns_) {
+    if (column.cells.empty()) continue;
+    const int first = column.cells.begin()->first, last = column.cells.rbegin()->first;
+    const CellRect ofColumn{first, number, last - first + 1, 1};
+    used = used ? unitedWith(*used, ofColumn) : ofColumn;
+  }
+  return used;
 }
 
 void CellStore::changeFormat(const CellRect& rect, const std::function<void(CellFormat&)>& change) {

