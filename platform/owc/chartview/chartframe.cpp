@@ -32,11 +32,12 @@ double degreesOf(const QPointF& fromCentre) {
 
 /// The categories' own numbers, if every one of them is a number.
 QList<double> numbersOf(const QStringList& categories) {
+  constexpr double largest = 1e300;  // so that distances are finite as well
   QList<double> numbers;
   for (const QString& category : categories) {
     const std::optional<QByteArray> plain = basic::plainNumber(category);
-    if (!plain || !std::isfinite(basic::valueOfPlain(*plain))) return {};
-    numbers.append(basic::valueOfPlain(*plain));
+    if (!plain) return {};
+    numbers.append(std::clamp(basic::valueOfPlain(*plain), -largest, largest));
   }
   return numbers;
 }

@@ -21,7 +21,7 @@ class ChartView : public QWidget {
   explicit ChartView(ChartSpace& space, QWidget* parent = nullptr);
   ~ChartView() override;
 
-  /// The picture as it is now.
+  /// The picture as it is now. It holds until the chart space, the view's size or its look changes.
   const ChartDrawing& drawing() const;
   /// Category and values at a place of the view; empty where there is nothing.
   QString textAt(const QPoint& place) const;

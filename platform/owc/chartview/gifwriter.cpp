@@ -62,6 +62,7 @@ Indexed indexed(const QImage& image) {
   for (auto each = chosen.begin(); each != chosen.end(); ++each)
     indexByGroup[each.key()] = static_cast<GifByteType>(
         std::lower_bound(result.colors.begin(), result.colors.end(), each.value()) - result.colors.begin());
+  result.pixels.reserve(static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()));
   for (int y = 0; y < image.height(); ++y) {
     const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
     for (int x = 0; x < image.width(); ++x)
