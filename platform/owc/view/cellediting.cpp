@@ -43,7 +43,7 @@ bool CellEditing::begin(const CellRect& cell, CellEditor::Begun begun, const QSt
   if (!sheet_ || !sheet_->mayChange(cell.row, cell.column) || !view_->bringIntoSight(cell)) return false;
   cell_ = cell;
   typed_ = begun == CellEditor::Begun::ByTyping;
-  editor_ = new CellEditor(begun, view_->viewport());
+  editor_ = new CellEditor(begun, view_->groundOf(cell));
   editor_->setFont(view_->fontOf(cell));
   editor_->setAccessibleName(view_->headingOf(cell));
   editor_->setText(text);

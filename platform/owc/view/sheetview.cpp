@@ -2,6 +2,7 @@
 
 #include "platform/owc/clipboard.h"
 #include "platform/owc/view/cellediting.h"
+#include "platform/owc/view/frozenpanes.h"
 #include "platform/owc/view/sheetdelegate.h"
 #include "platform/owc/view/sheetmodel.h"
 #include "platform/process/process.h"
@@ -40,6 +41,9 @@ SheetView::SheetView(Spreadsheet& sheet, QWidget* parent)
   connect(horizontalHeader(), &QHeaderView::sectionResized, this, &SheetView::noteUserWidth);
   for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()})
     connect(bar, &QScrollBar::valueChanged, this, &SheetView::cellsMoved);
+  panes_ = new FrozenPanes(*this, *model_);
+  connect(this, &SheetView::cellsMoved, panes_,
+          [this] { panes_->follow(sheet_ ? sheet_->frozenAt() : FrozenAt()); });
   sheet.setScreen(this);
   followFont();
   restoreWidths();
@@ -248,15 +252,22 @@ void SheetView::inputMethodEvent(QInputMethodEvent* event) {
 }
 
 void SheetView::mousePressEvent(QMouseEvent* event) {
-  if (editing_) editing_->end(CellEditor::Way::Stay);
+  endEdit();
   QTableView::mousePressEvent(event);
 }
 
 void SheetView::mouseDoubleClickEvent(QMouseEvent* event) {
   QTableView::mouseDoubleClickEvent(event);
-  const QModelIndex index = indexAt(event->pos());
-  if (!editing_ || !index.isValid() || event->button() != Qt::LeftButton) return;
-  editing_->beginOnText({model_->body().row + index.row(), model_->body().column + index.column(), 1, 1});
+  if (event->button() == Qt::LeftButton) beginEdit(indexAt(event->pos()));
+}
+
+void SheetView::beginEdit(const QModelIndex& index) {
+  if (editing_ && index.isValid())
+    editing_->beginOnText({model_->body().row + index.row(), model_->body().column + index.column(), 1, 1});
+}
+
+void SheetView::endEdit() {
+  if (editing_) editing_->end(CellEditor::Way::Stay);
 }
 
 bool SheetView::focusNextPrevChild(bool next) {
@@ -274,12 +285,14 @@ void SheetView::turnPage(bool down) {
 QRect SheetView::cellGeometry(int row, int column) const {
   const QModelIndex index = model_->indexOf(row, column);
   if (!index.isValid() || isColumnHidden(index.column())) return {};
-  const QRect seen = visualRect(index) & viewport()->rect();
+  const QRect seen = panes_->seenOf(index);
   return seen.isEmpty() ? QRect() : seen.translated(viewport()->pos());
 }
 
 std::optional<CellRect> SheetView::cellAt(const QPoint& place) const {
-  const QModelIndex index = indexAt(place - viewport()->pos());
+  const QPoint onViewport = place - viewport()->pos();
+  const bool open = panes_->openPart().contains(onViewport);
+  const QModelIndex index = open ? indexAt(onViewport) : panes_->indexAt(onViewport);
   if (!index.isValid()) return {};
   return CellRect{model_->body().row + index.row(), model_->body().column + index.column(), 1, 1};
 }
@@ -296,7 +309,8 @@ std::optional<CellRect> SheetView::cellAtPoint(const QPoint& point) const {
 
 int SheetView::topOfRow(int row) const {
   if (row < model_->body().row) return horizontalHeader()->geometry().top();
-  const int scrolled = verticalHeader()->offset();
+  const bool frozen = sheet_ && row < sheet_->frozenAt().row;
+  const int scrolled = frozen ? 0 : verticalHeader()->offset();
   return viewport()->y() + (row - model_->body().row) * verticalHeader()->defaultSectionSize() - scrolled;
 }
 
@@ -313,10 +327,23 @@ bool SheetView::bringIntoSight(const CellRect& cell) {
   return true;
 }
 
+void SheetView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+  const int across = horizontalScrollBar()->value(), down = verticalScrollBar()->value();
+  QTableView::scrollTo(index, hint);
+  if (!panes_) return;
+  if (panes_->freezesColumn(index.column())) horizontalScrollBar()->setValue(across);
+  if (panes_->freezesRow(index.row())) verticalScrollBar()->setValue(down);
+  panes_->uncover(index);
+}
+
+QWidget* SheetView::groundOf(const CellRect& cell) {
+  return panes_->paneOf(model_->indexOf(cell.row, cell.column)).viewport();
+}
+
 QRect SheetView::placeOf(const CellRect& cell) const {
   const QModelIndex index = model_->indexOf(cell.row, cell.column);
   if (!index.isValid() || isColumnHidden(index.column())) return {};
-  return visualRect(index);
+  return panes_->paneOf(index).visualRect(index);
 }
 
 QFont SheetView::fontOf(const CellRect& cell) const {

@@ -7,6 +7,7 @@
 namespace platform::owc {
 
 class CellEditing;
+class FrozenPanes;
 class SheetDelegate;
 class SheetModel;
 
@@ -18,8 +19,8 @@ class SheetModel;
 /// side, Escape gives up. Cut, paste, Delete and undo work on the selection, Ctrl and an arrow go to the edge
 /// of the data. Tab leaves the list at the end of a row, so that the keyboard reaches every control.
 ///
-/// What the sheet freezes above its first viewable row is always in sight as the header; other frozen rows
-/// and columns stand in panes over the view.
+/// Row 1 is the header, which is always in sight; what else the sheet freezes stands in panes over the view,
+/// counted from the first viewable row and column.
 ///
 /// Fonts: the sheet's "Tahoma" of 8 points is shown as the desktop's own interface font in its own size (see
 /// forms::fontFor). Widths: columns fit their contents when the view is first shown and when it first has
@@ -53,11 +54,15 @@ class SheetView : public QTableView, public SheetScreen {
   CellRect bodyRect() const;
   CellRect movingCell() const;  // the corner of the selection that Shift moves
   void extendSelection(const CellRect& from, const CellRect& to);
+  void beginEdit(const QModelIndex& index);
+  void endEdit();
   bool bringIntoSight(const CellRect& cell);  // false when the view does not show the cell
-  QRect placeOf(const CellRect& cell) const;  // on the viewport; empty when the view does not show the cell
+  QWidget* groundOf(const CellRect& cell);    // what the editor of the cell lies on
+  QRect placeOf(const CellRect& cell) const;  // there; empty when the view does not show the cell
   QFont fontOf(const CellRect& cell) const;
   QString headingOf(const CellRect& cell) const;
   bool copySelection();
+  void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
   void turnPage(bool down);
 
  Q_SIGNALS:
@@ -94,6 +99,7 @@ class SheetView : public QTableView, public SheetScreen {
 
   QPointer<Spreadsheet> sheet_;
   SheetModel* model_;
+  FrozenPanes* panes_ = nullptr;
   CellEditing* editing_ = nullptr;  // while the view may be edited
   QHash<int, int> userWidths_;      // by column of the sheet, in pixels
   QHash<int, double> sheetWidths_;  // the sheet's widths as last followed
