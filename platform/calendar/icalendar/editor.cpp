@@ -37,12 +37,12 @@ QByteArray wholeLines(const Document& document, const Component& component) {
   QByteArray bytes = document.raw(component).toByteArray();
   if (isLineStart(document.bytes, component.end)) return bytes;
   bytes.chop(brokenEnd(document, component).size());
-  return bytes + lineEndOf(document.bytes);
+  return bytes + lineEndOf(bytes.contains('\n') ? bytes : document.bytes);
 }
 
 QByteArray asItEnded(const Document& document, const Component& component, QByteArray edited) {
   if (edited.isEmpty() || isLineStart(document.bytes, component.end)) return edited;
-  edited.chop(lineEndOf(document.bytes).size());
+  edited.chop(edited.endsWith("\r\n") ? 2 : 1);
   return edited + brokenEnd(document, component);
 }
 

@@ -104,6 +104,15 @@ TEST_F(ChangesTest, AnEventOfNothingButABrokenLineGetsItsOwnLines) {
   EXPECT_EQ(read(u"a.ics"_qs), "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:New\r");
 }
 
+TEST_F(ChangesTest, MixedLineEndsDoNoHarmWhereAFileBreaksOff) {
+  write(u"a.ics"_qs, "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\nSUMMARY:Old\nEND");
+  Change change;
+  change.billingInformation = u"paid"_qs;
+  save(single(), change);
+  EXPECT_EQ(read(u"a.ics"_qs),
+            "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\nSUMMARY:Old\nEND\nX-HOURBOOK-BILLINGINFORMATION:paid");
+}
+
 TEST_F(ChangesTest, AnIndentedEventStaysIndented) {
   const QByteArray bytes = "  BEGIN:VEVENT\nUID:a\nDTSTART:20240205T080000Z\nSUMMARY:Old\nEND:VEVENT\n";
   EXPECT_EQ(changedFile(bytes, subject(u"New"_qs)), (QByteArrayList{"-SUMMARY:Old", "+SUMMARY:New"}));
