@@ -90,7 +90,10 @@ class TimesEditor {
       return editor_.set("DTEND", renamed(startHead, "DTEND"),
                          textLike(*event_.start, timing_, timing_.zone.toWall(instant)));
     bool unknown = false;
-    const qint64 wall = origin_.reader.zoneOf(origin_.file, event_, *event_.end, &unknown).toWall(instant);
+    const Zone zone = origin_.reader.zoneOf(origin_.file, event_, *event_.end, &unknown);
+    const qint64 wall = zone.toWall(instant);
+    if (zone.toInstant(wall) != instant)  // the second of two times with one name can be told in UTC only
+      return editor_.set("DTEND", renamed(endHead, "DTEND", dateParameters), utcText(instant));
     editor_.set("DTEND", endHead, dateTimeText(dateOfWall(wall), timeOfWall(wall)));
   }
 
@@ -106,6 +109,8 @@ class TimesEditor {
     const qint64 end = timing_.allDay ? startWall + length.days * dayMs
                                       : timing_.zone.toWall(timing_.endInstant(startWall, length));
     editor_.remove("DURATION");  // one that cannot be read, like a DTEND that stands here
+    if (!timing_.allDay && timing_.zone.toInstant(end) != timing_.endInstant(startWall, length))
+      return setEnd("DTEND", utcText(timing_.endInstant(startWall, length)));
     setEnd(renamed(startHead, "DTEND"), textLike(*event_.start, timing_, end));
   }
 

@@ -191,6 +191,18 @@ TEST_F(ChangesTest, ALengthOverAChangeOfTheClocksIsExact) {
                             "+DTEND;TZID=Europe/Stockholm:20240331T040000"}));
 }
 
+TEST_F(ChangesTest, AnEndInTheHourThatComesTwiceIsToldInUtc) {
+  EXPECT_EQ(changed({"DTSTART;TZID=Europe/Stockholm:20241027T010000",
+                     "DTEND;TZID=Europe/Stockholm:20241027T013000"},
+                    duration(150)),
+            (QByteArrayList{"-DTEND;TZID=Europe/Stockholm:20241027T013000", "+DTEND:20241027T013000Z"}));
+  EXPECT_EQ(single().durationMinutes(), 150);
+  EXPECT_EQ(changed({"DTSTART;TZID=Europe/Stockholm:20241027T010000"}, duration(150)),
+            QByteArrayList{"+DTEND:20241027T013000Z"});
+  EXPECT_EQ(changed({"DTSTART;TZID=Europe/Stockholm:20241027T010000"}, duration(90)),
+            QByteArrayList{"+DTEND;TZID=Europe/Stockholm:20241027T023000"});
+}
+
 TEST_F(ChangesTest, ANewStartKeepsTheZoneAndTheLength) {
   EXPECT_EQ(changed({"DTSTART;TZID=\"America/New_York\":20240205T090000",
                      "DTEND;TZID=\"America/New_York\":20240205T093000"},
