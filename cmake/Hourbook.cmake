@@ -6,6 +6,8 @@ target_compile_options(hourbook_options INTERFACE
 target_compile_definitions(hourbook_options INTERFACE
   QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_MESSAGELOGCONTEXT)
 target_include_directories(hourbook_options INTERFACE ${PROJECT_SOURCE_DIR})
+# some forty test programs share the same libraries: lld links them in seconds where the usual linker takes a minute
+target_link_options(hourbook_options INTERFACE -fuse-ld=lld)
 if(HOURBOOK_WERROR)
   target_compile_options(hourbook_options INTERFACE -Werror)
 endif()
