@@ -14,8 +14,10 @@ ReportForm& reportForm() {
 }
 
 ReportForm::ReportForm(const ReportFormVariant& variant)
-    : Control(variant.formName), exsThisWeek(variant.generation), variant_(variant) {
-  exsThisWeek.setObjectName(QStringLiteral("exsThisWeek"));
+    : Control(variant.formName),
+      exsThisWeek(QStringLiteral("exsThisWeek"), variant.generation),
+      excThisWeek(QStringLiteral("excThisWeek"), variant.generation),
+      variant_(variant) {
   vDaysBefore.Min = -59;
   vDaysBefore.Max = 0;
   // A year has 52 weeks or 53; the last one simply runs over into the next year where there are 52.

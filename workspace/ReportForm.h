@@ -1,7 +1,9 @@
 #pragma once
 #include "platform/forms/controls.h"
+#include "platform/owc/chartspace.h"
 #include "platform/owc/spreadsheet.h"
 #include "shell/FormWindow.h"
+#include "workspace/OnForm.h"
 #include "workspace/ReportFormVariant.h"
 
 #include <memory>
@@ -51,8 +53,8 @@ class ReportForm : public platform::forms::Control {
   std::shared_ptr<platform::forms::DTPicker> addPicker(const QString& progId, const QString& name);
   void removePicker(std::shared_ptr<platform::forms::DTPicker>& picker);
 
-  platform::owc::Spreadsheet exsThisWeek;
-  platform::forms::Label excThisWeek{QStringLiteral("excThisWeek")};
+  OnForm<platform::owc::Spreadsheet> exsThisWeek;
+  OnForm<platform::owc::ChartSpace> excThisWeek;
   platform::forms::TabStrip tbsViews{QStringLiteral("tbsViews")};
   platform::forms::CheckBox chkGrid{QStringLiteral("chkGrid")};
   platform::forms::Label lblFilterCalendar{QStringLiteral("lblFilterCalendar")};

@@ -1,10 +1,11 @@
 #include "workspace/ReportWindow.h"
 
 #include "platform/forms/widgets/bind.h"
-#include "platform/owc/view/sheetview.h"
 #include "shell/ShellValues.h"
 #include "workspace/FlowLayout.h"
+#include "workspace/ListPart.h"
 #include "workspace/modReportForm.h"
+#include "workspace/StatisticsPart.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -18,7 +19,6 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QSplitter>
-#include <QTabBar>
 
 namespace hourbook {
 
@@ -187,53 +187,12 @@ void ReportWindow::dropPicker(forms::DTPicker* picker) {
 
 QWidget* ReportWindow::splitViews() {
   auto* splitter = new QSplitter(Qt::Vertical, this);
-  splitter->addWidget(listPart());
-  splitter->addWidget(statisticsPart());
+  splitter->addWidget(new ListPart(form_, this));
+  splitter->addWidget(new StatisticsPart(form_, this));
   splitter->setStretchFactor(0, 3);
   splitter->setStretchFactor(1, 1);
   splitter->setChildrenCollapsible(false);
   return splitter;
-}
-
-QWidget* ReportWindow::listPart() {
-  auto* list = new platform::owc::SheetView(form_.exsThisWeek, this);
-  list->setObjectName(form_.exsThisWeek.objectName());
-  // They lie over the row that is being marked, so no layout owns them.
-  for (forms::ComboBox* dropDown : {&form_.cmbMeta1, &form_.cmbMeta2, &form_.cmbMeta3})
-    forms::bind(*dropDown, new QComboBox(list));
-  sized([list] { list->setMinimumHeight(list->fontMetrics().height() * 6); });
-  return list;
-}
-
-QWidget* ReportWindow::statisticsPart() {
-  auto* part = new QWidget(this);
-  auto* column = new QVBoxLayout(part);
-  column->setContentsMargins({});
-  auto* head = new QHBoxLayout;
-  auto* tabs = new QTabBar(this);
-  tabs->setExpanding(false);
-  tabs->setUsesScrollButtons(true);
-  tabs->setDrawBase(false);
-  forms::bind(form_.tbsViews, tabs);
-  auto* caption = new QLabel(this);
-  auto* total = new QLabel(this);
-  forms::bind(form_.lblTotalHours, caption);
-  forms::bind(form_.lblHours, total);
-  QFont strong;  // all but the weight comes from the window
-  strong.setBold(true);
-  total->setFont(strong);
-  head->addWidget(tabs, 1);
-  head->addWidget(caption);
-  head->addWidget(total);
-  auto* chart = new QLabel(this);
-  chart->setAlignment(Qt::AlignCenter);
-  chart->setWordWrap(true);
-  chart->setFrameShape(QFrame::StyledPanel);
-  sized([chart] { chart->setMinimumHeight(chart->fontMetrics().height() * 4); });
-  forms::bind(form_.excThisWeek, chart);
-  column->addLayout(head);
-  column->addWidget(chart, 1);
-  return part;
 }
 
 QLayout* ReportWindow::buttonRow() {
@@ -253,15 +212,14 @@ QLayout* ReportWindow::buttonRow() {
 }
 
 void ReportWindow::orderTabs() {
-  static const QStringList order{QStringLiteral("dtpStartDate"), QStringLiteral("dtpEndDate"),
-                                 QStringLiteral("cmbYear"),      QStringLiteral("cmbMonth"),
-                                 QStringLiteral("cmbDay"),       QStringLiteral("txtDays"),
-                                 QStringLiteral("cmbWeek"),      QStringLiteral("cmdGetValues"),
-                                 QStringLiteral("chkGrid"),      QStringLiteral("cmbFilterCalendar"),
-                                 QStringLiteral("exsThisWeek"),  QStringLiteral("tbsViews"),
-                                 QStringLiteral("cmdAddNew"),    QStringLiteral("cmdSaveChanges"),
-                                 QStringLiteral("cmdPrint"),     QStringLiteral("cmdOK"),
-                                 QStringLiteral("cmdCancel")};
+  static const QStringList order{
+      QStringLiteral("dtpStartDate"),      QStringLiteral("dtpEndDate"),   QStringLiteral("cmbYear"),
+      QStringLiteral("cmbMonth"),          QStringLiteral("cmbDay"),       QStringLiteral("txtDays"),
+      QStringLiteral("cmbWeek"),           QStringLiteral("cmdGetValues"), QStringLiteral("chkGrid"),
+      QStringLiteral("cmbFilterCalendar"), QStringLiteral("exsThisWeek"),  QStringLiteral("tbsViews"),
+      QStringLiteral("cmbChartType"),      QStringLiteral("excThisWeek"),  QStringLiteral("cmdAddNew"),
+      QStringLiteral("cmdSaveChanges"),    QStringLiteral("cmdPrint"),     QStringLiteral("cmdOK"),
+      QStringLiteral("cmdCancel")};
   QWidget* before = nullptr;
   for (const QString& name : order) {
     auto* widget = findChild<QWidget*>(name);

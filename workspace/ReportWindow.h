@@ -37,8 +37,6 @@ class ReportWindow : public QDialog, public ReportFormScreen {
   QWidget* framePeriod();
   QLayout* daysBefore();
   QWidget* splitViews();
-  QWidget* listPart();
-  QWidget* statisticsPart();
   QLayout* buttonRow();
   template <class ControlType, class Widget>
   QLayout* field(platform::forms::Label& label, ControlType& control, Widget* widget);

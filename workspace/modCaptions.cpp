@@ -62,6 +62,7 @@ void captionList(ReportForm& form) {
   sheet.Range(QStringLiteral("f1")).setValue(Value(phrases().LNGHOURS));
   sheet.Range(QStringLiteral("g1")).setValue(Value(phrases().LNGPOSTED));
   form.lblTotalHours.setCaption(phrases().LNGHOURS);
+  form.excThisWeek.Extender.setAccessibleName(phrases().LNGHOURS);
 }
 
 void captionTabs(ReportForm& form) {

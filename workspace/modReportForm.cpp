@@ -51,10 +51,6 @@ void switchOffWhatIsMissing(ReportForm& form) {
   switchOff({&form.cmbMeta1, &form.cmbMeta2, &form.cmbMeta3},
             QStringLiteral("Changing appointments here is not available in this version yet."));
   switchOff({&form.cmdPrint}, QStringLiteral("Printing is not available in this version yet."));
-  if (!values.gChartView) {
-    form.excThisWeek.setCaption(QStringLiteral("The chart is not available in this version yet."));
-    switchOff({&form.excThisWeek}, form.excThisWeek.Caption());
-  }
 }
 
 void cmdGetValues_Click() {

@@ -60,6 +60,10 @@ void bind(Frame& control, QGroupBox* widget, const QString& accessibleName) {
   });
 }
 
+void bindExtender(Control& control, QWidget* widget, const QString& accessibleName) {
+  new Follower(control, widget, accessibleName, [] {});
+}
+
 void bind(CommandButton& control, QPushButton* widget, const QString& accessibleName) {
   auto* follower =
       new Follower(control, widget, accessibleName, [&control, widget, isNew = NewCaption()]() mutable {

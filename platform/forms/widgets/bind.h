@@ -48,6 +48,10 @@ void bind(TabStrip& control, QTabBar* widget, const QString& accessibleName = {}
 /// day that the user chooses leaves the time of day of `Value` as it is.
 void bind(DTPicker& control, QDateEdit* widget, const QString& accessibleName = {});
 
+/// For the widget of a component that a form only gives a place and a visibility: name, visibility, place and
+/// size, tooltip; an accessible name only when one is given.
+void bindExtender(Control& control, QWidget* widget, const QString& accessibleName = {});
+
 /// The text without its mnemonic: "&Print" gives "Print", "R&&D" gives "R&D".
 QString withoutMnemonic(const QString& caption);
 

@@ -82,7 +82,10 @@ void Follower::showCommon() {
   if (name.isEmpty()) name = control_->AccessibleName();
   if (name.isEmpty()) name = withoutMnemonic(control_->Caption());
   if (name.isEmpty()) name = tip;
-  if (widget_->accessibleName() != name) widget_->setAccessibleName(name);
+  if (shownName_ != name) {  // a widget that names itself keeps its name as long as the control has none
+    shownName_ = name;
+    widget_->setAccessibleName(name);
+  }
   showBackColor();
 }
 

@@ -37,6 +37,7 @@ class Follower : public QObject {
   QWidget* widget_;
   QString accessibleName_;
   std::function<void()> show_;
+  QString shownName_;
   bool shownVisible_ = true;
   qint32 shownColor_ = -1;
   bool placing_ = false;

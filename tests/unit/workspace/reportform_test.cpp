@@ -404,7 +404,7 @@ TEST(Events, ThatAreNotThereYetAreSwitchedOffAndSayWhy) {
   w.loadForm();
   for (platform::forms::Control* control : std::initializer_list<platform::forms::Control*>{
            &w.form->cmdPrint, &w.form->cmbWeek, &w.form->cmdAddNew, &w.form->cmdSaveChanges,
-           &w.form->cmbMeta1, &w.form->cmbMeta2, &w.form->cmbMeta3, &w.form->excThisWeek}) {
+           &w.form->cmbMeta1, &w.form->cmbMeta2, &w.form->cmbMeta3}) {
     EXPECT_FALSE(control->Enabled()) << control->Name().toStdString();
     EXPECT_TRUE(control->ToolTipText().contains(QStringLiteral("not available in this version yet")));
   }

@@ -1,0 +1,28 @@
+#pragma once
+#include "workspace/ReportForm.h"
+
+#include <QWidget>
+
+namespace platform::owc {
+class ChartView;
+}
+
+namespace hourbook {
+
+/// The tabs of the statistics, the total of the hours, and the chart.
+class StatisticsPart : public QWidget {
+  Q_OBJECT
+ public:
+  StatisticsPart(ReportForm& form, QWidget* parent);
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  QLayout* head();
+  void followFont();
+  ReportForm& form_;
+  platform::owc::ChartView* chart_;
+};
+
+}  // namespace hourbook
