@@ -4,6 +4,7 @@
 #include "platform/files/atomicfile.h"
 
 #include <QCryptographicHash>
+#include <QFileInfo>
 
 #include <chrono>
 #include <filesystem>
@@ -161,6 +162,12 @@ std::shared_ptr<const CalendarFile> FileCache::parsed(const QString& name, const
 void FileCache::forget(const QString& name) {
   entries_.remove(name);
   grouped_ = false;
+}
+
+void FileCache::sweep() {
+  if (swept_) return;
+  swept_ = true;
+  files::sweepLitter(isFolder() ? path_ : QFileInfo(path_).path());
 }
 
 QString FileCache::changeTag() const {

@@ -34,6 +34,9 @@ class FileCache : public EventSource {
   bool isFolder() const;
   QString pathOf(const QString& name) const;
   QString changeTag() const;
+  /// Takes away what a crash in the middle of a save has left here, once, before the first save: whoever only
+  /// reads a calendar leaves no trace in its folder.
+  void sweep();
 
  private:
   struct Stamp {
@@ -56,6 +59,7 @@ class FileCache : public EventSource {
   QMap<QString, Entry> entries_;
   QHash<QString, Group> groups_;
   bool grouped_ = false;
+  bool swept_ = false;
 };
 
 }  // namespace platform::calendar::icalendar

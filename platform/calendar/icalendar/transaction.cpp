@@ -107,6 +107,7 @@ void Transaction::write(const QString& name, const Snapshot& snapshot, const QBy
                         bool* again) const {
   const QString path = cache_.pathOf(name);
   refuseProtected(path);
+  cache_.sweep();
   const bool nothingLeft = cache_.isFolder() && bytes.isEmpty();
   const files::WriteResult result = nothingLeft ? files::removeFile(path, snapshot.fingerprint)
                                                 : files::replaceFile(path, bytes, snapshot.fingerprint);

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace icalendar_tests;
@@ -99,4 +100,18 @@ TEST_F(IcalendarTest, ALinkToAFileIsChangedAtItsTarget) {
   save(single(), change);
   EXPECT_EQ(read(u"target.txt"_qs), item("a", "new"));
   EXPECT_TRUE(QFileInfo(path(u"a.ics"_qs)).isSymLink());
+}
+
+TEST_F(IcalendarTest, HalfWrittenFilesOfACrashAreTakenAwayByTheFirstSaveAndByNoReading) {
+  write(u"a.ics"_qs, item("a"));
+  write(u".a.ics.x7k2m9.tmp"_qs, "half");
+  struct timespec times[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(path(u".a.ics.x7k2m9.tmp"_qs)).constData(), times, 0), 0);
+  const Item found = single();
+  EXPECT_TRUE(QFile::exists(path(u".a.ics.x7k2m9.tmp"_qs)));
+  Change change;
+  change.subject = u"new"_qs;
+  save(found, change);
+  EXPECT_FALSE(QFile::exists(path(u".a.ics.x7k2m9.tmp"_qs)));
+  EXPECT_EQ(single().subject, u"new"_qs);
 }
