@@ -1,0 +1,1 @@
+#include "companions/settings/page.h"
