@@ -12,6 +12,7 @@ struct CalendarEntry {
   QString name;
   QString path;  // absolute
   bool readOnly = false;
+  bool operator==(const CalendarEntry&) const = default;
 };
 
 /// Why the program cannot start with the configuration that it found; for the user to read.
