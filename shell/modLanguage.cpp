@@ -79,8 +79,9 @@ constexpr std::array languages{
     LanguageOfSystem{1055, 15},   // Turkish
 };
 
+/// Without a first character that no code page holds, which is how the mark of the table comes out in one.
 QString withoutMark(const QString& text) {
-  return text.startsWith(byteOrderMark) ? text.mid(1) : text;
+  return text.startsWith(byteOrderMark) || text.startsWith(u'?') ? text.mid(1) : text;
 }
 
 QString readTable(bool ansi) {

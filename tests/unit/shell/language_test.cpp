@@ -123,14 +123,6 @@ TEST_F(Language, TheVariablesAreFilledInAlphabeticalOrder) {
   EXPECT_EQ(keysOfVariables(), sorted);
 }
 
-TEST_F(Language, EveryColumnGivesATextForEveryPhrase) {
-  for (qint16 column = 1; column <= 16; ++column) {
-    LoadLanguages(column);
-    for (const cPhrase& phrase : values.gPhrases)
-      EXPECT_FALSE(phrase.LangPhrase.isEmpty()) << column << " " << qPrintable(phrase.LangConstant);
-  }
-}
-
 TEST_F(Language, TheEnglishTextsThatTheUserReadsStandAsTheyAre) {
   LoadLanguages(4);
   EXPECT_EQ(values.LNGABOUT, u"About"_s);
@@ -241,6 +233,39 @@ TEST_F(Language, ATableWithoutAMarkIsReadTheSame) {
   EXPECT_EQ(values.gPhrases.Item(1).LangConstant, u"LNGA"_s);
 }
 
+TEST_F(Language, AMarkThatCameOutAsAQuestionMarkIsNoPartOfTheFirstKey) {
+  useTable(utf16(u'?' + row(u"LNGA"_s)));
+  subReadPhrases(4);
+  EXPECT_EQ(values.gPhrases.Item(1).LangConstant, u"LNGA"_s);
+}
+
+TEST_F(Language, TheLastLineIsNotRead) {
+  useTable(utf16(row(u"LNGA"_s) + row(u"LNGB"_s).chopped(2)));
+  subReadPhrases(4);
+  EXPECT_EQ(values.gPhrases.Count(), 1);
+}
+
+TEST_F(Language, ASecondReadingReplacesTheFirst) {
+  useTable(utf16(row(u"LNGA"_s) + row(u"LNGB"_s)));
+  subReadPhrases(4);
+  subReadPhrases(7);
+  EXPECT_EQ(values.gPhrases.Count(), 2);
+  EXPECT_EQ(values.gPhrases.Item(u"LNGB"_s).LangPhrase, u"LNGB-7"_s);
+}
+
+TEST_F(Language, RussianCanBeReadThoughNoSystemPicksIt) {
+  useTable(utf16(row(u"LNGA"_s)));
+  subReadPhrases(16);
+  EXPECT_EQ(values.gPhrases.Item(u"LNGA"_s).LangPhrase, u"LNGA-16"_s);
+}
+
+TEST_F(Language, UntilThePhrasesAreReadAllAreEmpty) {
+#define HOURBOOK_PHRASE(key) EXPECT_EQ(values.key, QString());
+#include "shell/Phrases.inc"
+#undef HOURBOOK_PHRASE
+  EXPECT_EQ(values.gPhrases.Count(), 0);
+}
+
 TEST_F(Language, ATableInTheSystemsCodePageIsReadOnRequest) {
   useTable(row(u"LNGA"_s).toLocal8Bit());
   subReadPhrases(4, true);
@@ -291,6 +316,16 @@ TEST_F(Language, TheStepsAreLogged) {
   EXPECT_EQ(fncLastLogText(), u"Reading language phrases from resource file"_s);
   LoadLanguages(4);
   EXPECT_EQ(fncLastLogText(), u"Reading phrases from collection into variables"_s);
+}
+
+TEST_F(Language, ThePhrasesAreReadBeforeTheyAreCopied) {
+  keepLog();
+  LoadLanguages(4);
+  const QString log = contentOf(inProgramFolder(u"NorrdalenLog.txt"_s));
+  const qsizetype read = log.indexOf(u"\tReading language phrases from resource file\r\n"_s);
+  const qsizetype copied = log.indexOf(u"\tReading phrases from collection into variables\r\n"_s);
+  EXPECT_GE(read, 0);
+  EXPECT_GT(copied, read);
 }
 
 }  // namespace hourbook::tests
