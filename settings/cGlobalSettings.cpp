@@ -27,6 +27,12 @@ QString defaultCaption(qint16 n) {
   return n == 2 ? phrases().LNGTASK : QString();
 }
 
+/// kept: a slash at the end stays
+QString withoutBackslash(QString path) {
+  if (path.endsWith(u'\\')) path.chop(1);
+  return path;
+}
+
 }  // namespace
 
 cGlobalSettings::cGlobalSettings() : OtherSettings(std::make_shared<cOtherSettings>()) {
@@ -53,20 +59,31 @@ bool cGlobalSettings::ReadGlobalSettings(qint32 ReportOption, const QString& Pat
 }
 
 void cGlobalSettings::subSetupDBObjects(bool blnReadOnly, bool blnXML, const QString& strPath) try {
-  if (blnXML)
+  const Source source{blnReadOnly, blnXML, withoutBackslash(strPath)};
+  if (blnXML && !settingsValues().fncXMLFileToRS)
     throw Failure(
         objectDoesNotSupport,
         QStringLiteral("This version of the program cannot read common settings from an ASP page: ") +
-            fncStripSlash(strPath));
+            source.address);
   MetaDataLists = {};
-  settings_ = fncReturnRecordset(QStringLiteral("tblSettings"), blnReadOnly, false);
+  settings_ = fncFetch(source, QStringLiteral("tblSettings"), QStringLiteral("HBSettings.xml"));
   if (!settings_) return;
   subReadSettingsRow();
-  metaLists_ = fncReturnRecordset(QStringLiteral("tblMetaLists"), false);
-  for (qint16 n = 1; n <= 3; ++n) subReadMetaList(n, blnReadOnly);
+  // kept: writable whatever was asked for, so that a new database gets the rows it lacks
+  metaLists_ = fncFetch({false, source.xml, source.address}, QStringLiteral("tblMetaLists"),
+                        QStringLiteral("HBMetaLists.xml"));
+  for (qint16 n = 1; n <= 3; ++n) subReadMetaList(n, source);
   OtherSettings->FromRS(fncReturnRecordset(QStringLiteral("tblOtherSettings"), blnReadOnly));
 } catch (const Failure& failure) {
   subHandleError(failure, QStringLiteral("subSetupDBObjects"));
+}
+
+/// Null when there is nothing: an address that gave an empty text leads to a recordset that is not open.
+cGlobalSettings::RecordsetPointer cGlobalSettings::fncFetch(const Source& source, const QString& strTable,
+                                                            const QString& strFile) const {
+  if (!source.xml) return fncReturnRecordset(strTable, source.readOnly, false);
+  const RecordsetPointer found = settingsValues().fncXMLFileToRS(source.address + u'/' + strFile);
+  return found && found->State() == platform::ado::adStateOpen ? found : nullptr;
 }
 
 void cGlobalSettings::subReadSettingsRow() {
@@ -81,15 +98,15 @@ void cGlobalSettings::subReadSettingsRow() {
   ReportToValue = CStr(field(3));
 }
 
-void cGlobalSettings::subReadMetaList(qint16 n, bool blnReadOnly) {
-  const auto values =
-      fncReturnRecordset(QStringLiteral("select * from tblMeta%1 order by strName").arg(n), blnReadOnly);
+void cGlobalSettings::subReadMetaList(qint16 n, const Source& source) {
+  const auto values = fncFetch(source, QStringLiteral("select * from tblMeta%1 order by strName").arg(n),
+                               QStringLiteral("HBMeta%1.xml").arg(n));
   auto list = std::make_shared<cMetaDictionary>();
   if (values) list->ReadFromRecordset(*values);
   list->Index = n;
   subReadCaptions(*list, n);
   MetaDataLists.Add(list, QStringLiteral("Meta") + QString::number(n));
-  if (!metaLists_->isEOF()) metaLists_->MoveNext();
+  if (!present(metaLists_).isEOF()) metaLists_->MoveNext();
 }
 
 void cGlobalSettings::subReadCaptions(cMetaDictionary& list, qint16 n) {

@@ -19,6 +19,7 @@ class GlobalSettings : public testing::Test {
   int captionRows() { return db.rows(u"select * from tblMetaLists"_s); }
 
   ::tests::DatabaseWorld db;
+  Shared<SettingsValues>::Scope settingsScope;
 };
 
 TEST_F(GlobalSettings, ANewObjectReportsToAnAccessDatabaseInTheProgramsFolder) {
@@ -132,6 +133,105 @@ TEST_F(GlobalSettings, AnAspTargetFailsWithAClearText) {
                    [&] { settings.ReadGlobalSettings(1, u"http://example.org/hours\\"_s); });
   EXPECT_EQ(settings.ReportTo, 1);
   EXPECT_TRUE(db.plan->statements.isEmpty());
+}
+
+/// The copies beside an ASP page, each a recordset without a connection.
+class CommonSettingsCopies : public GlobalSettings {
+ protected:
+  using Rows = QList<QList<platform::basic::Value>>;
+
+  CommonSettingsCopies() {
+    put(u"HBSettings.xml"_s,
+        {u"intSettingsID"_s, u"intCostCarrier"_s, u"intReportTo"_s, u"strReportToValue"_s},
+        {{qint32(1), qint32(3), qint32(1), u"http://elsewhere"_s}});
+    put(u"HBMetaLists.xml"_s,
+        {u"intMetaListID"_s, u"strMetaListCaption"_s, u"strMetaListCategoryCaption"_s,
+         u"strMetaListSuperCategoryCaption"_s},
+        {{qint32(1), u"Kunde"_s, u"Branche"_s, u"Land"_s}});
+    put(u"HBMeta1.xml"_s, {u"strName"_s}, {{u"Zeta"_s}, {u"Acme"_s}});
+    put(u"HBMeta2.xml"_s, {u"strName"_s}, {{u"Support"_s}});
+    put(u"HBMeta3.xml"_s, {u"strName"_s}, {});
+    settingsScope->fncXMLFileToRS = [this](const QString& address) {
+      asked << address;
+      return copies.value(address.section(u'/', -1));
+    };
+  }
+  void put(const QString& file, const QStringList& columns, const Rows& rows) {
+    auto copy = std::make_shared<platform::ado::Recordset>();
+    for (const QString& column : columns)
+      copy->Fields().Append(
+          column, column.startsWith(u"int"_s) ? platform::ado::adInteger : platform::ado::adVarWChar, 255);
+    copy->Open();
+    for (const auto& row : rows) {
+      copy->AddNew();
+      for (int i = 0; i < columns.size(); ++i) copy->Fields().Item(i).setValue(row[i]);
+      copy->Update();
+    }
+    if (!rows.isEmpty()) copy->MoveFirst();
+    copies[file] = copy;
+  }
+
+  const QString address = u"http://example.org/hours"_s;
+  QHash<QString, std::shared_ptr<platform::ado::Recordset>> copies;
+  QStringList asked;
+};
+
+TEST_F(CommonSettingsCopies, AreReadInPlaceOfTheDatabase) {
+  cGlobalSettings settings;
+  db.database->gReportValue = address;
+  EXPECT_TRUE(settings.ReadGlobalSettings(1, address + u'\\'));
+  EXPECT_EQ(asked, (QStringList{address + u"/HBSettings.xml"_s, address + u"/HBMetaLists.xml"_s,
+                                address + u"/HBMeta1.xml"_s, address + u"/HBMeta2.xml"_s,
+                                address + u"/HBMeta3.xml"_s}));
+  EXPECT_EQ(settings.CostCarrier, 3);
+  EXPECT_EQ(settings.ReportTo, 1);
+  EXPECT_EQ(settings.ReportToValue, u"http://elsewhere"_s);
+  const cMetaDictionary& first = *settings.MetaDataLists.Item(1);
+  EXPECT_EQ(first.MetaDic->Keys(), (QStringList{u"Zeta"_s, u"Acme"_s}));
+  EXPECT_TRUE(first.MetaDic->Item(u"Acme"_s)->Enabled);
+  EXPECT_EQ(first.MetaDic->Item(u"Acme"_s)->ID, 2);
+  EXPECT_EQ(first.Caption, u"Kunde"_s);
+  EXPECT_EQ(first.CategoryCaption, u"Branche"_s);
+  EXPECT_EQ(first.SuperCategoryCaption, u"Land"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->Caption, u"Task"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(3)->Index, 3);
+  EXPECT_EQ(settings.OtherSettings->dicValues->Count(), 0);
+  EXPECT_TRUE(db.plan->statements.isEmpty());
+}
+
+TEST_F(CommonSettingsCopies, ASlashAtTheEndOfTheAddressStays) {
+  cGlobalSettings settings;
+  settings.ReadGlobalSettings(1, address + u'/');
+  EXPECT_EQ(asked.first(), address + u"//HBSettings.xml"_s);
+}
+
+TEST_F(CommonSettingsCopies, WithoutTheSettingsThereIsNothing) {
+  copies.remove(u"HBSettings.xml"_s);
+  cGlobalSettings settings;
+  EXPECT_FALSE(settings.ReadGlobalSettings(1, address));
+  EXPECT_EQ(asked.size(), 1);
+}
+
+TEST_F(CommonSettingsCopies, AnEmptyAnswerCountsAsNone) {
+  copies[u"HBSettings.xml"_s] = std::make_shared<platform::ado::Recordset>();
+  cGlobalSettings settings;
+  EXPECT_FALSE(settings.ReadGlobalSettings(1, address));
+}
+
+TEST_F(CommonSettingsCopies, AListThatCannotBeFetchedIsEmpty) {
+  copies.remove(u"HBMeta1.xml"_s);
+  copies[u"HBMeta2.xml"_s] = std::make_shared<platform::ado::Recordset>();
+  cGlobalSettings settings;
+  EXPECT_TRUE(settings.ReadGlobalSettings(1, address));
+  EXPECT_EQ(settings.MetaDataLists.Count(), 3);
+  EXPECT_EQ(settings.MetaDataLists.Item(1)->MetaDic->Count(), 0);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->MetaDic->Count(), 0);
+}
+
+TEST_F(CommonSettingsCopies, CaptionsThatCannotBeFetchedAreReported) {
+  copies.remove(u"HBMetaLists.xml"_s);
+  cGlobalSettings settings;
+  db.expectFailure(u"subSetupDBObjects"_s, u"#91\r\n"_s, [&] { settings.ReadGlobalSettings(1, address); });
 }
 
 TEST_F(GlobalSettings, AListThatCannotBeReadIsReported) {
