@@ -7,6 +7,7 @@
 #include <QStandardPaths>
 
 #include <memory>
+#include <optional>
 
 namespace hourbook {
 
@@ -49,8 +50,17 @@ class Reader {
     return value;
   }
 
-  bool flag(const QString& key) const {
-    const QString value = text(key, QStringLiteral("false")).toLower();
+  /// The pieces between commas, without empty ones; nothing when the key is missing.
+  std::optional<QStringList> list(const QString& key) const {
+    if (!settings_->contains(key)) return {};
+    QStringList pieces;
+    for (const QString& piece : settings_->value(key).toStringList().join(u',').split(u','))
+      if (!piece.trimmed().isEmpty()) pieces.append(piece.trimmed());
+    return pieces;
+  }
+
+  bool flag(const QString& key, bool otherwise = false) const {
+    const QString value = text(key, otherwise ? QStringLiteral("true") : QStringLiteral("false")).toLower();
     if (value == u"true" || value == u"1") return true;
     if (value == u"false" || value == u"0") return false;
     refuse(QStringLiteral("\"%1\" is \"%2\"; it may be true or false").arg(key, text(key)));
@@ -112,6 +122,24 @@ QList<CalendarEntry> readCalendars(const Reader& reader) {
   return calendars;
 }
 
+QList<int> readGenerations(const Reader& reader) {
+  const QString key = QStringLiteral("components/spreadsheet");
+  const std::optional<QStringList> listed = reader.list(key);
+  if (!listed) return Configuration().spreadsheetGenerations;
+  if (*listed == QStringList{QStringLiteral("none")}) return {};
+  static const QStringList known{QStringLiteral("9"), QStringLiteral("10"), QStringLiteral("11")};
+  QList<int> generations;
+  bool allKnown = !listed->isEmpty();
+  for (const QString& piece : *listed) {
+    allKnown = allKnown && known.contains(piece);
+    generations.append(piece.toInt());
+  }
+  if (!allKnown)
+    reader.refuse(QStringLiteral("\"%1\" is \"%2\"; it may list 9, 10 and 11, or be none")
+                      .arg(key, listed->join(QStringLiteral(", "))));
+  return generations;
+}
+
 }  // namespace
 
 QString Configuration::registryFile() const {
@@ -129,6 +157,12 @@ QString Configuration::defaultFolder() {
          QStringLiteral("/hourbook");
 }
 
+QString Configuration::placesFile() {
+  QString state = qEnvironmentVariable("XDG_STATE_HOME");
+  if (!QDir::isAbsolutePath(state)) state = QDir::homePath() + QStringLiteral("/.local/state");
+  return QDir::cleanPath(state) + QStringLiteral("/hourbook/window.json");
+}
+
 Configuration Configuration::read(const QString& folder) {
   const Reader reader(folder);
   Configuration configuration;
@@ -136,6 +170,8 @@ Configuration Configuration::read(const QString& folder) {
   configuration.mailboxName = reader.text(QStringLiteral("mailbox/name"));
   configuration.outlookVersion = reader.text(QStringLiteral("mailbox/version"), defaultVersion);
   configuration.calendars = readCalendars(reader);
+  configuration.spreadsheetGenerations = readGenerations(reader);
+  configuration.datePickers = reader.flag(QStringLiteral("components/datepickers"), true);
   configuration.openCalendar = reader.text(QStringLiteral("calendars/open"));
   if (configuration.openCalendar.isEmpty()) return configuration;
   for (const CalendarEntry& entry : configuration.calendars)

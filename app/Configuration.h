@@ -37,14 +37,21 @@ class ConfigurationError : public std::runtime_error {
 ///     1\path=/home/jane/calendars/work
 ///     1\readonly=false
 ///     open=work
+///     [components]
+///     spreadsheet=11
+///     datepickers=true
 ///
 /// A relative path is taken from the configuration's folder. Without `open` no calendar's window is open.
+/// `spreadsheet` lists the generations of the spreadsheet and chart component that count as installed, of 9,
+/// 10 and 11, or is "none"; without it that is 11 alone. Without `datepickers` there are date pickers.
 struct Configuration {
   QString folder;       // that holds platform.ini and the registry
   QString mailboxName;  // display name of the mailbox's top
   QString outlookVersion;
   QList<CalendarEntry> calendars;
   QString openCalendar;  // id
+  QList<int> spreadsheetGenerations{11};
+  bool datePickers = true;
 
   QString registryFile() const;
   /// Where mails are kept until the user sends them.
@@ -54,6 +61,8 @@ struct Configuration {
   static Configuration read(const QString& folder);
   /// The folder that HOURBOOK_CONFIG names, else "hourbook" in the user's configuration folder.
   static QString defaultFolder();
+  /// Where the window keeps its place: in "hourbook" in the user's state folder, which no setting names.
+  static QString placesFile();
 };
 
 }  // namespace hourbook

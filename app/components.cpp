@@ -60,12 +60,29 @@ void registerScripting(Components& components) {
   addPlain<WshShell>(components, QStringLiteral("Wscript.Shell"));
 }
 
-void registerControls(Components& components) {
+struct Named {
+  platform::owc::Generation generation;
+  QString chart, spreadsheet;
+};
+
+/// What each generation calls its two components.
+const QList<Named>& generations() {
+  using platform::owc::Generation;
+  static const QList<Named> all{
+      {Generation::Office2000, QStringLiteral("OWC.Chart"), QStringLiteral("OWC.Spreadsheet")},
+      {Generation::OfficeXP, QStringLiteral("OWC10.Chartspace"), QStringLiteral("OWC10.Spreadsheet")},
+      {Generation::Office2003, QStringLiteral("OWC11.ChartSpace"), QStringLiteral("OWC11.Spreadsheet")}};
+  return all;
+}
+
+void registerControls(Components& components, const Configuration& configuration) {
   using namespace platform::owc;
-  components.add<ChartSpace>(QStringLiteral("OWC11.ChartSpace"),
-                             [] { return std::make_shared<ChartSpace>(); });
-  components.add<Spreadsheet>(QStringLiteral("OWC11.Spreadsheet"),
-                              [] { return std::make_shared<Spreadsheet>(Generation::Office2003); });
+  for (const auto& [generation, chart, spreadsheet] : generations()) {
+    if (!configuration.spreadsheetGenerations.contains(static_cast<int>(generation))) continue;
+    components.add<ChartSpace>(chart, [of = generation] { return std::make_shared<ChartSpace>(of); });
+    components.add<Spreadsheet>(spreadsheet, [of = generation] { return std::make_shared<Spreadsheet>(of); });
+  }
+  if (!configuration.datePickers) return;
   components.add<platform::forms::DTPicker>(QStringLiteral("MSComCtl2.DTPicker"), [] {
     return std::make_shared<platform::forms::DTPicker>(QString());
   });
@@ -77,7 +94,7 @@ void registerComponents(Components& components, const Configuration& configurati
   registerOutlook(components, configuration);
   registerDatabases(components);
   registerScripting(components);
-  registerControls(components);
+  registerControls(components, configuration);
 }
 
 }  // namespace hourbook

@@ -6,6 +6,8 @@
 #include "shell/start/modMain.h"
 #include "shell/start/ProgramValues.h"
 #include "workspace/frm2003Report.h"
+#include "workspace/frm2KReport.h"
+#include "workspace/frmXPReport.h"
 
 #include <QApplication>
 
@@ -32,7 +34,10 @@ int run(QApplication& application) {
   const platform::process::ScopedProcess processInForce(platform::process::systemProcess());
   ProgramValues values;
   StartParts parts;
-  parts.reportForms.insert(11, frm2003Report);
+  const QString places = Configuration::placesFile();
+  parts.reportForms.insert(9, [places] { return frm2KReport(places); });
+  parts.reportForms.insert(10, [places] { return frmXPReport(places); });
+  parts.reportForms.insert(11, [places] { return frm2003Report(places); });
   Main(parts);
   // Without a form the start was left early, after its message.
   return values.workspace->gReportForm ? application.exec() : 0;

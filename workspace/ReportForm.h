@@ -44,8 +44,10 @@ class ReportForm : public platform::forms::Control {
   const DeviceContext& hDC() const;
   /// Not owned; null: a form without a window.
   void setScreen(ReportFormScreen* screen) { screen_ = screen; }
-  /// The list has been rebuilt with so many rows.
-  void tellFetched(int rows) { Q_EMIT listFetched(rows); }
+  /// The list is being rebuilt and has come so far in the period, from 0 to 1.
+  void tellFetching(double part) { Q_EMIT listFetching(part); }
+  /// The list has been rebuilt.
+  void tellFetched() { Q_EMIT listFetched(); }
   /// The window has closed.
   void windowClosed() { Q_EMIT Unloaded(); }
 
@@ -107,7 +109,8 @@ class ReportForm : public platform::forms::Control {
  Q_SIGNALS:
   void Loading();   // Form_Load
   void Unloaded();  // Form_Unload
-  void listFetched(int rows);
+  void listFetching(double part);
+  void listFetched();
   void pickerAdded(platform::forms::DTPicker* picker);
   void pickerRemoved(platform::forms::DTPicker* picker);
 

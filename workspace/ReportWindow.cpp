@@ -1,11 +1,12 @@
 #include "workspace/ReportWindow.h"
 
 #include "platform/forms/widgets/bind.h"
-#include "shell/ShellValues.h"
+#include "platform/forms/widgets/windowplaces.h"
 #include "workspace/FlowLayout.h"
 #include "workspace/ListPart.h"
 #include "workspace/modReportForm.h"
 #include "workspace/StatisticsPart.h"
+#include "workspace/StatusPart.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -39,7 +40,8 @@ QBoxLayout* emptyColumn() {
 
 }  // namespace
 
-ReportWindow::ReportWindow(ReportForm& form) : form_(form) {
+ReportWindow::ReportWindow(ReportForm& form, const QString& placesFile)
+    : form_(form), places_(new forms::WindowPlaces(this, placesFile)) {
   setObjectName(form.Name());
   setWindowFlags(Qt::Window);
   setSizeGripEnabled(false);
@@ -51,10 +53,9 @@ ReportWindow::ReportWindow(ReportForm& form) : form_(form) {
   connect(&form_, &forms::Control::propertyChanged, this, [this] { setWindowTitle(form_.Caption()); });
   connect(&form_, &ReportForm::pickerAdded, this, &ReportWindow::takePicker);
   connect(&form_, &ReportForm::pickerRemoved, this, &ReportWindow::dropPicker);
-  connect(&form_, &ReportForm::listFetched, this,
-          [this](int rows) { status_->setText(fncStatusText(rows)); });
   const QRect room = screen()->availableGeometry();
   resize(qMin(baseWidth, room.width()), qMin(baseHeight, room.height()));
+  places_->restore();
 }
 
 ReportWindow::~ReportWindow() {
@@ -187,6 +188,7 @@ void ReportWindow::dropPicker(forms::DTPicker* picker) {
 
 QWidget* ReportWindow::splitViews() {
   auto* splitter = new QSplitter(Qt::Vertical, this);
+  splitter->setObjectName(QStringLiteral("listAndStatistics"));
   splitter->addWidget(new ListPart(form_, this));
   splitter->addWidget(new StatisticsPart(form_, this));
   splitter->setStretchFactor(0, 3);
@@ -197,10 +199,8 @@ QWidget* ReportWindow::splitViews() {
 
 QLayout* ReportWindow::buttonRow() {
   auto* row = new FlowLayout;
-  status_ = new QLabel(this);
-  status_->setObjectName(QStringLiteral("status"));
   QPushButton* ok = button(form_.cmdOK, new QPushButton(this));
-  row->addWidget(asHighAs(*ok, status_));
+  row->addWidget(asHighAs(*ok, new StatusPart(form_, this)));
   row->addStretch();
   row->addWidget(button(form_.cmdAddNew, new QPushButton(this)));
   row->addWidget(button(form_.cmdSaveChanges, new QPushButton(this)));
@@ -264,6 +264,26 @@ qint32 ReportWindow::GetPixel(int, int) const {
 void ReportWindow::closeEvent(QCloseEvent* event) {
   event->accept();
   form_.windowClosed();
+}
+
+namespace {
+
+struct FormWithWindow {
+  FormWithWindow(const ReportFormVariant& variant, const QString& placesFile)
+      : form(variant), window(form, placesFile) {
+    form.setScreen(&window);
+    subConnectEvents(form);
+  }
+  ~FormWithWindow() { form.setScreen(nullptr); }
+  ReportForm form;
+  ReportWindow window;
+};
+
+}  // namespace
+
+std::shared_ptr<ReportForm> windowedReportForm(const ReportFormVariant& variant, const QString& placesFile) {
+  auto both = std::make_shared<FormWithWindow>(variant, placesFile);
+  return {both, &both->form};
 }
 
 }  // namespace hourbook

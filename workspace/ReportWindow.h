@@ -5,9 +5,14 @@
 #include <QDialog>
 
 #include <functional>
+#include <memory>
 
 class QBoxLayout;
 class QLabel;
+
+namespace platform::forms {
+class WindowPlaces;
+}
 
 namespace hourbook {
 
@@ -16,7 +21,8 @@ namespace hourbook {
 class ReportWindow : public QDialog, public ReportFormScreen {
   Q_OBJECT
  public:
-  explicit ReportWindow(ReportForm& form);
+  /// Keeps its place in a file; see `WindowPlaces`.
+  ReportWindow(ReportForm& form, const QString& placesFile);
   ~ReportWindow() override;
 
   void setMousePointer(int pointer) override;
@@ -50,13 +56,17 @@ class ReportWindow : public QDialog, public ReportFormScreen {
   Widget* asHighAs(const QWidget& neighbour, Widget* widget);
 
   ReportForm& form_;
+  platform::forms::WindowPlaces* places_;
   FormMnemonics mnemonics_;
   QBoxLayout* startField_ = nullptr;
   QBoxLayout* endField_ = nullptr;
   QLabel* line_ = nullptr;
-  QLabel* status_ = nullptr;
   bool waiting_ = false;
   QList<std::function<void()>> sizes_;  // that are counted from the font
 };
+
+/// A report form with its window, its events connected; not loaded and not shown yet. The window keeps its
+/// place in `placesFile`; without one it begins anew each time.
+std::shared_ptr<ReportForm> windowedReportForm(const ReportFormVariant& variant, const QString& placesFile);
 
 }  // namespace hourbook

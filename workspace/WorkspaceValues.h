@@ -1,11 +1,10 @@
 #pragma once
-#include "platform/scripting/dictionary.h"
 #include "shell/SharedValues.h"
-#include "workspace/ChartView.h"
 #include "workspace/GridView.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace hourbook {
 
@@ -19,6 +18,8 @@ struct WorkspaceValues {
   qint16 gOWCVersion = 0;
   /// Row of the list that was written last; 1 means that it has none. Set by each fetch.
   qint16 gLastRow = 1;
+  /// How long the last fetch took; none before there was one. Set by each fetch.
+  std::optional<qint64> fetchMilliseconds;
   /// True while the list is being rebuilt or reported: the sheet's own events then do nothing.
   bool gFetching = false;
   /// True while `chkGrid` is set.
@@ -35,10 +36,6 @@ struct WorkspaceValues {
   /// The week grid; null as long as nothing makes one. Made by `Main`, or when `chkGrid` is first touched.
   std::shared_ptr<GridView> gGridView;
   std::function<std::shared_ptr<GridView>()> newGridView;
-  /// What draws the chart; null as long as nothing does. Not owned: the form's window holds it.
-  ChartView* gChartView = nullptr;
-  /// The hours by group as the last count found them, in the order of the chart.
-  platform::scripting::Dictionary<double> hoursByGroup;
 };
 
 inline WorkspaceValues& workspaceValues() {

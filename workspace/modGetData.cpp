@@ -17,6 +17,8 @@
 #include "workspace/ReportForm.h"
 #include "workspace/WorkspaceValues.h"
 
+#include <algorithm>
+
 namespace hourbook {
 
 using platform::basic::Date;
@@ -28,6 +30,7 @@ using Appointment = std::shared_ptr<AppointmentItem>;
 namespace {
 
 inline constexpr int lastListRow = 199;
+inline constexpr qint64 signOfLifeEvery = 100;  // milliseconds
 
 /// Eight digits, so that dates compare as texts.
 QString dayKey(const Date& day) {
@@ -63,6 +66,7 @@ class Fetch {
     if (auto failure = tolerate(statement)) pending_ = std::move(failure);
   }
   void forceWholeWeek();
+  void showProgress();
   void consider(Appointment item);
   void list(const Appointment& item);
   void unlockCalculation();
@@ -80,6 +84,8 @@ class Fetch {
   Date itemDay_;
   QString itemKey_;
   std::shared_ptr<cMarking> marking_;
+  const qint64 begun_ = platform::basic::Clock::current().milliseconds();
+  qint64 shownAt_ = begun_;
 };
 
 void Fetch::startGrid() {
@@ -107,6 +113,7 @@ void Fetch::clearList() {
     dropDown->setVisible(false);
   marking_ = std::make_shared<cMarking>();
   sheet_.Range(QStringLiteral("a2")).setValue(Value(phrases().LNGFETCHINGAPPS));
+  form_.tellFetching(0);
   form_.Refresh();
 }
 
@@ -163,8 +170,19 @@ void Fetch::walk() {
   }
 }
 
+/// The items come in the order of their starts, so the day at hand says how much of the period is done.
+void Fetch::showProgress() {
+  const qint64 now = platform::basic::Clock::current().milliseconds();
+  if (now - shownAt_ < signOfLifeEvery) return;
+  shownAt_ = now;
+  const double whole = endDate_.serial() + 1 - startDate_.serial();
+  const double done = itemDay_.serial() - startDate_.serial();
+  form_.tellFetching(whole > 0 ? std::clamp(done / whole, 0.0, 1.0) : 0);
+}
+
 void Fetch::consider(Appointment item) {
   step([&] { itemDay_ = item->Start().dateOnly(); });
+  showProgress();
   bool isRequest = false;
   step([&] { isRequest = item->MessageClass() == platform::outlook::classMeetingRequest; });
   if (isRequest) {
@@ -220,7 +238,8 @@ void Fetch::showResults() {
     step([&] { grid_->subBuildMetaGrid(); });
     step([&] { grid_->subSumRowToGrid(true); });
   }
-  form_.tellFetched(values_.gLastRow - 1);
+  values_.fetchMilliseconds = platform::basic::Clock::current().milliseconds() - begun_;
+  form_.tellFetched();
   form_.setMousePointer(vbDefault);
 }
 

@@ -6,6 +6,7 @@
 #include "shell/modScriptingDic.h"
 #include "shell/modXPlooks.h"
 #include "shell/ShellValues.h"
+#include "workspace/modChart.h"
 #include "workspace/modGetData.h"
 #include "workspace/modReportFlow.h"
 #include "workspace/modStatistics.h"
@@ -113,10 +114,7 @@ void subConnectEvents(ReportForm& form) {
   on(form.txtDays, &TextBox::Change, form, txtDays_Change);
   on(form.vDaysBefore, &ScrollBar::Change, form, vDaysBefore_Change);
   on(form.cmdOK, &CommandButton::Click, form, cmdOK_Click);
-}
-
-QString fncStatusText(int rows) {
-  return phrases().LNGAPPOINTMENTS + QStringLiteral(": ") + QString::number(rows);
+  if (form.cmbChartType) on(*form.cmbChartType, &ComboBox::Click, form, cmbChartType_Click);
 }
 
 void Form_Load() try {

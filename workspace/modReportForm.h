@@ -27,9 +27,6 @@ void vDaysBefore_Change();
 /// Writes the phrases and the names of the meta lists to the form.
 void subSetLangCaptions();
 
-/// What the status line says of a list with so many rows.
-QString fncStatusText(int rows);
-
 /// Fills the meta drop-downs from the user's lists.
 void subFillDropDowns();
 /// Puts the keys of a dictionary into a drop-down, in the dictionary's order.

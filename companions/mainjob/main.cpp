@@ -104,7 +104,7 @@ int doTheJob(const QString& profile, const QString& picture) {
 
   hourbook::ProgramValues values;
   hourbook::StartParts parts;
-  parts.reportForms.insert(11, hourbook::frm2003Report);
+  parts.reportForms.insert(11, [] { return hourbook::frm2003Report(); });
   hourbook::Main(parts);
   if (!values.workspace->gReportForm) return fail(u"The program did not start."_s);
   const auto rows = fetchAndReport(values, picture);

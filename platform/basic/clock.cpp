@@ -1,5 +1,7 @@
 #include "platform/basic/clock.h"
 
+#include <chrono>
+
 namespace platform::basic {
 
 namespace {
@@ -31,6 +33,11 @@ QDateTime Clock::now() const {
 
 QTimeZone Clock::zone() const {
   return QTimeZone::systemTimeZone();
+}
+
+qint64 Clock::milliseconds() const {
+  using namespace std::chrono;
+  return duration_cast<std::chrono::milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
 const Clock& Clock::current() {

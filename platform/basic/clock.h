@@ -11,6 +11,8 @@ class Clock {
   virtual ~Clock() = default;
   virtual QDateTime now() const;  // an instant, in the zone below
   virtual QTimeZone zone() const;
+  /// Counts on whatever is done to the date and time; only the difference of two says anything.
+  virtual qint64 milliseconds() const;
 
   static const Clock& current();
 };
@@ -33,7 +35,9 @@ class FixedClock : public Clock {
   FixedClock(const QDateTime& local, const QByteArray& zoneId);
   QDateTime now() const override { return now_; }
   QTimeZone zone() const override { return zone_; }
+  qint64 milliseconds() const override { return now_.toMSecsSinceEpoch(); }
   void advance(qint64 seconds) { now_ = now_.addSecs(seconds); }
+  void advanceMilliseconds(qint64 milliseconds) { now_ = now_.addMSecs(milliseconds); }
 
  private:
   QTimeZone zone_;

@@ -9,6 +9,7 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/shell.h"
 #include "platform/scripting/shellapplication.h"
+#include "shell/start/modMain.h"
 #include "tests/support/testworld.h"
 
 #include <QFile>
@@ -72,11 +73,50 @@ TEST_F(ComponentsOfTheMachine, AreFoundUnderTheirNames) {
             platform::owc::Generation::Office2003);
 }
 
-TEST_F(ComponentsOfTheMachine, HaveGeneration11OfTheChartAlone) {
+TEST_F(ComponentsOfTheMachine, HaveGeneration11AloneUnlessTheConfigurationSaysOtherwise) {
   hourbook::registerComponents(world.components, configuration);
   EXPECT_NO_THROW(CreateObject<platform::owc::ChartSpace>(QStringLiteral("OWC11.ChartSpace")));
-  EXPECT_FALSE(world.components.has(QStringLiteral("OWC10.Chartspace")));
-  EXPECT_FALSE(world.components.has(QStringLiteral("OWC.Chart")));
+  for (const char* progId : {"OWC10.Chartspace", "OWC.Chart", "OWC10.Spreadsheet", "OWC.Spreadsheet"})
+    EXPECT_FALSE(world.components.has(QString::fromLatin1(progId))) << progId;
+}
+
+TEST_F(ComponentsOfTheMachine, HaveEachConfiguredGenerationUnderItsNames) {
+  configuration.spreadsheetGenerations = {9, 10, 11};
+  hourbook::registerComponents(world.components, configuration);
+  const QList<std::tuple<int, QString, QString>> all{
+      {9, QStringLiteral("OWC.Spreadsheet"), QStringLiteral("OWC.Chart")},
+      {10, QStringLiteral("OWC10.Spreadsheet"), QStringLiteral("OWC10.Chartspace")},
+      {11, QStringLiteral("OWC11.Spreadsheet"), QStringLiteral("OWC11.ChartSpace")}};
+  for (const auto& [generation, spreadsheet, chart] : all) {
+    EXPECT_EQ(static_cast<int>(CreateObject<platform::owc::Spreadsheet>(spreadsheet)->generation()),
+              generation);
+    EXPECT_NO_THROW(CreateObject<platform::owc::ChartSpace>(chart)) << generation;
+  }
+}
+
+TEST_F(ComponentsOfTheMachine, LeadToTheFormOfTheirGenerationInTheOrder10Then9Then11) {
+  const QList<std::pair<QList<int>, int>> machines{
+      {{11}, 11}, {{10}, 10}, {{9}, 9}, {{9, 11}, 9}, {{10, 11}, 10}, {{9, 10}, 10}, {{9, 10, 11}, 10}};
+  for (const auto& [installed, chosen] : machines) {
+    platform::automation::Components components;
+    const platform::automation::ScopedComponents inForce(components);
+    configuration.spreadsheetGenerations = installed;
+    hourbook::registerComponents(components, configuration);
+    EXPECT_EQ(hourbook::fncGetOWCVersion(), chosen) << installed.size() << ' ' << installed.first();
+  }
+}
+
+TEST_F(ComponentsOfTheMachine, LackTheSpreadsheetWhereTheConfigurationNamesNone) {
+  configuration.spreadsheetGenerations.clear();
+  hourbook::registerComponents(world.components, configuration);
+  for (const char* progId : {"OWC11.ChartSpace", "OWC10.Chartspace", "OWC.Chart"})
+    EXPECT_FALSE(world.components.has(QString::fromLatin1(progId))) << progId;
+}
+
+TEST_F(ComponentsOfTheMachine, LackTheDatePickersWhereTheConfigurationSwitchesThemOff) {
+  configuration.datePickers = false;
+  hourbook::registerComponents(world.components, configuration);
+  EXPECT_FALSE(world.components.has(QStringLiteral("MSComCtl2.DTPicker")));
 }
 
 }  // namespace

@@ -59,6 +59,46 @@ TEST_F(PlatformConfiguration, NeedsNoVersionAndNoOpenCalendar) {
   EXPECT_EQ(read().openCalendar, QString());
 }
 
+TEST_F(PlatformConfiguration, HasTheNewestSpreadsheetAndTheDatePickersUnlessItSaysOtherwise) {
+  write(one);
+  EXPECT_EQ(read().spreadsheetGenerations, QList<int>{11});
+  EXPECT_TRUE(read().datePickers);
+}
+
+TEST_F(PlatformConfiguration, ListsTheGenerationsOfTheSpreadsheetThatAreInstalled) {
+  write(one + "[components]\nspreadsheet=9\ndatepickers=false\n");
+  EXPECT_EQ(read().spreadsheetGenerations, QList<int>{9});
+  EXPECT_FALSE(read().datePickers);
+  for (const char* list : {"9, 10,11", "\"9,10, 11\"", "9,10,11,"}) {
+    write(one + "[components]\nspreadsheet=" + list + "\n");
+    EXPECT_EQ(read().spreadsheetGenerations, (QList<int>{9, 10, 11})) << list;
+  }
+  write(one + "[components]\nspreadsheet=none\n");
+  EXPECT_TRUE(read().spreadsheetGenerations.isEmpty());
+}
+
+TEST_F(PlatformConfiguration, RefusesGenerationsThatThereAreNot) {
+  for (const char* list : {"12", "9,eleven", "", ",", "none,9"}) {
+    write(one + "[components]\nspreadsheet=" + list + "\n");
+    EXPECT_THAT(refusal(), HasSubstr("it may list 9, 10 and 11, or be none")) << list;
+  }
+  write(one + "[components]\ndatepickers=perhaps\n");
+  EXPECT_THAT(refusal(), HasSubstr("\"components/datepickers\" is \"perhaps\""));
+}
+
+TEST_F(PlatformConfiguration, KeepsTheWindowsPlaceInTheStateFolder) {
+  const QByteArray before = qgetenv("XDG_STATE_HOME");
+  qputenv("XDG_STATE_HOME", "/var/state/jane");
+  EXPECT_EQ(Configuration::placesFile(), QStringLiteral("/var/state/jane/hourbook/window.json"));
+  qputenv("XDG_STATE_HOME", "not/absolute");
+  EXPECT_EQ(Configuration::placesFile(),
+            QDir::homePath() + QStringLiteral("/.local/state/hourbook/window.json"));
+  qunsetenv("XDG_STATE_HOME");
+  EXPECT_EQ(Configuration::placesFile(),
+            QDir::homePath() + QStringLiteral("/.local/state/hourbook/window.json"));
+  if (!before.isNull()) qputenv("XDG_STATE_HOME", before);
+}
+
 TEST_F(PlatformConfiguration, KeepsRegistryAndDraftsBesideItself) {
   write(one);
   EXPECT_EQ(read().registryFile(), folder.filePath(QStringLiteral("registry.ini")));

@@ -410,11 +410,6 @@ TEST(Events, ThatAreNotThereYetAreSwitchedOffAndSayWhy) {
   }
 }
 
-TEST(StatusLine, NamesTheNumberOfRows) {
-  WorkspaceWorld w;
-  EXPECT_EQ(fncStatusText(12), QStringLiteral("Appointments: 12"));
-}
-
 TEST(UsingTheForm, BeforeThereIsOneFails) {
   WorkspaceWorld w;
   try {
