@@ -1,4 +1,6 @@
 #pragma once
+#include "companions/settings/namedlist.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -12,13 +14,6 @@ struct ReportPlace {
   QString value;       // for 2 the database's folder with "\" at its end, for 3 a connection string
   bool isNew = false;  // the database is only made when everything is saved, before any page's apply()
   bool operator==(const ReportPlace&) const = default;
-};
-
-/// A meta list by its name, with its values in the order of display.
-struct NamedList {
-  QString name;
-  QStringList values;
-  bool operator==(const NamedList&) const = default;
 };
 
 /// One page of the settings window. It edits a copy of its own: nothing is written before apply(), and a page

@@ -95,6 +95,11 @@ std::optional<IniEntries> parseIni(const QByteArray& bytes, QString* error) {
 
 std::optional<QByteArray> withEntry(const QByteArray& bytes, const QString& entry, const QString& text,
                                     QString* error) {
+  return withEntries(bytes, {{entry, text}}, error);
+}
+
+std::optional<QByteArray> withEntries(const QByteArray& bytes, const QList<QPair<QString, QString>>& entries,
+                                      QString* error) {
   const WorkingCopy copy(bytes);
   if (!copy.usable()) {
     *error = noCopy();
@@ -104,9 +109,11 @@ std::optional<QByteArray> withEntry(const QByteArray& bytes, const QString& entr
   {
     QSettings settings(copy.path(), QSettings::IniFormat);
     wanted = entriesOf(settings);
-    const QString name = existingName(wanted, entry);
-    wanted.insert(name, text);
-    settings.setValue(name, text);
+    for (const auto& [entry, text] : entries) {
+      const QString name = existingName(wanted, entry);
+      wanted.insert(name, text);
+      settings.setValue(name, text);
+    }
     settings.sync();
   }
   const std::optional<QByteArray> changed = copy.read();

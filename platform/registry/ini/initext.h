@@ -18,6 +18,9 @@ std::optional<IniEntries> parseIni(const QByteArray& bytes, QString* error);
 /// nothing of a temporary disk that is full.
 std::optional<QByteArray> withEntry(const QByteArray& bytes, const QString& entry, const QString& text,
                                     QString* error);
+/// Likewise with several, in one go.
+std::optional<QByteArray> withEntries(const QByteArray& bytes, const QList<QPair<QString, QString>>& entries,
+                                      QString* error);
 /// The entry of a registry key and value name. An entry in the file that differs only in case is the same.
 QString entryName(const QString& key, const QString& name);
 
