@@ -25,17 +25,9 @@ class SaveGlobalSettings : public testing::Test {
   };
 
   SaveGlobalSettings() {
-    db.createCurrent();
-    run(u"insert into tblMeta1 (strName, strCategory, strSuperCategory, curRate, blnEnabled)"
-        u" values ('Acme', 'Big', 'North', 100, -1)"_s);
-    run(u"insert into tblMeta1 (strName, blnEnabled) values ('Bolt', 0)"_s);
-    run(u"insert into tblMeta1 (strName, blnEnabled) values ('Coil', 0)"_s);
-    run(u"insert into tblMeta2 (strName, blnEnabled) values ('Support', -1)"_s);
-    run(u"insert into tblSettings (intCostCarrier, intReportTo, strReportToValue) values (1, 2, 'x')"_s);
-    run(u"insert into tblPersons (strPersonName) values ('Jane')"_s);
-    addReport(1);
-    addReport(2);
-    addReport(2);
+    // made once and copied: a new database takes longer than all the rest of a test
+    static const QByteArray content = newContent();
+    db.write(u"Hourbook3.mdb"_s, content);
     settingsScope->showResolveRemovedItem = [this](frmResolveRemovedItem& form) {
       Asked question{form.lblValueToBeResolved.Caption(), form.lblConflict.Caption(), {}};
       for (int i = 0; i < form.cmbMoveChoice.ListCount(); ++i) question.choices << form.cmbMoveChoice.List(i);
@@ -44,10 +36,26 @@ class SaveGlobalSettings : public testing::Test {
     };
   }
 
-  void run(const QString& sql) { db.other()->execute(sql); }
-  void addReport(int customer) {
-    run(u"insert into tblReports (strSubject, intPersonID, intMeta1ID) values ('r', 1, %1)"_s.arg(customer));
+  QByteArray newContent() {
+    db.createCurrent();
+    const auto session = db.other();
+    session->begin();
+    for (const QString& sql :
+         {u"insert into tblMeta1 (strName, strCategory, strSuperCategory, curRate, blnEnabled)"
+          u" values ('Acme', 'Big', 'North', 100, -1)"_s,
+          u"insert into tblMeta1 (strName, blnEnabled) values ('Bolt', 0)"_s,
+          u"insert into tblMeta1 (strName, blnEnabled) values ('Coil', 0)"_s,
+          u"insert into tblMeta2 (strName, blnEnabled) values ('Support', -1)"_s,
+          u"insert into tblSettings (intCostCarrier, intReportTo, strReportToValue) values (1, 2, 'x')"_s,
+          u"insert into tblPersons (strPersonName) values ('Jane')"_s,
+          u"insert into tblReports (strSubject, intPersonID, intMeta1ID) values ('r', 1, 1)"_s,
+          u"insert into tblReports (strSubject, intPersonID, intMeta1ID) values ('r', 1, 2)"_s,
+          u"insert into tblReports (strSubject, intPersonID, intMeta1ID) values ('r', 1, 2)"_s})
+      session->execute(sql);
+    session->commit();
+    return db.read(u"Hourbook3.mdb"_s);
   }
+  void run(const QString& sql) { db.other()->execute(sql); }
   std::unique_ptr<cGlobalSettings> readSettings() {
     auto settings = std::make_unique<cGlobalSettings>();
     EXPECT_TRUE(settings->ReadGlobalSettings(2, db.folder.path()));
