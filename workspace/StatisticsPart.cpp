@@ -4,6 +4,7 @@
 #include "platform/owc/chartview/chartview.h"
 
 #include <QBoxLayout>
+#include <QComboBox>
 #include <QEvent>
 #include <QLabel>
 #include <QTabBar>
@@ -37,9 +38,17 @@ QLayout* StatisticsPart::head() {
   total->setFont(strong);
   auto* row = new QHBoxLayout;
   row->addWidget(tabs, 1);
+  if (form_.cmbChartType) row->addWidget(chartTypes());
   row->addWidget(caption);
   row->addWidget(total);
   return row;
+}
+
+QWidget* StatisticsPart::chartTypes() {
+  auto* types = new QComboBox(this);
+  types->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  forms::bind(*form_.cmbChartType, types);
+  return types;
 }
 
 void StatisticsPart::followFont() {

@@ -9,7 +9,8 @@ class ChartView;
 
 namespace hourbook {
 
-/// The tabs of the statistics, the total of the hours, and the chart.
+/// The tabs of the statistics, the choice of a chart type where the form has one, the total of the hours, and
+/// the chart.
 class StatisticsPart : public QWidget {
   Q_OBJECT
  public:
@@ -20,6 +21,7 @@ class StatisticsPart : public QWidget {
 
  private:
   QLayout* head();
+  QWidget* chartTypes();
   void followFont();
   ReportForm& form_;
   platform::owc::ChartView* chart_;

@@ -75,6 +75,7 @@ void captionTabs(ReportForm& form) {
 void nameTheUnlabelled(ReportForm& form) {
   form.vDaysBefore.setAccessibleName(form.lblDaysBefore.Caption());
   form.tbsViews.setAccessibleName(phrases().LNGSTATISTICS);
+  if (form.cmbChartType) form.cmbChartType->setAccessibleName(phrases().LNGSTATISTICS);
   const QStringList names = metaNames();
   form.cmbMeta1.setAccessibleName(names.value(0));
   form.cmbMeta2.setAccessibleName(names.value(1));

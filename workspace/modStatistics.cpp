@@ -5,9 +5,11 @@
 #include "platform/locale/locale.h"
 #include "shell/modErrorReport.h"
 #include "shell/modScriptingDic.h"
+#include "workspace/modChart.h"
 #include "workspace/ReportForm.h"
 #include "workspace/WorkspaceValues.h"
 
+#include <cmath>
 #include <utility>
 
 namespace hourbook {
@@ -29,6 +31,18 @@ int columnOfTab(int tab) {
   return tab <= 0 ? weekdayColumn : tab + 1;
 }
 
+/// A decimal number: the list writes hours with "." in every language, a user as the system's format has
+/// them. A cell that was emptied holds no hours.
+double hoursOf(const Value& cell) {
+  if (const auto* text = std::get_if<QString>(&cell)) {
+    if (text->isEmpty()) return 0;
+    bool plain = false;
+    const double hours = text->trimmed().toDouble(&plain);
+    if (plain && std::isfinite(hours)) return hours;
+  }
+  return platform::basic::CDbl(cell);
+}
+
 double count(ReportForm& form, HoursByGroup& hoursByGroup) {
   const int column = columnOfTab(form.tbsViews.Index());
   double total = 0;
@@ -36,8 +50,7 @@ double count(ReportForm& form, HoursByGroup& hoursByGroup) {
   for (int row = lastCountedRow; row >= firstCountedRow; --row) {
     if (form.exsThisWeek.Cell(row, weekdayColumn).Text().isEmpty()) continue;
     const QString key = form.exsThisWeek.Cell(row, column).Text();
-    const double hours = platform::basic::decimalNumber(
-        platform::basic::CStr(form.exsThisWeek.Cell(row, hoursColumn).Value()));
+    const double hours = hoursOf(form.exsThisWeek.Cell(row, hoursColumn).Value());
     total += hours;
     if (hoursByGroup.Exists(key))
       hoursByGroup.Item(key) += hours;
@@ -92,12 +105,10 @@ QList<Entry> entriesOf(const HoursByGroup& dictionary, SortField sortField, bool
 
 void subCountSpreadSheet() try {
   ReportForm& form = reportForm();
-  WorkspaceValues& values = workspaceValues();
-  values.hoursByGroup = *fncCreateDic<double>();
-  const double total = count(form, values.hoursByGroup);
-  if (values.hoursByGroup.Count() > 1)
-    fncSortDictionary(values.hoursByGroup, SortField::Key, form.tbsViews.Index() == 0);
-  if (values.gChartView) values.gChartView->LoadChartWithLiteral(values.hoursByGroup);
+  const auto hoursByGroup = fncCreateDic<double>();
+  const double total = count(form, *hoursByGroup);
+  if (hoursByGroup->Count() > 1) fncSortDictionary(*hoursByGroup, SortField::Key, form.tbsViews.Index() == 0);
+  LoadChartWithLiteral(form.excThisWeek, *hoursByGroup);
   form.lblHours.setCaption(platform::basic::CStr(Value(total)));
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("subCountSpreadSheet"));

@@ -10,23 +10,10 @@ namespace {
 using testing::ElementsAre;
 using HoursByGroup = platform::scripting::Dictionary<double>;
 
-class NotedChart : public ChartView {
- public:
-  void LoadChartWithLiteral(const HoursByGroup& hours) override {
-    ++draws;
-    keys = hours.Keys();
-    values = hours.Items();
-  }
-  int draws = 0;
-  QStringList keys;
-  QList<double> values;
-};
-
 class Statistics : public testing::Test {
  protected:
-  Statistics() {
-    w.world.setLocale(QStringLiteral("sv_SE"));
-    w.workspace->gChartView = &chart;
+  explicit Statistics(const QString& locale = QStringLiteral("sv_SE")) {
+    w.world.setLocale(locale);
     w.withDatePickers();
     w.loadForm();
     w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 17));
@@ -38,67 +25,169 @@ class Statistics : public testing::Test {
     w.add(QStringLiteral("c"), at(15, 12), 30, QStringLiteral(";Acme"));
     subGetData();
   }
-  NotedChart chart;
+  void write(const char* address, const QString& text) {
+    w.form->exsThisWeek.ActiveSheet.Protection.Enabled = false;
+    w.form->exsThisWeek.Range(QString::fromLatin1(address)).setValue(platform::basic::Value(text));
+  }
+  platform::owc::Chart& chart() { return w.form->excThisWeek.Charts()[0]; }
+  QStringList groups() { return chart().categories(); }
+  QList<double> hours() { return chart().values(0); }
+  QString total() const { return w.form->lblHours.Caption(); }
   WorkspaceWorld w;
 };
 
-TEST_F(Statistics, OfAnEmptyListAreNothing) {
+class StatisticsInEnglish : public Statistics {
+ protected:
+  StatisticsInEnglish() : Statistics(QStringLiteral("en_US")) {}
+};
+
+TEST_F(Statistics, OfAnEmptyListAreAnEmptyChartAndATotalOf0) {
+  fillList();
+  w.setPeriod(QDate(2024, 6, 3), QDate(2024, 6, 7));
   subGetData();
-  EXPECT_EQ(w.form->lblHours.Caption(), QStringLiteral("0"));
-  EXPECT_TRUE(chart.keys.isEmpty());
-  EXPECT_GE(chart.draws, 1);
+  EXPECT_EQ(total(), QStringLiteral("0"));
+  ASSERT_EQ(w.form->excThisWeek.Charts().Count(), 1);
+  EXPECT_TRUE(groups().isEmpty());
+  EXPECT_TRUE(hours().isEmpty());
 }
 
 TEST_F(Statistics, AddUpTheHoursOfTheList) {
   fillList();
-  EXPECT_EQ(w.form->lblHours.Caption(), QStringLiteral("3"));
+  EXPECT_EQ(total(), QStringLiteral("3"));
 }
 
 TEST_F(Statistics, ShowTheTotalWithTheSystemsDecimalSign) {
   w.add(QStringLiteral("a"), at(15, 8), 20);
   w.add(QStringLiteral("b"), at(15, 9), 20);
   subGetData();
-  EXPECT_EQ(w.form->lblHours.Caption(), QStringLiteral("0,66"));
+  EXPECT_EQ(total(), QStringLiteral("0,66"));
 }
 
 TEST_F(Statistics, GroupByWeekdayInOrderOfTheDates) {
   fillList();
-  EXPECT_THAT(chart.values, ElementsAre(1, 2));
-  ASSERT_EQ(chart.keys.size(), 2);
-  EXPECT_TRUE(chart.keys[0].endsWith(QStringLiteral(" 2024-05-13")));
-  EXPECT_TRUE(chart.keys[1].endsWith(QStringLiteral(" 2024-05-15")));
+  EXPECT_THAT(hours(), ElementsAre(1, 2));
+  EXPECT_THAT(groups(), ElementsAre(QStringLiteral("m\u00e5n 2024-05-13"), QStringLiteral("ons 2024-05-15")));
 }
 
 TEST_F(Statistics, GroupByTheMetaListOfTheTab) {
   fillList();
   w.form->tbsViews.setIndex(1);
-  EXPECT_THAT(chart.keys, ElementsAre(QStringLiteral("Acme"), QStringLiteral("Beta")));
-  EXPECT_THAT(chart.values, ElementsAre(1.5, 1.5));
+  EXPECT_THAT(groups(), ElementsAre(QStringLiteral("Acme"), QStringLiteral("Beta")));
+  EXPECT_THAT(hours(), ElementsAre(1.5, 1.5));
   w.form->tbsViews.setIndex(2);
-  EXPECT_THAT(chart.keys, ElementsAre(QString(), QStringLiteral("Intranet"), QStringLiteral("Website")));
+  EXPECT_THAT(groups(), ElementsAre(QString(), QStringLiteral("Intranet"), QStringLiteral("Website")));
   w.form->tbsViews.setIndex(3);
-  EXPECT_THAT(chart.keys, ElementsAre(QString(), QStringLiteral("Design")));
-  EXPECT_THAT(chart.values, ElementsAre(0.5, 2.5));
+  EXPECT_THAT(groups(), ElementsAre(QString(), QStringLiteral("Design")));
+  EXPECT_THAT(hours(), ElementsAre(0.5, 2.5));
+  w.form->tbsViews.setIndex(0);
+  EXPECT_THAT(hours(), ElementsAre(1, 2));
+  EXPECT_EQ(total(), QStringLiteral("3"));
 }
 
-TEST_F(Statistics, PutValuesThatDifferInCaseTogether) {
+TEST_F(Statistics, PutValuesThatDifferInCaseTogetherUnderTheOneThatStandsLowest) {
   fillList();
-  w.form->exsThisWeek.Range(QStringLiteral("B2")).setValue(QStringLiteral("ACME"));
-  w.form->exsThisWeek.Range(QStringLiteral("B4")).setValue(QStringLiteral("acme"));
+  write("B2", QStringLiteral("ACME"));
+  write("B4", QStringLiteral("acme"));
   w.form->tbsViews.setIndex(1);
-  EXPECT_EQ(chart.keys.size(), 2);
+  EXPECT_THAT(groups(), ElementsAre(QStringLiteral("acme"), QStringLiteral("Beta")));
+  EXPECT_THAT(hours(), ElementsAre(1.5, 1.5));
+}
+
+TEST_F(Statistics, CountARowOnlyWhileItHasAWeekday) {
+  fillList();
+  write("E2", QString());
+  subCountSpreadSheet();
+  EXPECT_EQ(total(), QStringLiteral("2"));
+  EXPECT_THAT(groups(), ElementsAre(QStringLiteral("ons 2024-05-15")));
+}
+
+TEST_F(Statistics, TakeTheWeekdayOfASingleDayAsItStands) {
+  w.add(QStringLiteral("a"), at(15, 8), 90);
+  subGetData();
+  write("E2", QStringLiteral("some day"));
+  subCountSpreadSheet();
+  EXPECT_THAT(groups(), ElementsAre(QStringLiteral("some day")));
+}
+
+TEST_F(Statistics, CountHoursThatTheUserTyped) {
+  fillList();
+  write("F2", QStringLiteral("7,5"));
+  write("F3", QStringLiteral(" 1.25 "));
+  write("F4", QStringLiteral("1 000"));
+  subCountSpreadSheet();
+  EXPECT_EQ(total(), QStringLiteral("1008,75"));
+}
+
+TEST_F(StatisticsInEnglish, CountHoursThatTheUserTypedWithGroupSigns) {
+  fillList();
+  write("F2", QStringLiteral("1,000"));
+  write("F3", QStringLiteral("1,000.5"));
+  subCountSpreadSheet();
+  EXPECT_EQ(total(), QStringLiteral("2001"));
+}
+
+TEST_F(Statistics, CountAnEmptiedCellAsNoHours) {
+  fillList();
+  write("F2", QString());
+  subCountSpreadSheet();
+  EXPECT_EQ(total(), QStringLiteral("2"));
+  EXPECT_THAT(hours(), ElementsAre(0, 2));
+}
+
+TEST_F(Statistics, LogEachStepOfTheCount) {
+  fillList();
+  w.startLog();
+  subCountSpreadSheet();
+  EXPECT_THAT(w.logged(), ElementsAre(testing::_, QStringLiteral("Looping through values to build graph"),
+                                      QStringLiteral("Sorting a Dictionary object"),
+                                      QStringLiteral("Fixing graph with 2 items"), QString()));
+}
+
+TEST_F(Statistics, AreNotSortedWhereThereIsOneGroup) {
+  w.add(QStringLiteral("a"), at(15, 8), 90);
+  subGetData();
+  w.startLog();
+  subCountSpreadSheet();
+  EXPECT_FALSE(w.logged().contains(QStringLiteral("Sorting a Dictionary object")));
+}
+
+TEST_F(Statistics, AreCountedAgainWithEachTabThatIsChosen) {
+  fillList();
+  w.startLog();
+  w.form->tbsViews.setIndex(2);
+  EXPECT_EQ(w.logged().filter(QStringLiteral("Looping through values to build graph")).size(), 1);
 }
 
 TEST_F(Statistics, DoNotCountRow200) {
   for (int n = 0; n < 199; ++n) w.add(QString::number(n + 1), at(15, 1).addSecs(n * 60));
   w.world.dialogs.expect(QStringLiteral("more than 99"), 1);
   subGetData();
-  EXPECT_EQ(w.form->lblHours.Caption(), QStringLiteral("198"));
+  EXPECT_EQ(total(), QStringLiteral("198"));
+}
+
+TEST_F(Statistics, CountRow199) {
+  for (int n = 0; n < 198; ++n) w.add(QString::number(n + 1), at(15, 1).addSecs(n * 60));
+  subGetData();
+  EXPECT_EQ(w.cell(QStringLiteral("A199")), QStringLiteral("198"));
+  EXPECT_EQ(total(), QStringLiteral("198"));
 }
 
 TEST_F(Statistics, EndTheProgramWhenHoursAreNoNumber) {
   fillList();
   w.form->exsThisWeek.Range(QStringLiteral("F2")).setValue(QStringLiteral("abc"));
+  w.world.dialogs.expect(QStringLiteral("Sub routine : subCountSpreadSheet"), 7);
+  EXPECT_ENDS_PROCESS(subCountSpreadSheet());
+}
+
+TEST_F(Statistics, EndTheProgramWhenAWeekdayIsNoDate) {
+  fillList();
+  write("E2", QStringLiteral("some day"));
+  w.world.dialogs.expect(QStringLiteral("Sub routine : fncSortDictionary"), 7);
+  EXPECT_ENDS_PROCESS(subCountSpreadSheet());
+}
+
+TEST(CountingTheList, BeforeThereIsAFormEndsTheProgram) {
+  WorkspaceWorld w;
   w.world.dialogs.expect(QStringLiteral("Sub routine : subCountSpreadSheet"), 7);
   EXPECT_ENDS_PROCESS(subCountSpreadSheet());
 }
@@ -138,6 +227,43 @@ TEST(SortingADictionary, ComparesDatesAsTheirTexts) {
   fncSortDictionary(dictionary, SortField::Key, true);
   EXPECT_THAT(dictionary.Keys(),
               ElementsAre(QStringLiteral("Tue 10/1/2024"), QStringLiteral("Mon 9/30/2024")));
+}
+
+TEST(SortingADictionary, GivesTheDatesTheSystemsOwnWeekdaysAgain) {
+  WorkspaceWorld w;
+  HoursByGroup dictionary;
+  dictionary.Add(QStringLiteral("xyz. 5/15/2024"), 2);
+  dictionary.Add(QStringLiteral("xyz 5/13/2024"), 1);
+  fncSortDictionary(dictionary, SortField::Key, true);
+  EXPECT_THAT(dictionary.Keys(),
+              ElementsAre(QStringLiteral("Mon 5/13/2024"), QStringLiteral("Wed 5/15/2024")));
+  EXPECT_THAT(dictionary.Items(), ElementsAre(1, 2));
+}
+
+TEST(SortingADictionary, SortsWithoutRegardToCase) {
+  WorkspaceWorld w;
+  HoursByGroup dictionary;
+  for (const char* key : {"b", "C", "A", "d"}) dictionary.Add(QString::fromLatin1(key), 1);
+  fncSortDictionary(dictionary, SortField::Key, false);
+  EXPECT_THAT(dictionary.Keys(), ElementsAre(QStringLiteral("A"), QStringLiteral("b"), QStringLiteral("C"),
+                                             QStringLiteral("d")));
+}
+
+TEST(SortingADictionary, SaysSoInTheLogEvenWhereThereIsNothingToSort) {
+  WorkspaceWorld w;
+  w.startLog();
+  HoursByGroup none;
+  fncSortDictionary(none, SortField::Key, false);
+  EXPECT_TRUE(w.logged().contains(QStringLiteral("Sorting a Dictionary object")));
+}
+
+TEST(SortingADictionary, EndsTheProgramWhenAKeyIsNoDate) {
+  WorkspaceWorld w;
+  HoursByGroup dictionary;
+  dictionary.Add(QStringLiteral("Mon 5/13/2024"), 1);
+  dictionary.Add(QStringLiteral("Tue soon"), 2);
+  w.world.dialogs.expect(QStringLiteral("Sub routine : fncSortDictionary"), 7);
+  EXPECT_ENDS_PROCESS(fncSortDictionary(dictionary, SortField::Key, true));
 }
 
 TEST(SortingADictionary, TakesShortenedWeekdaysWithAPoint) {
