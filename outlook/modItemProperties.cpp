@@ -20,6 +20,15 @@ namespace {
 
 inline constexpr int pieceLength = 1000;
 
+/// Where the n-th piece of a long text begins. A pair that stands for one character stays whole, since a
+/// calendar keeps no halves: it goes into the later piece.
+qsizetype pieceStart(const QString& text, qint32 index) {
+  const qsizetype start = qMin(qsizetype(index) * pieceLength, text.size());
+  const bool splits =
+      start > 0 && start < text.size() && text[start].isLowSurrogate() && text[start - 1].isHighSurrogate();
+  return splits ? start - 1 : start;
+}
+
 bool isEmptyText(const Value& value) {
   return IsEmpty(value) || CStr(value).isEmpty();
 }
@@ -100,7 +109,7 @@ AppointmentItem& subFixLongProperty(AppointmentItem& item, const QString& text, 
   const auto last = static_cast<qint32>(roundHalfEven(static_cast<double>(text.size()) / pieceLength));
   for (qint32 index = 0; index <= last; ++index)
     set(property + QString::number(index), platform::outlook::olText,
-        text.mid(qsizetype(index) * pieceLength, pieceLength));
+        text.mid(pieceStart(text, index), pieceStart(text, index + 1) - pieceStart(text, index)));
   set(property + u"Count"_s, platform::outlook::olNumber, last);
   return item;
 }

@@ -41,10 +41,29 @@ bool programExists(const QString& name) {
       fncProgramPath(platform::process::Process::current().programFolder(), name));
 }
 
+/// What fits, without half a character at its end.
+QString fittingCategories(const QString& metaLines) {
+  QString fitting = metaLines.left(longestCategories);
+  if (!fitting.isEmpty() && fitting.back().isHighSurrogate()) fitting.chop(1);
+  return fitting;
+}
+
+/// A piece that is missing would join two halves of other lines into names that nobody gave, and a report
+/// would save them.
+void requireWhole(AppointmentItem& appointment) {
+  const qint16 last = CInt(fncGetOutlookValue(appointment, section + QStringLiteral("Count"), vbInteger));
+  for (qint32 index = 0; last > 0 && index <= last; ++index) {
+    const QString piece = section + QString::number(index);
+    if (!appointment.userProperties().Find(piece))
+      throw Failure(platform::failure::typeMismatch,
+                    QStringLiteral("The settings appointment is incomplete: \"%1\" is missing.").arg(piece));
+  }
+}
+
 void saveToAppointment(AppointmentItem& appointment, const QString& body, const QString& metaLines) {
   tolerate([&] { appointment.setBody(body); });
   tolerate([&] { subFixLongProperty(appointment, body, section); });
-  tolerate([&] { appointment.setCategories(metaLines.left(longestCategories)); });
+  tolerate([&] { appointment.setCategories(fittingCategories(metaLines)); });
   tolerate([&] { appointment.Save(); });
 }
 
@@ -84,6 +103,7 @@ void cPersonalSettings::subReadExistingSettingAppointment2050() try {
   const auto appointment = fncGetSettingAppointment();
   if (!appointment) return;
   const QStringList lines = Split(fncGetLongProperty(*appointment, section), vbCrLf);
+  requireWhole(*appointment);
   if (lines.size() > settingLines) {
     if (!IsNumeric(lines[0])) return;
     constexpr qint16 access = 2;

@@ -154,6 +154,15 @@ TEST_F(ItemProperties, ALongTextReadsBackAsItWas) {
   }
 }
 
+TEST_F(ItemProperties, APairOfHalvesIsNotSplit) {
+  const QString longText = QString(999, u'a') + u"😀"_s + QString(998, u'b') + u"😀😀"_s;
+  subFixLongProperty(*item, longText, u"S"_s);
+  EXPECT_EQ(text(u"S0"_s), QString(999, u'a'));
+  EXPECT_EQ(text(u"S1"_s), u"😀"_s + QString(998, u'b'));
+  EXPECT_EQ(text(u"S2"_s), u"😀😀"_s);
+  EXPECT_EQ(fncGetLongProperty(*item, u"S"_s), longText);
+}
+
 TEST_F(ItemProperties, HigherPiecesOfAnOlderTextStayAndAreNotRead) {
   subFixLongProperty(*item, QString(2600, u'x'), u"S"_s);
   subFixLongProperty(*item, u"short"_s, u"S"_s);

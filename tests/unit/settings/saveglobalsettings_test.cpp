@@ -363,6 +363,32 @@ TEST_F(SaveGlobalSettings, ADatabaseThatCannotBeWrittenKeepsWhatItHeld) {
   EXPECT_EQ(customers().size(), 3);
 }
 
+TEST_F(SaveGlobalSettings, ADatabaseThatAnotherHasLockedKeepsWhatItHeld) {
+  auto settings = readSettings();
+  settings->MetaDataLists.Item(1)->AddMeta(u"Dyne"_s);
+  {
+    const auto another = db.other();
+    another->begin();
+    another->execute(u"update tblMeta1 set strCategory = 'theirs'"_s);
+    db.expectFailure(u"fncSaveGlobalSettings"_s, u"is in use by another program.\r\n"_s,
+                     [&] { settings->SaveGlobalSettings(); });
+    another->rollback();
+  }
+  EXPECT_EQ(customers().size(), 3);
+}
+
+TEST_F(SaveGlobalSettings, ADatabaseThatVanishesInTheMiddleIsToldAndNotMadeAnew) {
+  auto settings = readSettings();
+  keepOnly(*settings->MetaDataLists.Item(1), {u"Acme"_s, u"Coil"_s});
+  answer = [this](frmResolveRemovedItem& form) {
+    QFile::remove(db.path());
+    form.optRemoveReports.setValue(true);
+    form.cmdOK.click();
+  };
+  db.expectFailure(u"fncSaveGlobalSettings"_s, u"Hourbook3.mdb"_s, [&] { settings->SaveGlobalSettings(); });
+  EXPECT_FALSE(db.exists());
+}
+
 TEST_F(SaveGlobalSettings, ReportsThatCannotBeRemovedKeepTheirValue) {
   auto settings = readSettings();
   keepOnly(*settings->MetaDataLists.Item(1), {u"Acme"_s, u"Coil"_s});

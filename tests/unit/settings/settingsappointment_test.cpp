@@ -1,6 +1,7 @@
 #include "outlook/modItemProperties.h"
 #include "outlook/modOutlookSession.h"
 #include "platform/basic/convert.h"
+#include "platform/calendar/icalendar/icalendarstore.h"
 #include "settings/cPersonalSettings.h"
 #include "shell/modErrorReport.h"
 #include "shell/modRegistryEntry.h"
@@ -222,6 +223,24 @@ TEST_F(SettingsAppointment, TheSettingsProgramMayLackTheExtension) {
   EXPECT_TRUE(wasTaken(read()));
 }
 
+TEST_F(SettingsAppointment, TheSettingsProgramMayStandThereAsALinkThatLeadsToIt) {
+  makeDatabase(documents.filePath(u"My Hourbooks"_s));
+  storeText(textFor(u"2"_s, ownFolder() + u'\\'));
+  ASSERT_TRUE(QFile::link(u"hourbook-settings"_s, inProgramFolder(u"HBPersonalSettingsSingle"_s)));
+  EXPECT_FALSE(wasTaken(read()));
+  writeFile(inProgramFolder(u"hourbook-settings"_s), u"x"_s);
+  EXPECT_TRUE(wasTaken(read()));
+}
+
+TEST_F(SettingsAppointment, WithBothSettingsProgramsTheInstallationIsASingleUsers) {
+  installSingleUser();
+  installShared();
+  QTemporaryDir shared;
+  makeDatabase(shared.path());
+  storeText(textFor(u"2"_s, shared.path() + u'\\'));
+  EXPECT_FALSE(wasTaken(read()));
+}
+
 TEST_F(SettingsAppointment, AnyOtherTargetIsTakenWithoutAQuestion) {
   storeText(textFor(u"1"_s, u"http://example.org/hours"_s));
   EXPECT_EQ(read().ReportChoice, 1);
@@ -232,6 +251,40 @@ TEST_F(SettingsAppointment, WithALineThatCannotBeReadIsReported) {
   storeText(text.replace(u"\r\nTrue\r\nFalse"_s, u"\r\nperhaps\r\nFalse"_s));
   cPersonalSettings settings;
   EXPECT_REPORTED(world, "subReadExistingSettingAppointment2050", settings.GetValuesFromSettings());
+}
+
+TEST_F(SettingsAppointment, ThatLacksAPieceOfItsTextIsReportedAndNothingIsTaken) {
+  storeText(textFor(u"3"_s, QString(2600, u'x')));
+  addAppointment(u"torn"_s);
+  const auto torn = outlook.gCalendarFolder->Items().Item(u"torn"_s);
+  for (const QString& name : {u"Settings0"_s, u"Settings2"_s, u"Settings3"_s})
+    torn->userProperties()
+        .Add(name, platform::outlook::olText)
+        ->setValue(appointment->userProperties().Find(name)->Value());
+  torn->userProperties().Add(u"SettingsCount"_s, platform::outlook::olNumber)->setValue(3.0);
+  memory->removeByAnother(folderInfo.id, stored(settingAppointmentName).key);
+  torn->setSubject(settingAppointmentName);
+  torn->Save();
+  cPersonalSettings settings;
+  EXPECT_REPORTED(world, "subReadExistingSettingAppointment2050", settings.GetValuesFromSettings());
+  EXPECT_TRUE(world.dialogs.shown.first().text.contains(
+      u"\r\nThe settings appointment is incomplete: \"Settings1\" is missing.\r\n"_s));
+  EXPECT_EQ(settings.ReportChoice, 2);
+  EXPECT_EQ(settings.MetaDataLists.Count(), 0);
+  EXPECT_EQ(fncGetRegistryValue(u"Settings"_s, u"ReportChoice"_s, u"NULL"_s), u"NULL"_s);
+}
+
+TEST_F(SettingsAppointment, WhoseTextEndsInTheMiddleOfALineLosesThatLine) {
+  QString text = textFor(u"3"_s, u"Provider=x"_s);
+  storeText(text.chopped(4));
+  EXPECT_EQ(read().fncMetadataList(), u"Customer:Acme;Bolt;\r\n"_s);
+}
+
+TEST_F(SettingsAppointment, MayHoldListsOfOneNameAndAValueTwice) {
+  QString text = textFor(u"3"_s, u"Provider=x"_s);
+  storeText(text.replace(u"Task:Support;"_s, u"customer:b;B;a;"_s));
+  const cPersonalSettings settings = read();
+  EXPECT_EQ(settings.fncMetadataList(), u"Customer:Acme;Bolt;\r\ncustomer:b;a;\r\n"_s);
 }
 
 TEST_F(SettingsAppointment, TakesBodyTextAndCategoriesWhenSettingsAreSaved) {
@@ -256,6 +309,87 @@ TEST_F(SettingsAppointment, TakesTheFirst4000CharactersOfTheListsAndTheFullTextI
   EXPECT_EQ(stored(settingAppointmentName).categoriesText, settings.fncMetadataList().left(4000));
   const auto again = fncGetSettingAppointment();
   EXPECT_EQ(fncGetLongProperty(*again, u"Settings"_s), settings.fncBuildBody());
+}
+
+TEST_F(SettingsAppointment, WhoseCategoriesAreCutInTheMiddleOfACharacterEndsBeforeIt) {
+  cPersonalSettings settings;
+  settings.MetaDataLists.Add(listOf(u"L"_s, {QString(3997, u'x') + u"😀"_s}));
+  settings.SaveSettings();
+  EXPECT_EQ(stored(settingAppointmentName).categoriesText, u"L:"_s + QString(3997, u'x'));
+}
+
+/// A folder of iCalendar files in place of the calendar in memory.
+class SettingsAppointmentFile : public SettingsWorld {
+ protected:
+  SettingsAppointmentFile() {
+    using namespace platform::calendar;
+    const auto files = std::make_shared<IcalendarStore>(
+        QList<IcalendarFolder>{{u"c"_s, u"Calendar"_s, QString(), folder.path(), false}});
+    outlook.gCalendarFolder =
+        std::make_shared<platform::outlook::MAPIFolder>(files, files->folders().first());
+  }
+  /// As the settings program makes it, with what the report program only reads.
+  void makeAppointment() {
+    using namespace platform::outlook;
+    const auto item = outlook.gCalendarFolder->Items().Add();
+    item->setSubject(settingAppointmentName);
+    item->setStart(platform::basic::Date::of(2050, 1, 1));
+    const auto set = [&](const QString& name, int type, const Value& value) {
+      item->userProperties().Add(name, type)->setValue(value);
+    };
+    set(u"blnConvert24"_s, olYesNo, true);
+    set(u"intConvert24Hours"_s, olNumber, 7.5);
+    set(u"blnRemoveLunch"_s, olYesNo, true);
+    set(u"intRemoveLunchHours"_s, olNumber, 0.5);
+    set(u"blnCreateLocalCube"_s, olYesNo, true);
+    set(u"blnStartGrid"_s, olYesNo, true);
+    set(u"blnWriteSubject"_s, olYesNo, true);
+    item->Save();
+  }
+  static QStringList registryTexts() {
+    QStringList texts;
+    for (const QString& key :
+         {u"ReportChoice"_s, u"ReportValue"_s, u"PersonalRate"_s, u"FilterEvents"_s, u"FilterPrivate"_s,
+          u"FilterRecurring"_s, u"MetadataList"_s, u"Convert24"_s, u"Convert24Hours"_s, u"StartGrid"_s,
+          u"RemoveLunch"_s, u"RemoveLunchHours"_s, u"CreateLocalCube"_s, u"WriteSubject"_s, u"PaneWidth"_s,
+          u"PaneHeight"_s, u"PaneDockPos"_s})
+      texts << key + u'=' + fncGetRegistryValue(u"Settings"_s, key, u"<none>"_s);
+    return texts;
+  }
+  QTemporaryDir folder;
+};
+
+TEST_F(SettingsAppointmentFile, CarriesTheRegistrysSettingsToAnotherMachineWithoutLoss) {
+  for (const QString& locale : {u"en_US"_s, u"de_DE"_s, u"sv_SE"_s}) {
+    world.setLocale(locale);
+    platform::registry::MemoryRegistry first, second;
+    QStringList sent;
+    if (!fncGetSettingAppointment()) makeAppointment();
+    {
+      const platform::registry::ScopedRegistry inForce(first);
+      cPersonalSettings settings;
+      settings.ReportChoice = 3;
+      settings.ReportValue = u"Provider=x;Data Source=a\\b, \"c\";Password=ä;e:f"_s;
+      settings.PersonalRate = Currency::fromDouble(450);
+      settings.FilterEvents = settings.FilterRecurring = true;
+      settings.Convert24 = settings.RemoveLunch = settings.CreateLocalCube = true;
+      settings.StartGrid = settings.WriteSubject = true;
+      settings.Convert24Hours = 7.5;
+      settings.RemoveLunchHours = 0.5;
+      QStringList names;
+      for (int i = 0; i < 700; ++i) names << u"Wert \\%1 😀 , \"ß\" : x "_s.arg(i);
+      settings.MetaDataLists.Add(listOf(u"Kunde, \\n; 😀"_s, names));
+      settings.MetaDataLists.Add(listOf(u"Leer"_s, {}));
+      settings.MetaDataLists.Add(listOf(u"Aufgabe"_s, {u"  a  "_s, u"%b"_s}));
+      settings.SaveSettings();
+      sent = registryTexts();
+    }
+    const platform::registry::ScopedRegistry inForce(second);
+    cPersonalSettings settings;
+    ASSERT_TRUE(settings.GetValuesFromSettings());
+    settings.SaveSettings();
+    EXPECT_EQ(registryTexts(), sent) << qPrintable(locale);
+  }
 }
 
 TEST_F(SettingsAppointment, IsNotMadeBySaving) {
