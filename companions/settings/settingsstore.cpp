@@ -143,8 +143,7 @@ void SettingsStore::readRegistry(ReadSettings& read) const {
   cPersonalSettings usual;
   if (!read.hasSettings) {
     take(read.buffer, read.notes, usual);
-    read.buffer.databaseFolder =
-        QDir::home().filePath(u"Hourbook"_s);
+    read.buffer.databaseFolder = QDir::home().filePath(u"Hourbook"_s);
     return;
   }
   SettingsBuffer& buffer = read.buffer;

@@ -19,6 +19,9 @@ inline const QString changedMeanwhile =
 inline const QString keepMine = u"Keep mine"_s;
 inline const QString readAnew = u"Read anew"_s;
 inline const QString discard = u"There are changes that are not saved. Close the window without them?"_s;
+inline const QString discardAnswer = u"Close without saving"_s;
+inline const QString newNeedsCommon =
+    u"A new database needs the lists and the rule of cost that all share; set them here."_s;
 inline const QString problemOnPage = u"%1: %2"_s;
 inline const QString placeConfiguration = u"the calendars (platform.ini)"_s;
 inline const QString placeRegistry = u"the personal settings (registry.ini)"_s;

@@ -1,0 +1,46 @@
+#include "companions/settings/session.h"
+
+#include "companions/settings/texts.h"
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace hourbook {
+
+namespace {
+
+int ask(QWidget* parent, const QString& text, const QStringList& answers) {
+  QMessageBox box(QMessageBox::Question, texts::windowTitle, text, QMessageBox::NoButton, parent);
+  box.setTextFormat(Qt::PlainText);
+  QList<QPushButton*> buttons;
+  for (const QString& answer : answers) buttons.append(box.addButton(answer, QMessageBox::AcceptRole));
+  QPushButton* none = box.addButton(QMessageBox::Cancel);
+  box.setEscapeButton(none);
+  box.exec();
+  for (qsizetype i = 0; i < buttons.size(); ++i)
+    if (box.clickedButton() == buttons[i]) return static_cast<int>(i);
+  return -1;
+}
+
+}  // namespace
+
+SettingsQuestions desktopQuestions() {
+  return {[](QWidget* parent, const QString& title, const QString& start) {
+            return QFileDialog::getExistingDirectory(parent, title, start);
+          },
+          [](QWidget* parent, const QString& title, const QString& start) {
+            return QFileDialog::getOpenFileName(parent, title, start, texts::calendarFilter);
+          },
+          ask};
+}
+
+ReportPlace SettingsSession::place() const {
+  // the whole connection text, with a password that is not stored like that
+  const QString value = buffer.reportChoice == reportToSqlServer
+                            ? SettingsStore::connectionText(buffer.sqlServer)
+                            : store.reportValue(buffer);
+  return {buffer.reportChoice, value, buffer.reportChoice == reportToAccess && buffer.makeDatabase};
+}
+
+}  // namespace hourbook

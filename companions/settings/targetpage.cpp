@@ -1,0 +1,254 @@
+#include "companions/settings/targetpage.h"
+
+#include "companions/settings/places.h"
+#include "companions/settings/texts.h"
+#include "database/DatabaseValues.h"
+#include "database/modDBCode.h"
+#include "shell/ShellValues.h"
+#include "shell/Tolerate.h"
+
+#include <QAccessible>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QDir>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace hourbook {
+
+using namespace Qt::StringLiterals;
+
+TargetPage::TargetPage(SettingsSession& session) : PersonalPage(session) {
+  setObjectName(u"TargetPage"_s);
+  makeControls();
+  layOut();
+  connectControls();
+  giveLetters();
+}
+
+QString TargetPage::title() const {
+  return texts::targetPage;
+}
+
+void TargetPage::makeControls() {
+  optTargets = new QButtonGroup(this);
+  const auto option = [this](const QString& text, const QString& name, qint32 target) {
+    auto* button = named(new QRadioButton(text, this), text, name);
+    optTargets->addButton(button, target);
+    return button;
+  };
+  optAccess = option(phrases().LNGREPORTTOACCESS, u"optAccess"_s, reportToAccess);
+  optServer = option(phrases().LNGREPORTTOSQL, u"optServer"_s, reportToSqlServer);
+  optAsp = option(phrases().LNGREPORTTOASP, u"optAsp"_s, reportToAsp);
+  optBilling = option(texts::targetBilling, u"optBilling"_s, reportToBilling);
+  const auto check = [this](const QString& text, const QString& name) {
+    return named(new QCheckBox(text, this), text, name);
+  };
+  txtFolder = new QLineEdit(this);
+  cmdChooseFolder =
+      named(new QPushButton(texts::choose, this), phrases().LNGPICKFOLDER, u"cmdChooseFolder"_s);
+  chkMakeDatabase = check(texts::makeDatabase, u"chkMakeDatabase"_s);
+  txtServer = new QLineEdit(this);
+  txtDatabase = new QLineEdit(this);
+  chkIntegratedSecurity = check(phrases().LNGINTEGRATEDSECURITY, u"chkIntegratedSecurity"_s);
+  txtUserName = new QLineEdit(this);
+  txtPassword = new QLineEdit(this);
+  txtPassword->setEchoMode(QLineEdit::Password);
+  cmdTest = named(new QPushButton(texts::testConnection, this), texts::testConnection, u"cmdTest"_s);
+  for (QPushButton* button : {cmdChooseFolder, cmdTest}) button->setAutoDefault(false);
+  lblResult = new ProblemLabel(cmdTest, this);
+  lblResult->setObjectName(u"lblResult"_s);
+  lblPasswordNote = new ProblemLabel(nullptr, this);
+  lblPasswordNote->setObjectName(u"lblPasswordNote"_s);
+}
+
+void TargetPage::layOut() {
+  auto* all = new QVBoxLayout(this);
+  auto* targets = new QGroupBox(texts::reportsGoTo, this);
+  auto* column = new QVBoxLayout(targets);
+  column->addWidget(optAccess);
+  column->addWidget(optServer);
+  column->addWidget(messageLine(optServer, Field::ReportChoice));
+  addUnavailable(column, optAsp, texts::reasonAsp);
+  addUnavailable(column, optBilling, texts::reasonBilling);
+  all->addWidget(targets);
+  all->addWidget(accessGroup());
+  all->addWidget(serverGroup());
+  auto* row = new QHBoxLayout;
+  row->addWidget(cmdTest);
+  row->addStretch();
+  all->addLayout(row);
+  all->addWidget(lblResult);
+  all->addStretch();
+}
+
+/// Shown, so that nobody looks for it, with the reason why it cannot be chosen.
+void TargetPage::addUnavailable(QVBoxLayout* column, QRadioButton* button, const QString& reason) {
+  button->setEnabled(false);
+  button->setToolTip(reason);
+  button->setAccessibleDescription(reason);
+  auto* line = new ProblemLabel(nullptr, this);
+  line->show(reason, ProblemLabel::Kind::Note);
+  line->setEnabled(false);
+  line->setIndent(button->fontMetrics().horizontalAdvance(u"000"_s));
+  column->addWidget(button);
+  column->addWidget(line);
+}
+
+QWidget* TargetPage::accessGroup() {
+  fraAccess = new QGroupBox(phrases().LNGDATABASE, this);
+  auto* form = new QFormLayout(fraAccess);
+  form->setRowWrapPolicy(QFormLayout::WrapAllRows);
+  auto* row = new QHBoxLayout;
+  row->addWidget(txtFolder, 1);
+  row->addWidget(cmdChooseFolder);
+  addField(form, texts::databaseFolder, txtFolder, row, u"txtFolder"_s, Field::DatabaseFolder);
+  form->addRow(chkMakeDatabase);
+  return fraAccess;
+}
+
+QWidget* TargetPage::serverGroup() {
+  const Phrases& p = phrases();
+  fraServer = new QGroupBox(p.LNGSERVER, this);
+  auto* form = new QFormLayout(fraServer);
+  form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+  addField(form, p.LNGSERVER, txtServer, u"txtServer"_s, Field::Server);
+  addField(form, p.LNGDATABASE, txtDatabase, u"txtDatabase"_s, Field::ServerDatabase);
+  form->addRow(chkIntegratedSecurity);
+  addField(form, p.LNGUSERNAME, txtUserName, u"txtUserName"_s, Field::User);
+  addField(form, p.LNGPASSWORD, txtPassword, u"txtPassword"_s, Field::Password);
+  form->addRow(lblPasswordNote);
+  return fraServer;
+}
+
+void TargetPage::follow(QLineEdit* edit, QString SqlServerLogin::*member, Field field) {
+  connect(edit, &QLineEdit::textEdited, this, [this, member, field](const QString& text) {
+    session_.buffer.sqlServer.*member = text;
+    tell(field, serverTextProblem(text));
+    showTest({}, false);
+    edited();
+  });
+}
+
+void TargetPage::connectControls() {
+  connect(optTargets, &QButtonGroup::idClicked, this, &TargetPage::choose);
+  follow(txtServer, &SqlServerLogin::server, Field::Server);
+  follow(txtDatabase, &SqlServerLogin::database, Field::ServerDatabase);
+  follow(txtUserName, &SqlServerLogin::user, Field::User);
+  follow(txtPassword, &SqlServerLogin::password, Field::Password);
+  connect(txtFolder, &QLineEdit::textEdited, this, [this](const QString& text) {
+    session_.buffer.databaseFolder = text.trimmed();
+    tell(Field::DatabaseFolder, {});
+    showTest({}, false);
+    edited();
+  });
+  connect(txtFolder, &QLineEdit::editingFinished, this, &TargetPage::lookAtFolder);
+  connect(cmdChooseFolder, &QPushButton::clicked, this, &TargetPage::chooseFolder);
+  connect(chkMakeDatabase, &QCheckBox::toggled, this, [this](bool on) {
+    session_.buffer.makeDatabase = on;
+    if (!loading_) lookAtFolder();
+    edited();
+  });
+  connect(chkIntegratedSecurity, &QCheckBox::toggled, this, [this](bool on) {
+    session_.buffer.sqlServer.trusted = on;
+    showChoice();
+    edited();
+  });
+  connect(cmdTest, &QPushButton::clicked, this, &TargetPage::startTest);
+  connect(&test_, &ConnectionTest::finished, this,
+          [this](bool succeeded, const QString& text) { showTest(text, !succeeded); });
+}
+
+void TargetPage::choose(int target) {
+  session_.buffer.reportChoice = target;
+  showTest({}, false);
+  showChoice();
+  edited();
+}
+
+void TargetPage::chooseFolder() {
+  const QString chosen =
+      session_.questions.folder(this, texts::databaseFolder, session_.buffer.databaseFolder);
+  if (chosen.isEmpty()) return;
+  txtFolder->setText(chosen);
+  session_.buffer.databaseFolder = chosen;
+  lookAtFolder();
+  edited();
+}
+
+void TargetPage::lookAtFolder() {
+  showTest({}, false);
+  const PlaceLook look = lookAtDatabase(session_.buffer.databaseFolder, session_.buffer.makeDatabase);
+  if (look.problem.isEmpty())
+    note(Field::DatabaseFolder, look.note);
+  else
+    tell(Field::DatabaseFolder, look.problem);
+}
+
+void TargetPage::showChoice() {
+  const SettingsBuffer& buffer = session_.buffer;
+  fraAccess->setVisible(buffer.reportChoice == reportToAccess);
+  fraServer->setVisible(buffer.reportChoice == reportToSqlServer);
+  cmdTest->setEnabled(buffer.reportChoice == reportToAccess || buffer.reportChoice == reportToSqlServer);
+  const bool password = !buffer.sqlServer.trusted;
+  txtUserName->setEnabled(password);
+  txtPassword->setEnabled(password);
+  lblPasswordNote->show(
+      password ? texts::passwordNote.arg(QDir(session_.store.connectionFolder()).filePath(connectionFileName))
+               : QString(),
+      ProblemLabel::Kind::Note);
+  const bool serverMissing = buffer.reportChoice == reportToSqlServer && !session_.hasServerDriver;
+  tell(Field::ReportChoice, serverMissing ? texts::noServerDriver : QString());
+}
+
+void TargetPage::startTest() {
+  showTest(texts::testing, false);
+  const SettingsBuffer& buffer = session_.buffer;
+  const auto failed = tolerate([&] {
+    if (buffer.reportChoice == reportToSqlServer)
+      test_.start(connectionWork(SettingsStore::connectionText(buffer.sqlServer), {}));
+    else if (buffer.makeDatabase)
+      test_.start(newDatabaseWork(buffer.databaseFolder));
+    else
+      test_.start(
+          connectionWork(fncAccessConnection(databaseIn(buffer.databaseFolder)), buffer.databaseFolder));
+  });
+  if (failed) showTest(failed->description(), true);
+}
+
+void TargetPage::showTest(const QString& text, bool isProblem) {
+  lblResult->show(text, isProblem ? ProblemLabel::Kind::Problem : ProblemLabel::Kind::Note);
+  if (text.isEmpty()) return;
+  QAccessibleEvent told(lblResult, QAccessible::Alert);
+  QAccessible::updateAccessibility(&told);
+}
+
+void TargetPage::reload() {
+  loading_ = true;
+  const SettingsBuffer buffer = session_.buffer;
+  if (QAbstractButton* button = optTargets->button(buffer.reportChoice)) button->setChecked(true);
+  // Tab leads to the chosen one from the start, as it does once the user has chosen
+  for (QAbstractButton* button : optTargets->buttons())
+    button->setFocusPolicy(button->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+  txtFolder->setText(buffer.databaseFolder);
+  chkMakeDatabase->setChecked(buffer.makeDatabase);
+  txtServer->setText(buffer.sqlServer.server);
+  txtDatabase->setText(buffer.sqlServer.database);
+  chkIntegratedSecurity->setChecked(buffer.sqlServer.trusted);
+  txtUserName->setText(buffer.sqlServer.user);
+  txtPassword->setText(buffer.sqlServer.password);
+  loading_ = false;
+  showNotes();
+  showTest({}, false);
+  showChoice();
+}
+
+QList<FieldText> TargetPage::problems() {
+  return targetProblems(session_.buffer, session_.hasServerDriver);
+}
+
+}  // namespace hourbook
