@@ -1,7 +1,7 @@
 # The report program tells by the name under which it finds the settings program beside it which kind of installation
-# it belongs to, and by that which database a settings appointment from another machine may name: the user's own, or
-# one that several share.
-set(HOURBOOK_INSTALLATION single CACHE STRING "Kind of installation: single (every user has a database of his own) or shared")
+# it belongs to, and by that which database a settings appointment from another machine may name: the one in the
+# user's folder "My Hourbooks", or one that stands anywhere else, as a shared one does.
+set(HOURBOOK_INSTALLATION shared CACHE STRING "Kind of installation: shared (a database that may stand anywhere) or single (in My Hourbooks)")
 set_property(CACHE HOURBOOK_INSTALLATION PROPERTY STRINGS single shared)
 if(NOT HOURBOOK_INSTALLATION MATCHES "^(single|shared)$")
   message(FATAL_ERROR "HOURBOOK_INSTALLATION is \"${HOURBOOK_INSTALLATION}\"; it has to be single or shared")

@@ -50,13 +50,18 @@ class cPersonalSettings {
   /// The folder of the connection file and the database, as `ReportPath.txt` names it, else the program's
   /// own.
   QString fncReadReportPath() const;
+  /// The user's folder "My Hourbooks": where `ReportPath.txt` is looked for, and where the database of a
+  /// single-user installation stands.
+  QString fncHourbooksFolder() const;
+  /// Is the settings program beside this one that of a single-user installation
+  /// (`HBPersonalSettingsSingle`)? Any other is `HBPersonalSettings`.
+  static bool fncIsSingleUser();
 
  private:
   static constexpr qsizetype settingLines = 6;  // of a settings text, before the lists
   void subReadExistingSettingAppointment2050();
   void subTakeLines(const QStringList& lines);
   void subReadLists(const QStringList& lines, qsizetype first);
-  QString fncHourbooksFolder() const;
   bool fncIsPlausible(const QString& strStoredFolder) const;
 };
 

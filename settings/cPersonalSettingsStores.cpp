@@ -124,6 +124,11 @@ void cPersonalSettings::subReadExistingSettingAppointment2050() try {
   subHandleError(failure, QStringLiteral("subReadExistingSettingAppointment2050"));
 }
 
+bool cPersonalSettings::fncIsSingleUser() {
+  subSetupFS();
+  return programExists(QStringLiteral("HBPersonalSettingsSingle"));
+}
+
 /// May the database of another machine's settings be used here? A single-user installation has its own in the
 /// user's folder, any other has a shared one elsewhere.
 bool cPersonalSettings::fncIsPlausible(const QString& strStoredFolder) const {
@@ -131,7 +136,7 @@ bool cPersonalSettings::fncIsPlausible(const QString& strStoredFolder) const {
   const QString stored = databaseIn(strStoredFolder);
   const bool isOwn = compareText(stored, databaseIn(fncHourbooksFolder())) == 0;
   const bool exists = shellValues().gFileSystem->FileExists(stored);
-  if (programExists(QStringLiteral("HBPersonalSettingsSingle"))) return isOwn && exists;
+  if (fncIsSingleUser()) return isOwn && exists;
   return programExists(QStringLiteral("HBPersonalSettings")) && exists && !isOwn;
 }
 

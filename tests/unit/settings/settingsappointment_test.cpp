@@ -232,6 +232,15 @@ TEST_F(SettingsAppointment, TheSettingsProgramMayStandThereAsALinkThatLeadsToIt)
   EXPECT_TRUE(wasTaken(read()));
 }
 
+TEST_F(SettingsAppointment, WhichInstallationItIsAndWhereItsOwnDatabaseStandsCanBeAsked) {
+  EXPECT_EQ(cPersonalSettings().fncHourbooksFolder(), ownFolder());
+  EXPECT_FALSE(cPersonalSettings::fncIsSingleUser());
+  installShared();
+  EXPECT_FALSE(cPersonalSettings::fncIsSingleUser());
+  installSingleUser();
+  EXPECT_TRUE(cPersonalSettings::fncIsSingleUser());
+}
+
 TEST_F(SettingsAppointment, WithBothSettingsProgramsTheInstallationIsASingleUsers) {
   installSingleUser();
   installShared();
