@@ -2,6 +2,7 @@
 
 #include "platform/forms/widgets/bind.h"
 #include "platform/owc/chartview/chartview.h"
+#include "workspace/FlowLayout.h"
 
 #include <QBoxLayout>
 #include <QComboBox>
@@ -36,11 +37,15 @@ QLayout* StatisticsPart::head() {
   QFont strong;  // all but the weight comes from the window
   strong.setBold(true);
   total->setFont(strong);
-  auto* row = new QHBoxLayout;
-  row->addWidget(tabs, 1);
-  if (form_.cmbChartType) row->addWidget(chartTypes());
-  row->addWidget(caption);
-  row->addWidget(total);
+  numbers_ = {caption, total};
+  auto* numbers = new QHBoxLayout;
+  if (form_.cmbChartType) numbers->addWidget(chartTypes());
+  numbers->addWidget(caption);
+  numbers->addWidget(total);
+  auto* row = new FlowLayout;
+  row->addWidget(tabs);
+  row->addStretch();
+  row->addLayout(numbers);
   return row;
 }
 
@@ -52,7 +57,9 @@ QWidget* StatisticsPart::chartTypes() {
 }
 
 void StatisticsPart::followFont() {
-  chart_->setMinimumHeight(chart_->fontMetrics().height() * 4);
+  // about as high as the tabs, so that the numbers stand on their line
+  for (QLabel* label : numbers_) label->setMinimumHeight(label->fontMetrics().height() * 3 / 2);
+  chart_->setMinimumHeight(chart_->fontMetrics().height() * 6);
 }
 
 void StatisticsPart::changeEvent(QEvent* event) {

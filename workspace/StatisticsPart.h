@@ -1,7 +1,10 @@
 #pragma once
 #include "workspace/ReportForm.h"
 
+#include <QList>
 #include <QWidget>
+
+class QLabel;
 
 namespace platform::owc {
 class ChartView;
@@ -25,6 +28,7 @@ class StatisticsPart : public QWidget {
   void followFont();
   ReportForm& form_;
   platform::owc::ChartView* chart_;
+  QList<QLabel*> numbers_;
 };
 
 }  // namespace hourbook

@@ -14,7 +14,7 @@ using Eight = std::array<QRgb, 8>;
 constexpr Eight onLight{0xff0072b2, 0xffe69f00, 0xff009e73, 0xffd55e00,
                         0xffcc79a7, 0xff56b4e9, 0xfff0e442, 0xff5a5a5a};
 constexpr Eight onDark{0xff56b4e9, 0xffe69f00, 0xff009e73, 0xffd55e00,
-                       0xffcc79a7, 0xfff0e442, 0xff2c8fd0, 0xffc8c8c8};
+                       0xffcc79a7, 0xfff0e442, 0xff8454fc, 0xffc8c8c8};
 
 QColor mixed(const QColor& a, const QColor& b, double partOfA) {
   const auto mix = [partOfA](float x, float y) {
@@ -47,7 +47,7 @@ ChartColors::ChartColors(const QPalette& palette)
       dark_(isDark(base_)) {}
 
 QColor ChartColors::axis() const {
-  return mixed(text_, base_, 0.55);
+  return mixed(text_, base_, 0.62);
 }
 
 QColor ChartColors::grid() const {
@@ -69,7 +69,7 @@ QColor ChartColors::fill(qsizetype index) const {
 }
 
 QColor ChartColors::outline(qsizetype index) const {
-  return mixed(fill(index), dark_ ? Qt::white : Qt::black, 0.65);
+  return mixed(fill(index), dark_ ? Qt::white : Qt::black, 0.55);
 }
 
 QColor ChartColors::onFill(qsizetype index) const {

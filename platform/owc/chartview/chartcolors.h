@@ -4,9 +4,9 @@
 
 namespace platform::owc {
 
-/// The colours of a chart on a desktop's palette, light or dark. Those of series and slices are the eight of
-/// Okabe and Ito, which people with every kind of colour blindness can tell apart; behind the eighth they
-/// come again in other shades.
+/// The colours of a chart on a desktop's palette, light or dark. Those of series and slices are the ones of
+/// Okabe and Ito, which people with every kind of colour blindness can tell apart, with a grey for their
+/// black and, on dark, a violet for their second blue; behind the eighth they come again in other shades.
 class ChartColors {
  public:
   explicit ChartColors(const QPalette& palette);

@@ -104,6 +104,8 @@ class Layouter {
       width = std::max(width, metrics_.horizontalAdvance(scale.label(tick)));
     return std::ceil(width);
   }
+  /// The least distance of two values on an upright axis.
+  double perStep() const { return 1.5 * line_; }
   double air() const { return std::ceil(metrics_.averageCharWidth()); }
 
   void addText(Part part, qsizetype index, const QString& text, const QRectF& place, Qt::Alignment alignment,
@@ -111,10 +113,11 @@ class Layouter {
     if (!text.isEmpty()) frame_.texts.append({part, index, text, place, colors_.text(), alignment, upright});
   }
 
-  /// Values up the left side of the plot.
+  /// Values up the left side of the plot, as many as there is room for.
   void addValuesBeside(const ValueScale& scale) {
-    const double width = labelWidth(scale);
-    for (int tick = scale.from; tick <= scale.to; ++tick) {
+    const double width = labelWidth(scale), each = frame_.plot.height() / scale.steps();
+    const int every = std::max(1, static_cast<int>(std::ceil(line_ / std::max(each, 1.0))));
+    for (int tick = scale.from; tick <= scale.to; tick += every) {
       const double y = frame_.plot.bottom() - frame_.plot.height() * (tick - scale.from) / scale.steps();
       const QRectF place(frame_.plot.left() - air() - width, y - line_ / 2, width, line_);
       addText(Part::Value, tick - scale.from, scale.label(tick), place, Qt::AlignRight | Qt::AlignVCenter);
@@ -132,11 +135,17 @@ class Layouter {
   }
 
   void layOutColumns(const QRectF& room) {
-    frame_.values = valueScale(room.height() - 2.5 * line_, 2 * line_);
-    const double left = labelWidth(frame_.values) + air();
-    const double slot = (room.width() - left) / static_cast<double>(figures_.count());
-    const LabelFit fit = fitBelow(figures_.categories, slot, room.height() * 0.35, metrics_);
-    frame_.plot = room.adjusted(left, line_ / 2, 0, -fit.depth - air() / 2);
+    frame_.values = valueScale(room.height() - 2.5 * line_, perStep());
+    double slot = 0;
+    LabelFit fit;
+    // How high the plot is depends on the names below it, and these on the width that the values leave.
+    for (const bool last : {false, true}) {
+      const double left = labelWidth(frame_.values) + air();
+      slot = (room.width() - left) / static_cast<double>(figures_.count());
+      fit = fitBelow(figures_.categories, slot, room.height() * 0.35, metrics_);
+      frame_.plot = room.adjusted(left, line_ / 2, 0, -fit.depth - air() / 2);
+      if (!last) frame_.values = valueScale(frame_.plot.height(), perStep());
+    }
     addValuesBeside(frame_.values);
     for (qsizetype i = 0; i < figures_.count(); i += fit.every) {
       const double centre = frame_.plot.left() + slot * (static_cast<double>(i) + 0.5);
@@ -163,7 +172,7 @@ class Layouter {
   }
 
   void layOutScatter(const QRectF& room) {
-    frame_.values = valueScale(room.height() - 2.5 * line_, 2 * line_);
+    frame_.values = valueScale(room.height() - 2.5 * line_, perStep());
     frame_.plot = room.adjusted(labelWidth(frame_.values) + air(), line_ / 2, 0, -line_ - air() / 2);
     const auto [low, high] = std::minmax_element(frame_.places.begin(), frame_.places.end());
     frame_.across = widestScale(frame_.plot.width(), [&](int steps) { return scaleFor(*low, *high, steps); });
@@ -243,6 +252,7 @@ class Layouter {
   }
   void addValuesInside() {
     const double width = labelWidth(frame_.values), radius = frame_.plot.width() / 2;
+    if (radius / frame_.values.steps() < line_) return;
     for (int tick = frame_.values.from; tick < frame_.values.to; ++tick) {
       const double out = radius * (tick - frame_.values.from) / frame_.values.steps();
       const QRectF place(frame_.plot.center().x() - width - air() / 2, frame_.plot.center().y() - out - line_,

@@ -67,7 +67,8 @@ struct ChartFrame {
 ChartFrame frameFor(const ChartFigures& figures, const QRectF& room, const QFont& font,
                     const ChartColors& colors);
 
-/// Puts the legend at the right side of `room`, and gives what is left of it.
+/// Puts the legend at the right side of `room` or, where that takes less, along its top, and gives what is
+/// left of it. Where there is too little room for both there is no legend.
 QRectF addLegend(ChartFrame& frame, const ChartFigures& figures, const QRectF& room, const QFont& font,
                  const ChartColors& colors);
 

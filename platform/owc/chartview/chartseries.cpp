@@ -61,7 +61,6 @@ std::unique_ptr<QBarSet> barSet(const ChartFigures& figures, const ChartFrame& f
   auto set = std::make_unique<QBarSet>(QString());
   set->append(values);
   set->setBrush(colors.fill(series));
-  set->setPen(QPen(colors.outline(series), 1));
   return set;
 }
 
@@ -72,12 +71,18 @@ void addBars(QChart& chart, const ChartFigures& figures, const ChartFrame& frame
   const bool piled = figures.kind.stacking != Stacking::None;
   const bool backwards = figures.kind.family == ChartFamily::Bar && !piled;
   const qsizetype count = figures.names.size();
-  auto series = barSeries(figures.kind);
-  for (qsizetype i = 0; i < count; ++i)
-    series->append(barSet(figures, frame, colors, backwards ? count - 1 - i : i).release());
-  series->setLabelsVisible(false);
   const double beside = piled ? 1 : static_cast<double>(count);
-  series->setBarWidth(std::min(usual, widest * beside / frame.slot(figures)));
+  const double width = std::min(usual, widest * beside / frame.slot(figures));
+  const bool outlined = width * frame.slot(figures) / beside >= leastOutlined;
+  auto series = barSeries(figures.kind);
+  for (qsizetype i = 0; i < count; ++i) {
+    const qsizetype index = backwards ? count - 1 - i : i;
+    auto set = barSet(figures, frame, colors, index);
+    set->setPen(outlined ? QPen(colors.outline(index), 1) : QPen(Qt::NoPen));
+    series->append(set.release());
+  }
+  series->setLabelsVisible(false);
+  series->setBarWidth(width);
   addTo(chart, series.release());
 }
 

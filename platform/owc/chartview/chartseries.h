@@ -20,6 +20,8 @@ void addRoundSeries(QChart& chart, const ChartFigures& figures, const ChartFrame
 // What both have in common
 
 inline constexpr double lineWidth = 2.5;
+/// Bars and slices narrower than so many pixels have no outline: it would be all that is seen of them.
+inline constexpr double leastOutlined = 5;
 inline constexpr int smoothPlaces = 12;  // drawn between two values of a smooth line
 
 /// The values of a series as points, cut where a value is missing.

@@ -35,6 +35,20 @@ QStringList shortened(const QStringList& names, double width, const QFontMetrics
   return texts;
 }
 
+/// Each name on two lines, as much of it as they hold: the first as long as the width allows.
+QStringList brokenAndShortened(const QStringList& names, double width, const QFontMetricsF& metrics) {
+  QStringList all;
+  for (const QString& name : names) {
+    qsizetype end = -1;
+    for (qsizetype blank = name.indexOf(u' '); blank >= 0; blank = name.indexOf(u' ', blank + 1))
+      if (end < 0 || metrics.horizontalAdvance(name.left(blank)) <= width) end = blank;
+    const bool whole = end < 0 || metrics.horizontalAdvance(name) <= width;
+    const QStringList lines = whole ? QStringList{name} : QStringList{name.left(end), name.mid(end + 1)};
+    all.append(shortened(lines, width, metrics).join(u'\n'));
+  }
+  return all;
+}
+
 qsizetype everyIn(double slot, double needed) {
   return slot >= needed ? 1 : static_cast<qsizetype>(std::ceil(needed / std::max(slot, 0.01)));
 }
@@ -53,6 +67,13 @@ LabelFit fitBelow(const QStringList& names, double slot, double mostDepth, const
   const QStringList broken = brokenInTwo(names, metrics);
   if (widest(broken, metrics) <= room) {
     fit.texts = broken;
+    fit.depth = 2 * metrics.height();
+    return fit;
+  }
+  const double dots = metrics.horizontalAdvance(QChar(0x2026));
+  const bool breakable = broken != names && 2 * metrics.height() <= mostDepth;
+  if (breakable && 2 * (room - dots) >= upright) {
+    fit.texts = brokenAndShortened(names, room, metrics);
     fit.depth = 2 * metrics.height();
     return fit;
   }

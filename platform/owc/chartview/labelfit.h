@@ -14,7 +14,7 @@ struct LabelFit {
 
 /// Along a horizontal axis where each category has `slot` pixels. Names stand level in one line or, broken at
 /// a blank, in two. Where neither has room for them whole, they stand as more of them can be read: level and
-/// shortened, or upright and `mostDepth` pixels long at most. No two touch.
+/// shortened, in two lines or one, or upright and `mostDepth` pixels long at most. No two touch.
 LabelFit fitBelow(const QStringList& names, double slot, double mostDepth, const QFontMetricsF& metrics);
 /// Beside a vertical axis, level, at most `mostDepth` pixels wide.
 LabelFit fitBeside(const QStringList& names, double slot, double mostDepth, const QFontMetricsF& metrics);

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <memory>
+#include <numbers>
 
 namespace platform::owc {
 
@@ -22,7 +23,8 @@ void addSlices(QChart& chart, const SliceRings& slices, const ChartColors& color
       auto slice = std::make_unique<QPieSlice>(QString(), ring.shares[i]);
       slice->setBrush(colors.fill(i));
       const bool whole = ring.shares[i] > 0.999;  // its edges would lie on each other, as a line
-      slice->setPen(whole ? QPen(Qt::NoPen) : QPen(colors.outline(i), 1));
+      const bool thin = ring.shares[i] * ring.outer * 2 * std::numbers::pi < leastOutlined;
+      slice->setPen(whole || thin ? QPen(Qt::NoPen) : QPen(colors.outline(i), 1));
       slice->setLabelVisible(false);
       slice->setExplodeDistanceFactor(SliceRings::explosion);
       slice->setExploded(slices.exploded);

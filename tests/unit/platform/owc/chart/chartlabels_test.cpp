@@ -46,6 +46,24 @@ TEST_F(Labels, AreShortenedWhereThatShowsMoreThanUpright) {
   }
 }
 
+TEST_F(Labels, AreShortenedInTwoLinesWhereTheyHaveBlanks) {
+  const double width = metrics.horizontalAdvance(u"10/13/20"_s) + metrics.averageCharWidth();
+  const LabelFit fit = fitBelow({u"Mon 10/13/2024"_s, u"X"_s}, width, 3 * metrics.height(), metrics);
+  EXPECT_FALSE(fit.upright);
+  EXPECT_TRUE(fit.texts[0].startsWith(u"Mon\n10/"_s)) << fit.texts[0].toStdString();
+  EXPECT_TRUE(fit.texts[0].endsWith(u'\u2026'));
+  EXPECT_EQ(fit.texts[1], u"X"_s);
+  EXPECT_EQ(fit.depth, 2 * metrics.height());
+  for (const QString& line : fit.texts[0].split(u'\n')) EXPECT_LE(metrics.horizontalAdvance(line), width);
+}
+
+TEST_F(Labels, FillTheFirstOfTwoLinesAsFarAsItGoes) {
+  const QString name = u"one two three four five six seven eight"_s;
+  const double width = metrics.horizontalAdvance(u"one two three"_s) + metrics.averageCharWidth() + 1;
+  const LabelFit fit = fitBelow({name}, width, 3 * metrics.height(), metrics);
+  EXPECT_TRUE(fit.texts[0].startsWith(u"one two three\nfour"_s)) << fit.texts[0].toStdString();
+}
+
 TEST_F(Labels, StandUprightWhereTheSlotIsNarrow) {
   const LabelFit fit = fitBelow(longNames, 60, 80, metrics);
   EXPECT_TRUE(fit.upright);

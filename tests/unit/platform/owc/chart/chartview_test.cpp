@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
+#include <QtMath>
 #include <QToolTip>
 
 #include <cmath>
@@ -94,6 +95,20 @@ QList<int> drawnTypes() {
   QList<int> types;
   for (int type = 0; type <= 45; ++type)
     if (chartKind(type)) types.append(type);
+  return types;
+}
+
+/// One of each sort that is laid out in its own way.
+QList<int> laidOutTypes() {
+  QList<int> types;
+  const auto alike = [](const ChartKind& a, const ChartKind& b) {
+    const bool percents = a.stacking == Stacking::Percent, others = b.stacking == Stacking::Percent;
+    return a.family == b.family && a.exploded == b.exploded && percents == others;
+  };
+  for (const int type : drawnTypes())
+    if (std::none_of(types.begin(), types.end(),
+                     [&](int other) { return alike(*chartKind(other), *chartKind(type)); }))
+      types.append(type);
   return types;
 }
 
@@ -217,6 +232,60 @@ TEST_F(ChartViews, OfRingsHaveAHole) {
   EXPECT_FALSE(view.drawing().categoryAt(frame().slices.centre));
 }
 
+TEST_F(ChartViews, HaveTheirLegendWhereItTakesLess) {
+  fillWeek(space, chChartTypeColumnClustered);
+  const auto legend = [&] { return frame().swatches.value(0).place; };
+  view.resize(400, 300);
+  image();
+  EXPECT_LE(legend().bottom(), frame().plot.top());
+  EXPECT_GT(frame().plot.right(), legend().left());
+  view.resize(900, 130);
+  image();
+  EXPECT_GT(legend().left(), frame().plot.right());
+}
+
+TEST_F(ChartViews, OfSlicesHaveTheirLegendCloseByInAsManyColumnsAsItNeeds) {
+  view.resize(900, 150);
+  fill(space, chChartTypePie, {u"Hours"_s}, named(u"Category %1"_s, 18), {risingTo(18)});
+  EXPECT_EQ(texts(Part::Legend).size(), 18);
+  EXPECT_EQ(texts(Part::Legend).last(), u"Category 18"_s);
+  const QList<ChartSwatch>& swatches = frame().swatches;
+  EXPECT_GT(swatches[0].place.left(), frame().slices.centre.x() + frame().slices.half);
+  EXPECT_LT(swatches[0].place.left(), frame().slices.centre.x() + frame().slices.half + 40);
+  EXPECT_EQ(swatches[1].place.left(), swatches[0].place.left());
+  EXPECT_GT(swatches[17].place.left(), swatches[0].place.left());
+  expectTidy(view.size(), "columns");
+}
+
+TEST_F(ChartViews, OfThinBarsAndSlicesAreMoreThanOutlines) {
+  fill(space, chChartTypeColumnClustered, {u"Hours"_s}, named(u"%1"_s, 150), {QList<double>(150, 4)});
+  const QImage picture = image();
+  int own = 0;
+  for (int x = qCeil(frame().plot.left()); x < frame().plot.right(); ++x)
+    own += picture.pixelColor(x, qRound(frame().plot.center().y())) == view.drawing().colors().fill(0);
+  EXPECT_GE(own, 150);
+  fill(space, chChartTypePie, {u"Hours"_s}, {u"a"_s, u"b"_s}, {{1000, 1}});
+  const SliceRings& slices = frame().slices;
+  EXPECT_NE(colorAt(slices.centre - QPointF(1, slices.half * 0.8)), view.drawing().colors().outline(1));
+}
+
+TEST_F(ChartViews, LeaveValuesOutWhereThereIsNoRoomForThem) {
+  view.resize(398, 66);
+  fillWeek(space, chChartTypeColumnClustered);
+  EXPECT_LT(texts(Part::Value).size(), frame().values.steps() + 1);
+  fillWeek(space, chChartTypeRadarLine);
+  EXPECT_TRUE(texts(Part::Value).isEmpty());
+}
+
+TEST_F(ChartViews, HaveAnEmptyLabelForAnEmptyName) {
+  for (const int type : drawnTypes()) {
+    fill(space, type, {u"Hours"_s}, {QString(), u"Acme"_s}, {{1, 2}});
+    EXPECT_FALSE(image().isNull()) << type;
+    EXPECT_FALSE(texts(Part::Category).contains(QString())) << type;
+  }
+  EXPECT_EQ(categoryInWords(view.drawing().figures(), 0), u"\u2013: 1"_s);
+}
+
 TEST_F(ChartViews, SayHowManyMoreTheLegendHasNoRoomFor) {
   fill(space, chChartTypePie, {u"Hours"_s}, named(u"Category %1"_s, 60), {risingTo(60)});
   const QStringList legend = texts(Part::Legend);
@@ -235,9 +304,10 @@ TEST_F(ChartViews, KeepTheirTextsTidyWhateverTheyShow) {
       {named(u"%1"_s, 198), risingTo(198)},
       {{u"down"_s, u"up"_s, u"none"_s}, {-123456.75, 98765, tests::nan}},
   };
-  for (const QSize& size : {QSize(600, 326), QSize(1100, 220), QSize(260, 200)})
+  for (const QSize& size :
+       {QSize(600, 326), QSize(1100, 220), QSize(260, 200), QSize(780, 110), QSize(398, 66), QSize(180, 420)})
     for (const auto& [categories, values] : data)
-      for (const int type : drawnTypes()) {
+      for (const int type : laidOutTypes()) {
         fill(space, type, {u"Hours"_s}, categories, {values});
         const QByteArray what = u"%1, %2 categories, %3 wide"_s.arg(chartTypeName(type))
                                     .arg(categories.size())
