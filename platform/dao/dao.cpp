@@ -205,6 +205,10 @@ std::shared_ptr<Database> DBEngine::OpenDatabase(const QString& path) {
   return std::make_shared<Database>(driver_->connect(connection), engine_);
 }
 
+std::shared_ptr<Database> DBEngine::DatabaseOver(std::unique_ptr<sql::Session> session) const {
+  return std::make_shared<Database>(std::move(session), engine_);
+}
+
 std::shared_ptr<sql::CompactedSource> DBEngine::CompactDatabase(const QString& source,
                                                                 const QString& target) {
   return engine_->compact(source, target);

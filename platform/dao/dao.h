@@ -105,6 +105,9 @@ class DBEngine {
   /// when the file exists.
   virtual std::shared_ptr<Database> CreateDatabase(const QString& path, const QString& locale, int options);
   std::shared_ptr<Database> OpenDatabase(const QString& path);
+  /// The database that a session of this engine has open, so that a table or column becomes part of the
+  /// session's transaction.
+  std::shared_ptr<Database> DatabaseOver(std::unique_ptr<sql::Session> session) const;
   /// The source stays locked against others as long as the returned object lives; who ignores it lets go at
   /// once.
   std::shared_ptr<sql::CompactedSource> CompactDatabase(const QString& source, const QString& target);

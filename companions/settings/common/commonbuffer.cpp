@@ -4,6 +4,7 @@
 #include "companions/settings/common/rates.h"
 #include "platform/basic/text.h"
 #include "settings/modNameCheck.h"
+#include "shell/ShellValues.h"
 
 #include <QHash>
 #include <QSet>
@@ -91,6 +92,10 @@ void addListProblems(const CommonBuffer& buffer, int list, QList<CommonProblem>&
   addValueProblems(buffer, list, problems);
 }
 
+QString defaultCaption(int list) {
+  return list == 0 ? phrases().LNGCUSTOMER : phrases().LNGTASK;
+}
+
 QString costProblem(const CommonContent& content) {
   if (content.costCarrier == 0) return texts::costNotChosen;
   const int list = content.costCarrier - costOfFirstList;
@@ -159,14 +164,8 @@ QString CommonBuffer::targetValueProblem() const {
 
 QString CommonBuffer::captionProblem(int list) const {
   const QString& caption = edited.lists[list].caption;
-  if (caption.isEmpty()) {
-    if (list == 0) return texts::captionNeeded;
-    // The rows stand for the lists by their order alone: one without a caption would let the next one slip
-    // up.
-    for (int later = list + 1; later < 3; ++later)
-      if (!edited.lists[later].caption.isEmpty()) return texts::captionGap.arg(later + 1);
-    return {};
-  }
+  // A reader gives the first two their first names back when it finds none.
+  if (caption.isEmpty()) return list < 2 ? texts::captionNeeded.arg(defaultCaption(list)) : QString();
   for (int earlier = 0; earlier < list; ++earlier)
     if (foldedKey(edited.lists[earlier].caption) == foldedKey(caption))
       return texts::captionTwice.arg(earlier + 1);
@@ -178,7 +177,7 @@ QString CommonBuffer::billingHint() const {
   if (!row.present && row == stored.billing && row == BillingRow()) return {};
   if (row.serverName.isEmpty() || row.serverName == u"0"_s)
     return row.location.isEmpty() || row.userId.isEmpty() || row.password.isEmpty() ? texts::portalIncomplete
-                                                                                   : QString();
+                                                                                    : QString();
   return row.serverName == u"1"_s && row.location.isEmpty() ? texts::fileMissing : QString();
 }
 
@@ -204,8 +203,7 @@ QString CommonBuffer::nameProblem(int list, int row, const QString& name) const 
   if (const QString problem = fncNameProblem(name); !problem.isEmpty()) return problem;
   const QString key = foldedKey(name);
   for (int other = 0; other < values.size(); ++other)
-    if (other != row && values[other].name.size() == name.size() && foldedKey(values[other].name) == key)
-      return texts::nameTwice;
+    if (other != row && foldedKey(values[other].name) == key) return texts::nameTwice;
   return {};
 }
 

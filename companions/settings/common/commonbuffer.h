@@ -87,10 +87,10 @@ struct RemovedValue {
 struct CommonBuffer {
   CommonContent stored;
   CommonContent edited;
-  bool isNew = false;             // the database is yet to be made
-  bool billingPossible = false;   // the database is of the kind that the billing roads read
-  QString notWritable;            // why nothing may be changed; empty: it may
-  QString place;                  // the database, as messages call it
+  bool isNew = false;            // the database is yet to be made
+  bool billingPossible = false;  // the database is of the kind that the billing roads read
+  QString notWritable;           // why nothing may be changed; empty: it may
+  QString place;                 // the database, as messages call it
 
   bool isChanged() const { return !differences(stored, edited).isEmpty(); }
   /// All of them, in the order of the sections. Names that were stored with a fault and left alone are none.

@@ -1,8 +1,8 @@
 #pragma once
 #include <QString>
 
-// Every text of the page of the common settings. Field names double as accessible names, so they must say enough
-// without the picture around them. "&" marks the mnemonic; it is taken off where a text is read aloud.
+// Every text of the page of the common settings. Field names double as accessible names, so they must say
+// enough without the picture around them. "&" marks the mnemonic; it is taken off where a text is read aloud.
 namespace hourbook::commontexts {
 
 #define HOURBOOK_TEXT(name, text) inline const QString name = QStringLiteral(text)
@@ -14,8 +14,9 @@ HOURBOOK_TEXT(sections, "Sections of the common settings");
 HOURBOOK_TEXT(readAgain, "Read a&gain");
 HOURBOOK_TEXT(placeName, "Where the common settings stand");
 HOURBOOK_TEXT(placeText, "All users of %1 share these settings.");
-HOURBOOK_TEXT(placeNew,
-              "All users of the new database will share these settings. It is made when everything is saved.");
+HOURBOOK_TEXT(
+    placeNew,
+    "All users of the new database will share these settings. It is made when everything is saved.");
 HOURBOOK_TEXT(messageName, "Message");
 HOURBOOK_TEXT(unreachable, "The common settings cannot be read: %1");
 HOURBOOK_TEXT(noDatabase, "there is no database in %1.");
@@ -64,9 +65,9 @@ HOURBOOK_TEXT(listTabUnused, "List %1");
 HOURBOOK_TEXT(captionLabel, "&Name of the list");
 HOURBOOK_TEXT(categoryLabel, "Its categories are &called");
 HOURBOOK_TEXT(superCategoryLabel, "Its s&uper categories are called");
-HOURBOOK_TEXT(captionTip, "A list without a name is not in use.");
-HOURBOOK_TEXT(captionNeeded, "The first list must have a name.");
-HOURBOOK_TEXT(captionGap, "List %1 has a name, so this one must have one, too.");
+HOURBOOK_TEXT(captionTip, "The third list is not in use without a name.");
+HOURBOOK_TEXT(captionNeeded,
+              "This list must have a name: without one, everybody would see it as \"%1\" again.");
 HOURBOOK_TEXT(captionTwice, "List %1 has this name already.");
 HOURBOOK_TEXT(newLabel, "Ne&w value");
 HOURBOOK_TEXT(add, "Ad&d");
@@ -82,9 +83,10 @@ HOURBOOK_TEXT(
     "enabled");
 HOURBOOK_TEXT(filterLabel, "&Filter");
 HOURBOOK_TEXT(filterHint, "Part of a name or category");
-HOURBOOK_TEXT(sortLabel, "S&ort by");
-HOURBOOK_TEXT(sortDown, "Do&wnwards");
+HOURBOOK_TEXT(sortLabel, "Sor&t by");
+HOURBOOK_TEXT(sortDown, "Downward&s");
 HOURBOOK_TEXT(tableName, "Values of list %1");
+HOURBOOK_TEXT(notAdded, "\"%1\" has been typed as a new value but not added. Add it or clear the field.");
 HOURBOOK_TEXT(columnName, "Name");
 HOURBOOK_TEXT(columnCategory, "Category");
 HOURBOOK_TEXT(columnSuperCategory, "Super category");

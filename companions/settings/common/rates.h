@@ -10,8 +10,8 @@ struct ReadRate {
   platform::basic::Currency rate;
   QString problem;  // why the text is no rate, for the user; empty: it is one
 };
-/// Reads a rate typed or pasted in the system's format; signs between thousands may stand where they belong. An
-/// empty text is 0.
+/// Reads a rate typed or pasted in the system's format; signs between thousands may stand where they belong.
+/// An empty text is 0.
 ReadRate readRate(const QString& text);
 
 }  // namespace hourbook
