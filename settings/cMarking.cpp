@@ -48,7 +48,7 @@ QString cMarking::MarkingCategories() const try {
   const QString separator = shellValues().gListSeparator;
   QString text;
   for (const auto& position : colMarkings)
-    if (!position->MetaName.isEmpty()) text += separator + position->MetaName;
+    if (!present(position).MetaName.isEmpty()) text += separator + position->MetaName;
   // the separator is one sign on every system; of several the whole would go
   if (!separator.isEmpty() && text.endsWith(separator)) text.chop(separator.size());
   // kept: a doubled separator vanishes whole

@@ -123,6 +123,12 @@ TEST_F(Markings, APositionThatIsMissingIsReported) {
   EXPECT_REPORTED(world, "BillingToMarkings", marking.BillingToMarkings(u"A"_s));
 }
 
+TEST_F(Markings, APositionWithoutAnObjectIsReportedWhenCategoriesAreBuilt) {
+  cMarking marking;
+  marking.colMarkings.Add(nullptr);
+  EXPECT_REPORTED(world, "MarkingCategories", marking.MarkingCategories());
+}
+
 TEST_F(Markings, AnAppointmentIsStampedWithTheMomentAndNothingElse) {
   const auto appointment = addAppointment(u"Planning"_s);
   appointment->setCategories(u",A"_s);

@@ -320,6 +320,18 @@ TEST_F(PersonalSettings, ASettingsTextOfSixClosedLinesIsTakenAndLeavesNoLists) {
   EXPECT_EQ(settings.MetaDataLists.Count(), 0);
 }
 
+TEST_F(PersonalSettings, ASettingsTextWithALineThatCannotBeReadIsReported) {
+  cPersonalSettings settings;
+  EXPECT_REPORTED(world, "FromString",
+                  settings.FromString(u"3\r\nProvider=x\r\n450\r\nTrue\r\nperhaps\r\nTrue\r\n"_s));
+}
+
+TEST_F(PersonalSettings, ListsOfOneNameStayApart) {
+  cPersonalSettings settings;
+  settings.subPopulateMetadataList(u"Task:a;\r\nTask:b;A;\r\nTASK:a;A;\r\n"_s);
+  EXPECT_EQ(settings.fncMetadataList(), u"Task:a;\r\nTask:b;A;\r\nTASK:a;\r\n"_s);
+}
+
 TEST_F(PersonalSettings, TheRegistryIsWrittenInItsOrder) {
   const QStringList order{u"ReportChoice"_s,    u"ReportValue"_s,   u"PersonalRate"_s,
                           u"FilterEvents"_s,    u"FilterPrivate"_s, u"FilterRecurring"_s,

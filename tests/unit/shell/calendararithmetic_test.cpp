@@ -67,6 +67,10 @@ TEST_F(CalendarArithmetic, AYearThatIsNoneIsReported) {
   EXPECT_REPORTED(world, "genTools.MondayWeek1", MondayWeek1(123456));
 }
 
+TEST_F(CalendarArithmetic, ADateBehindTheLastYearIsReported) {
+  EXPECT_REPORTED(world, "genTools.fncSwWeekNo", fncSwWeekNo(Date(3e6)));
+}
+
 TEST_F(CalendarArithmetic, NullReadsAsAnEmptyText) {
   EXPECT_EQ(fncNullToEmpty(platform::basic::Null()), QString());
   EXPECT_EQ(fncNullToEmpty(u"a"_s), u"a"_s);
