@@ -271,10 +271,15 @@ void ListsPage::renameValue(int row) {
   NamedList others = *list;
   others.values.removeAt(row);
   const QString problem = valueProblem(others, value);
-  if (problem.isEmpty()) list->values[row] = value;
-  showValues(row);
   tell(Field::ListValues, problem);
-  if (problem.isEmpty()) edited();
+  if (!problem.isEmpty()) {
+    const QSignalBlocker quiet(lstValues);
+    lstValues->item(row)->setText(list->values[row]);
+    return;
+  }
+  list->values[row] = value;
+  showState();
+  edited();
 }
 
 void ListsPage::showState() {

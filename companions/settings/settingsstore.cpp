@@ -133,8 +133,10 @@ void SettingsStore::readConfiguration(ReadSettings& read) {
     if (buffer.openCalendar.isEmpty() && !buffer.calendars.isEmpty())
       buffer.openCalendar = buffer.calendars.first().id;
   }
-  if (buffer.personName.isEmpty())
-    buffer.personName = platform::process::Process::current().expandEnvironment(u"%USERNAME%"_s).remove(u'%');
+  if (buffer.personName.isEmpty()) {
+    const QString user = platform::process::Process::current().expandEnvironment(u"%USERNAME%"_s);
+    if (!user.contains(u'%')) buffer.personName = user;
+  }
 }
 
 void SettingsStore::readRegistry(ReadSettings& read) const {

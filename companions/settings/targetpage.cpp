@@ -72,7 +72,9 @@ void TargetPage::layOut() {
   auto* column = new QVBoxLayout(targets);
   column->addWidget(optAccess);
   column->addWidget(optServer);
-  column->addWidget(messageLine(optServer, Field::ReportChoice));
+  ProblemLabel* line = messageLine(optServer, Field::ReportChoice);
+  line->setObjectName(u"msgTarget"_s);
+  column->addWidget(line);
   addUnavailable(column, optAsp, texts::reasonAsp);
   addUnavailable(column, optBilling, texts::reasonBilling);
   all->addWidget(targets);
@@ -101,6 +103,7 @@ void TargetPage::addUnavailable(QVBoxLayout* column, QRadioButton* button, const
 
 QWidget* TargetPage::accessGroup() {
   fraAccess = new QGroupBox(phrases().LNGDATABASE, this);
+  fraAccess->setObjectName(u"fraAccess"_s);
   auto* form = new QFormLayout(fraAccess);
   form->setRowWrapPolicy(QFormLayout::WrapAllRows);
   auto* row = new QHBoxLayout;
@@ -114,6 +117,7 @@ QWidget* TargetPage::accessGroup() {
 QWidget* TargetPage::serverGroup() {
   const Phrases& p = phrases();
   fraServer = new QGroupBox(p.LNGSERVER, this);
+  fraServer->setObjectName(u"fraServer"_s);
   auto* form = new QFormLayout(fraServer);
   form->setRowWrapPolicy(QFormLayout::WrapLongRows);
   addField(form, p.LNGSERVER, txtServer, u"txtServer"_s, Field::Server);

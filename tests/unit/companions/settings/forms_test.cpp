@@ -25,9 +25,17 @@ class Forms : public WindowHome {
   void picture(const QString& name) {
     const QString folder = qEnvironmentVariable("HOURBOOK_PICTURES");
     if (folder.isEmpty()) return;
-    const QString title = name.toLower().replace(u' ', u'-') + u'-' +
+    const QString title = folder + u'/' + name.toLower().replace(u' ', u'-') + u'-' +
                           QString::fromLatin1(testing::UnitTest::GetInstance()->current_test_info()->name());
-    window->grab().save(folder + u'/' + title + u".png"_s);
+    QApplication::processEvents();
+    window->grab().save(title + u"-light.png"_s);
+    QPalette dark(QColor(0x35, 0x35, 0x35));
+    dark.setColor(QPalette::Base, QColor(0x20, 0x20, 0x20));
+    QApplication::setPalette(dark);
+    QApplication::processEvents();
+    window->grab().save(title + u"-dark.png"_s);
+    QApplication::setPalette(QPalette());
+    QApplication::processEvents();
   }
 };
 
