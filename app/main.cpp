@@ -10,12 +10,21 @@
 #include "workspace/frmXPReport.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <cstdio>
 
 namespace {
 
 using namespace hourbook;
+
+/// The desktop's own where the program is installed, else the one that is linked in.
+QIcon programIcon() {
+  QIcon linkedIn;
+  for (const int size : {16, 24, 32, 48, 64, 128, 256})
+    linkedIn.addFile(QStringLiteral(":/icons/hourbook-%1.png").arg(size));
+  return QIcon::fromTheme(QStringLiteral("hourbook"), linkedIn);
+}
 
 /// Told in a box and on the error output, for who starts the program from a terminal or a script.
 int refuseToStart(const QString& text) {
@@ -49,6 +58,7 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("hourbook"));
   QApplication::setDesktopFileName(QStringLiteral("hourbook"));
+  QApplication::setWindowIcon(programIcon());
   platform::dialogs::QtDialogs dialogs;
   const platform::dialogs::ScopedDialogs dialogsInForce(dialogs);
   try {

@@ -19,6 +19,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QSplitter>
 
 namespace hourbook {
@@ -30,6 +31,19 @@ namespace {
 inline constexpr int baseWidth = 920, baseHeight = 680;  // of a window on a screen with room
 
 const QString startPickerName = QStringLiteral("dtpStartDate");
+
+/// Side by side, and never broken apart.
+QBoxLayout* together(const QList<QWidget*>& widgets) {
+  auto* row = new QHBoxLayout;
+  for (QWidget* widget : widgets) row->addWidget(widget, 0, Qt::AlignBottom);
+  return row;
+}
+
+/// The desktop's own picture for what a button does; a desktop without one shows the text alone.
+QPushButton* withIcon(const char* name, QPushButton* button) {
+  button->setIcon(QIcon::fromTheme(QLatin1String(name)));
+  return button;
+}
 
 /// For a field with its label above.
 QBoxLayout* emptyColumn() {
@@ -111,7 +125,9 @@ QLayout* ReportWindow::periodRow() {
   line_ = new QLabel(this);
   forms::bind(form_.lnTo, line_);
   line_->hide();
-  QPushButton* get = button(form_.cmdGetValues, new QPushButton(this));
+  QPushButton* get = withIcon("view-refresh", button(form_.cmdGetValues, new QPushButton(this)));
+  auto* again = new QShortcut(Qt::Key_F5, this);
+  connect(again, &QShortcut::activated, get, &QPushButton::click);
   row->addLayout(startField_);
   row->addWidget(asHighAs(*get, line_));
   row->addLayout(endField_);
@@ -119,8 +135,10 @@ QLayout* ReportWindow::periodRow() {
   row->addLayout(field(form_.lblWeek, form_.cmbWeek, new QComboBox(this)));
   row->addWidget(get);
   row->addStretch();
-  row->addWidget(asHighAs(*get, button(form_.chkGrid, new QCheckBox(this))));
-  row->addLayout(field(form_.lblFilterCalendar, form_.cmbFilterCalendar, new QComboBox(this)));
+  QBoxLayout* shown = together({asHighAs(*get, button(form_.chkGrid, new QCheckBox(this)))});
+  shown->addSpacing(fontMetrics().height());
+  shown->addLayout(field(form_.lblFilterCalendar, form_.cmbFilterCalendar, new QComboBox(this)));
+  row->addLayout(shown);
   return row;
 }
 
@@ -192,26 +210,27 @@ QWidget* ReportWindow::splitViews() {
   splitter->addWidget(new ListPart(form_, this));
   splitter->addWidget(new StatisticsPart(form_, this));
   splitter->setStretchFactor(0, 3);
-  splitter->setStretchFactor(1, 1);
+  splitter->setStretchFactor(1, 2);
   splitter->setChildrenCollapsible(false);
   return splitter;
 }
 
 QLayout* ReportWindow::buttonRow() {
   auto* row = new FlowLayout;
+  QPushButton* add = withIcon("list-add", button(form_.cmdAddNew, new QPushButton(this)));
+  QPushButton* save = withIcon("document-save", button(form_.cmdSaveChanges, new QPushButton(this)));
+  QPushButton* print = withIcon("document-print", button(form_.cmdPrint, new QPushButton(this)));
   QPushButton* ok = button(form_.cmdOK, new QPushButton(this));
+  QPushButton* cancel = button(form_.cmdCancel, new QPushButton(this));
   row->addWidget(asHighAs(*ok, new StatusPart(form_, this)));
   row->addStretch();
-  row->addWidget(button(form_.cmdAddNew, new QPushButton(this)));
-  row->addWidget(button(form_.cmdSaveChanges, new QPushButton(this)));
-  row->addWidget(button(form_.cmdPrint, new QPushButton(this)));
-  row->addWidget(ok);
-  row->addWidget(button(form_.cmdCancel, new QPushButton(this)));
+  row->addLayout(together({add, save, print, ok, cancel}));
   ok->setDefault(true);
   return row;
 }
 
-void ReportWindow::orderTabs() {
+/// The controls in the order in which one reads them.
+QList<QWidget*> ReportWindow::readingOrder() const {
   static const QStringList order{
       QStringLiteral("dtpStartDate"),      QStringLiteral("dtpEndDate"),   QStringLiteral("cmbYear"),
       QStringLiteral("cmbMonth"),          QStringLiteral("cmbDay"),       QStringLiteral("txtDays"),
@@ -220,10 +239,15 @@ void ReportWindow::orderTabs() {
       QStringLiteral("cmbChartType"),      QStringLiteral("excThisWeek"),  QStringLiteral("cmdAddNew"),
       QStringLiteral("cmdSaveChanges"),    QStringLiteral("cmdPrint"),     QStringLiteral("cmdOK"),
       QStringLiteral("cmdCancel")};
+  QList<QWidget*> found;
+  for (const QString& name : order)
+    if (auto* widget = findChild<QWidget*>(name)) found.append(widget);
+  return found;
+}
+
+void ReportWindow::orderTabs() {
   QWidget* before = nullptr;
-  for (const QString& name : order) {
-    auto* widget = findChild<QWidget*>(name);
-    if (!widget) continue;
+  for (QWidget* widget : readingOrder()) {
     if (before) setTabOrder(before, widget);
     before = widget;
   }
@@ -246,6 +270,11 @@ void ReportWindow::Refresh() {
 }
 
 void ReportWindow::Show() {
+  for (QWidget* first : readingOrder()) {
+    if (focusWidget() || !first->isVisibleTo(this)) continue;
+    first->setFocus();
+    break;
+  }
   show();
   raise();
   activateWindow();

@@ -1,5 +1,5 @@
 #pragma once
-#include "workspace/FormMnemonics.h"
+#include "platform/forms/widgets/mnemonics.h"
 #include "workspace/ReportForm.h"
 
 #include <QDialog>
@@ -50,6 +50,7 @@ class ReportWindow : public QDialog, public ReportFormScreen {
   Widget* button(Button& control, Widget* widget);
   void takePicker(platform::forms::DTPicker* picker);
   void dropPicker(platform::forms::DTPicker* picker);
+  QList<QWidget*> readingOrder() const;
   void orderTabs();
   void sized(std::function<void()> setSize);
   template <class Widget>
@@ -57,7 +58,7 @@ class ReportWindow : public QDialog, public ReportFormScreen {
 
   ReportForm& form_;
   platform::forms::WindowPlaces* places_;
-  FormMnemonics mnemonics_;
+  platform::forms::Mnemonics mnemonics_;
   QBoxLayout* startField_ = nullptr;
   QBoxLayout* endField_ = nullptr;
   QLabel* line_ = nullptr;

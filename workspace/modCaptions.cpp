@@ -92,6 +92,15 @@ void captionButtons(ReportForm& form) {
   form.cmdPrint.setCaption(phrases().LNGPRINT);
 }
 
+/// Where a caption alone does not tell enough, or a key does the same.
+void explainControls(ReportForm& form) {
+  form.cmdGetValues.setToolTipText(phrases().LNGGETVALUES + QStringLiteral(" (F5)"));
+  form.cmdOK.setToolTipText(phrases().LNGREPORTTT);
+  form.cmdCancel.setToolTipText(phrases().LNGEXIT);
+  form.cmbFilterCalendar.setToolTipText(phrases().LNGFILTEROPTIONS);
+  form.tbsViews.setToolTipText(phrases().LNGSTATSTT);
+}
+
 }  // namespace
 
 void subSetLangCaptions() try {
@@ -103,6 +112,7 @@ void subSetLangCaptions() try {
   captionList(form);
   captionTabs(form);
   captionButtons(form);
+  explainControls(form);
   nameTheUnlabelled(form);
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("subSetLangCaptions"));

@@ -1,6 +1,7 @@
 #include "platform/forms/widgets/mnemonics.h"
 
 #include <QAbstractButton>
+#include <QHash>
 #include <QLabel>
 #include <QPointer>
 #include <QSet>
@@ -9,17 +10,51 @@ namespace platform::forms {
 
 namespace {
 
-/// Position of the letter for a caption, or -1.
-qsizetype choose(const QString& caption, const QSet<QChar>& taken) {
-  const auto isFree = [&](qsizetype i) {
-    return caption[i].isLetterOrNumber() && !taken.contains(caption[i].toLower());
-  };
-  for (qsizetype i = 0; i < caption.size(); ++i)
-    if ((i == 0 || caption[i - 1].isSpace()) && isFree(i)) return i;
-  for (qsizetype i = 0; i < caption.size(); ++i)
-    if (isFree(i)) return i;
-  return -1;
-}
+/// Gives letters to captions; a letter that stands in two is given so that both have one, where that can be.
+class Letters {
+ public:
+  explicit Letters(const QStringList& captions) : captions_(captions), chosen_(captions.size(), -1) {
+    for (qsizetype i = 0; i < captions.size(); ++i) {
+      QSet<QChar> asked;
+      give(i, asked);
+    }
+  }
+  /// Position of the letter, or -1.
+  qsizetype of(qsizetype caption) const { return chosen_[caption]; }
+
+ private:
+  /// The initials of words first, then all.
+  QList<qsizetype> wishes(const QString& caption) const {
+    QList<qsizetype> initials, others;
+    for (qsizetype i = 0; i < caption.size(); ++i)
+      if (caption[i].isLetterOrNumber()) (i == 0 || caption[i - 1].isSpace() ? initials : others).append(i);
+    return initials + others;
+  }
+
+  bool give(qsizetype caption, QSet<QChar>& asked) {
+    const QString& text = captions_[caption];
+    const QList<qsizetype> wished = wishes(text);
+    for (const qsizetype at : wished)
+      if (!owners_.contains(text[at].toLower())) return take(caption, at);
+    for (const qsizetype at : wished) {
+      const QChar letter = text[at].toLower();
+      if (asked.contains(letter)) continue;
+      asked.insert(letter);
+      if (give(owners_[letter], asked)) return take(caption, at);
+    }
+    return false;
+  }
+
+  bool take(qsizetype caption, qsizetype at) {
+    owners_[captions_[caption][at].toLower()] = caption;
+    chosen_[caption] = at;
+    return true;
+  }
+
+  const QStringList& captions_;
+  QList<qsizetype> chosen_;
+  QHash<QChar, qsizetype> owners_;  // by letter
+};
 
 /// Is it shown as soon as its window is? A widget of a window that was never shown is not hidden by anybody.
 bool isShown(const QWidget* widget) {
@@ -42,11 +77,11 @@ void setText(QWidget* widget, const QString& text) {
 }  // namespace
 
 QStringList Mnemonics::assigned(const QStringList& captions) {
-  QSet<QChar> taken;
+  const Letters letters(captions);
   QStringList texts;
-  for (const QString& caption : captions) {
-    const qsizetype at = choose(caption, taken);
-    if (at >= 0) taken.insert(caption[at].toLower());
+  for (qsizetype i = 0; i < captions.size(); ++i) {
+    const QString& caption = captions[i];
+    const qsizetype at = letters.of(i);
     texts.append(at < 0 ? escaped(caption) : escaped(caption.left(at)) + u'&' + escaped(caption.mid(at)));
   }
   return texts;

@@ -20,7 +20,8 @@ class Mnemonics : public QObject {
   void apply();
 
   /// The captions with "&" before the letter chosen: of each the first initial of a word that is still free,
-  /// else its first free letter or digit; without any the caption has no key.
+  /// else its first free letter or digit. Where all of them are taken, one that has others gives its own away;
+  /// a caption has no key only where there is none for it in any way.
   static QStringList assigned(const QStringList& captions);
 
  private:

@@ -1,11 +1,13 @@
 #include "platform/owc/view/frozenpanes.h"
 
+#include "platform/owc/view/gridlines.h"
 #include "platform/owc/view/sheetmodel.h"
 #include "platform/owc/view/sheetview.h"
 
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -56,6 +58,10 @@ class FrozenPane : public QTableView {
   }
 
  protected:
+  void paintEvent(QPaintEvent* event) override {
+    QTableView::paintEvent(event);
+    paintGridOver(*this, event->rect());
+  }
   void mousePressEvent(QMouseEvent* event) override {
     view_->endEdit();
     QTableView::mousePressEvent(event);

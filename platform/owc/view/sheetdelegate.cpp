@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
+
 namespace platform::owc {
 
 namespace {
@@ -27,6 +29,18 @@ QPen penOf(const BorderLine& line) {
   constexpr int hairlineAndThin = 2;
   const int width = line.weight <= hairlineAndThin ? 1 : line.weight - 1;
   return {forms::colorFromBgr(line.color), static_cast<qreal>(width), styles.value(line.style), Qt::FlatCap};
+}
+
+/// What a tooltip can show without filling the screen.
+QString bounded(QString text) {
+  constexpr qsizetype mostLetters = 2000, mostLines = 25;
+  qsizetype end = std::min(text.size(), mostLetters), line = 0;
+  for (qsizetype at = text.indexOf(u'\n'); at >= 0 && at < end; at = text.indexOf(u'\n', at + 1))
+    if (++line == mostLines) end = at;
+  if (end == text.size()) return text;
+  if (text[end - 1].isHighSurrogate()) --end;
+  text.truncate(end);
+  return text.append(u'\u2026');
 }
 
 void paintBorders(QPainter& painter, const QRect& cell, const CellFormat& format) {
@@ -74,7 +88,8 @@ QString SheetDelegate::toolTip(const QStyleOptionViewItem& option, const QModelI
   if (needed <= option.rect.width() && whole == shown.text) return {};
   // As plain text, whatever it looks like, with its line breaks.
   whole.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-  return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(whole.toHtmlEscaped());
+  whole.replace(u'\r', u'\n');
+  return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(bounded(whole).toHtmlEscaped());
 }
 
 bool SheetDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,

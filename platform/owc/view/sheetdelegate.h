@@ -4,7 +4,8 @@
 namespace platform::owc {
 
 /// Paints cells: interior colours fitted to the desktop's palette, right-to-left texts from the right, and a
-/// tooltip with the whole text for what the column cuts off; the lines at a cell's edges over the grid.
+/// tooltip for what the column cuts off (the whole text, as far as a screen shows it); the lines at a cell's
+/// edges over the grid.
 class SheetDelegate : public QStyledItemDelegate {
   Q_OBJECT
  public:

@@ -155,8 +155,11 @@ Qt::Alignment SheetModel::alignment(int row, int column) const {
 /// A column's heading stands over its contents.
 Qt::Alignment SheetModel::headerAlignment(int column) const {
   const bool own = header_ && sheet_->format(1, column).horizontalAlignment != 0;
-  if (own || body_.rows == 0) return alignment(1, column);
-  return alignment(body_.row, column);
+  const int row = own || body_.rows == 0 ? 1 : body_.row;
+  Qt::Alignment over = alignment(row, column) | Qt::AlignAbsolute;  // left and right as one sees them
+  if (over & Qt::AlignLeft && sheet_->text(row, column).isRightToLeft())
+    over = (over & ~Qt::AlignLeft) | Qt::AlignRight;
+  return over;
 }
 
 void SheetModel::gather(const CellRect& rect) {

@@ -3,6 +3,7 @@
 #include "platform/owc/clipboard.h"
 #include "platform/owc/view/cellediting.h"
 #include "platform/owc/view/frozenpanes.h"
+#include "platform/owc/view/gridlines.h"
 #include "platform/owc/view/sheetdelegate.h"
 #include "platform/owc/view/sheetmodel.h"
 #include "platform/process/process.h"
@@ -23,7 +24,7 @@ namespace {
 
 constexpr int narrowest = 48, widest = 200;  // of a column that fits its contents
 constexpr int air = 12;                      // so that a right-aligned column keeps off its neighbour
-constexpr int narrowestFirst = 160;
+constexpr int narrowestFirst = 120;
 constexpr int sampledRows = 50;
 
 }  // namespace
@@ -90,6 +91,11 @@ void SheetView::followFont() {
   constexpr int padding = 8;
   verticalHeader()->setMinimumSectionSize(fontMetrics().height());
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + padding);
+}
+
+void SheetView::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  paintGridOver(*this, event->rect());
 }
 
 void SheetView::changeEvent(QEvent* event) {

@@ -70,6 +70,7 @@ class SheetView : public QTableView, public SheetScreen {
   void cellsMoved();
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void inputMethodEvent(QInputMethodEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;

@@ -29,6 +29,7 @@ class Window : public testing::Test {
     w.form->Show();
     for (QWidget* top : QApplication::topLevelWidgets())
       if (top->objectName() == w.form->Name()) window = top;
+    QApplication::setActiveWindow(window);
     return *w.form;
   }
   /// Ends the window, as the end of the program does.

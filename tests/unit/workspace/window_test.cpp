@@ -1,6 +1,5 @@
 #include "reportwindow.h"
 #include "workspace/FlowLayout.h"
-#include "workspace/FormMnemonics.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -301,14 +300,6 @@ TEST_F(Window, ShowsTheHourglassWhileItFetches) {
   form.setMousePointer(11);
   form.setMousePointer(0);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-}
-
-TEST(Mnemonics, TakeTheFirstFreeInitialAndThenAnyFreeLetter) {
-  EXPECT_EQ(FormMnemonics::assigned({QStringLiteral("Print"), QStringLiteral("Get Posted"),
-                                     QStringLiteral("Go"), QStringLiteral("Gp"), QString(),
-                                     QStringLiteral("R&D"), QStringLiteral("P&G")}),
-            (QStringList{QStringLiteral("&Print"), QStringLiteral("&Get Posted"), QStringLiteral("G&o"),
-                         QStringLiteral("Gp"), QString(), QStringLiteral("&R&&D"), QStringLiteral("P&&G")}));
 }
 
 TEST(FlowingRow, TakesNoRoomForHiddenItems) {

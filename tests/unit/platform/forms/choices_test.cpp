@@ -290,6 +290,64 @@ TEST(DateBinding, TheUsersDayArrivesAndTheTimeOfDayStays) {
   EXPECT_EQ(edit.date(), QDate(2023, 1, 2));
 }
 
+TEST(DateBinding, TheFirstDayOfTheCalendarsWeekIsTheSystems) {
+  const platform::locale::ScopedLocale american(u"en_US"_s);
+  DTPicker control(u"dtpStartDate"_s);
+  QDateEdit edit;
+  bind(control, &edit);
+  EXPECT_EQ(edit.calendarWidget()->firstDayOfWeek(), Qt::Sunday);
+}
+
+TEST(DateBinding, ADateMayBeTypedWithItsSignsOrWithout) {
+  struct Typed {
+    const char* locale;
+    QDateTimeEdit::Section first;
+    const char* keys;
+  };
+  for (const Typed& typed : {Typed{"en_US", QDateTimeEdit::MonthSection, "6/3/2023"},
+                             {"en_US", QDateTimeEdit::MonthSection, "06/03/2023"},
+                             {"de_DE", QDateTimeEdit::DaySection, "03.06.2023"},
+                             {"de_DE", QDateTimeEdit::DaySection, "03062023"},
+                             {"sv_SE", QDateTimeEdit::YearSection, "2023-06-03"},
+                             {"fi_FI", QDateTimeEdit::DaySection, "3.6.2023"}}) {
+    const platform::locale::ScopedLocale system(QString::fromLatin1(typed.locale));
+    DTPicker control(u"dtpStartDate"_s);
+    control.setValue(Date::of(2024, 5, 15));
+    QDateEdit edit;
+    bind(control, &edit);
+    edit.setSelectedSection(typed.first);  // as the Tab key does on the way in
+    QTest::keyClicks(&edit, QString::fromLatin1(typed.keys));
+    EXPECT_EQ(control.Value(), Date::of(2023, 6, 3)) << typed.locale << ' ' << typed.keys;
+  }
+}
+
+TEST(DateBinding, TheCalendarDropsDownByTheKeysOfAnyDropDown) {
+  const platform::locale::ScopedLocale swedish(u"sv_SE"_s);
+  DTPicker control(u"dtpStartDate"_s);
+  control.setValue(Date::of(2024, 5, 15));
+  QDateEdit edit;
+  bind(control, &edit);
+  edit.show();
+  for (const auto& [key, modifier] :
+       {std::pair(Qt::Key_F4, Qt::NoModifier), {Qt::Key_Down, Qt::AltModifier}}) {
+    QTest::keyClick(&edit, key, modifier);
+    ASSERT_TRUE(edit.calendarWidget()->isVisible()) << key;
+    EXPECT_EQ(control.Value(), Date::of(2024, 5, 15)) << "the same key alone would count days";
+    edit.calendarWidget()->window()->close();
+  }
+}
+
+TEST(DateBinding, ADateReadsFromLeftToRightInEveryLayout) {
+  const platform::locale::ScopedLocale american(u"en_US"_s);
+  QWidget window;
+  window.setLayoutDirection(Qt::RightToLeft);
+  DTPicker control(u"dtpStartDate"_s);
+  control.setValue(Date::of(2024, 5, 15));
+  auto* edit = new QDateEdit(&window);
+  bind(control, edit);
+  EXPECT_EQ(edit->text(), u"5/15/2024"_s);
+}
+
 TEST(DateBinding, ADateThatIsNotSetDoesNotComeBackAsAnother) {
   const platform::locale::ScopedLocale swedish(u"sv_SE"_s);
   DTPicker control(u"dtpEndDate"_s);

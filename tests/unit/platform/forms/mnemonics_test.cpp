@@ -12,7 +12,14 @@ namespace platform::forms {
 TEST(CaptionKeys, AreTheFirstFreeInitialAndThenAnyFreeLetter) {
   EXPECT_EQ(
       Mnemonics::assigned({u"Print"_s, u"Get Posted"_s, u"Go"_s, u"Gp"_s, QString(), u"R&D"_s, u"P&G"_s}),
-      (QStringList{u"&Print"_s, u"&Get Posted"_s, u"G&o"_s, u"Gp"_s, QString(), u"&R&&D"_s, u"P&&G"_s}));
+      (QStringList{u"Pr&int"_s, u"G&et Posted"_s, u"G&o"_s, u"&Gp"_s, QString(), u"&R&&D"_s, u"&P&&G"_s}));
+}
+
+TEST(CaptionKeys, AreGivenAwayByACaptionThatHasOthers) {
+  EXPECT_EQ(Mnemonics::assigned({u"Od"_s, u"Den"_s, u"OK"_s, u"Do"_s}),
+            (QStringList{u"&Od"_s, u"D&en"_s, u"O&K"_s, u"&Do"_s}));
+  EXPECT_EQ(Mnemonics::assigned({u"AB"_s, u"BC"_s, u"A"_s, u"B"_s, u"AB"_s}),
+            (QStringList{u"A&B"_s, u"B&C"_s, u"&A"_s, u"B"_s, u"AB"_s}));
 }
 
 TEST(CaptionKeys, AreGivenOutAgainWhenACaptionOrItsVisibilityChanges) {

@@ -191,6 +191,69 @@ TEST_F(Views, ACutTextHasATooltipWithTheWholeTextAsPlainText) {
   EXPECT_TRUE(toolTip(2, 2).contains(u">a\nb<"_s)) << "also a short text whose line breaks do not show";
 }
 
+TEST_F(Views, ATooltipIsNeverLargerThanAScreen) {
+  set(2, 2, QString(1999, u'w') + u"\U0001F600"_s + QString(8000, u'w'));
+  EXPECT_TRUE(toolTip(2, 2).contains(QString(1999, u'w') + u"\u2026</p>"_s)) << "no half of a character";
+  set(2, 2, u"line\r\n"_s.repeated(300));
+  EXPECT_EQ(toolTip(2, 2).count(u"line"_s), 25);
+  set(2, 2, u"line\r"_s.repeated(300));
+  EXPECT_EQ(toolTip(2, 2).count(u"line"_s), 25);
+}
+
+TEST_F(Views, WhateverATextHoldsItsRowStaysOneLineHigh) {
+  const int height = view.rowHeight(0);
+  int row = 2;
+  for (const QString& text : {QString(10'000, u'x'), u"one\r\ntwo\nthree\u2028four"_s,
+                              u"<h1>big</h1><img src='file:///etc/passwd'>"_s,
+                              u"\u05E9\u05DC\u05D5\u05DD & \u0645\u0631\u062D\u0628\u0627"_s,
+                              u"\U0001F469\u200D\U0001F4BB \U0001F1F8\U0001F1EA"_s, u"a\tb"_s}) {
+    set(row, 1, text);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.rowHeight(row - 2), height) << row;
+    const QString shown = model().data(model().indexOf(row, 1), Qt::DisplayRole).toString();
+    for (const QChar c : {u'\n', u'\r', u'\t', u'\u2028'}) EXPECT_FALSE(shown.contains(c)) << row;
+    EXPECT_FALSE(view.viewport()->grab().isNull());
+    ++row;
+  }
+}
+
+TEST_F(Views, TheLinesBetweenCellsAreSeenOnADarkGroundToo) {
+  for (const QColor& ground : {QColor(255, 255, 255), QColor(30, 30, 30), QColor(0, 0, 0)}) {
+    const bool dark = ground.lightness() < 128;
+    QPalette palette(ground, dark ? QColor(45, 45, 48) : QColor(239, 239, 239));
+    palette.setColor(QPalette::Base, ground);
+    palette.setColor(QPalette::Text, dark ? Qt::white : Qt::black);
+    view.setPalette(palette);
+    QCoreApplication::processEvents();
+    const QRect cell = view.visualRect(model().indexOf(3, 2));
+    const QImage picture = view.viewport()->grab().toImage();
+    const QColor below = picture.pixelColor(cell.left() + 20, cell.bottom() + 1);
+    const QColor beside = picture.pixelColor(cell.right() + 1, cell.top() + 4);
+    EXPECT_GE(std::abs(below.lightness() - ground.lightness()), 25) << ground.name().toStdString();
+    EXPECT_EQ(below, beside) << ground.name().toStdString();
+  }
+}
+
+TEST_F(Views, NoLinesAreDrawnWhereTheSheetHasNone) {
+  QPalette dark(QColor(45, 45, 48), QColor(45, 45, 48));
+  dark.setColor(QPalette::Base, Qt::black);
+  dark.setColor(QPalette::Text, Qt::white);
+  view.setPalette(dark);
+  view.setShowGrid(false);
+  const QRect cell = view.visualRect(model().indexOf(3, 2));
+  EXPECT_EQ(view.viewport()->grab().toImage().pixelColor(cell.left() + 60, cell.bottom()), QColor(Qt::black));
+}
+
+TEST_F(Views, AHeadingStandsOverItsColumnFromRightToLeftToo) {
+  view.setLayoutDirection(Qt::RightToLeft);
+  for (const int column : {1, 2}) {
+    const int heading = view.model()->headerData(column - 1, Qt::Horizontal, Qt::TextAlignmentRole).toInt();
+    EXPECT_TRUE(heading & Qt::AlignLeft && heading & Qt::AlignAbsolute) << column;
+  }
+  set(2, 2, u"\u05E9\u05DC\u05D5\u05DD"_s);
+  EXPECT_TRUE(view.model()->headerData(1, Qt::Horizontal, Qt::TextAlignmentRole).toInt() & Qt::AlignRight);
+}
+
 TEST_F(Views, TheTitleIsTheAccessibleNameAndCellsReadTheirText) {
   sheet.setTitleBarCaption(u"Hours of the week"_s);
   EXPECT_EQ(view.accessibleName(), u"Hours of the week"_s);

@@ -64,7 +64,7 @@ TEST_F(Widths, TheFirstColumnStaysReadableInANarrowWindow) {
   show();
   view.resize(200, 300);
   QCoreApplication::processEvents();
-  EXPECT_EQ(width(1), 160);
+  EXPECT_EQ(width(1), 120);
 }
 
 TEST_F(Widths, AListThatIsFilledLaterIsFittedThen) {
