@@ -98,8 +98,6 @@ int doTheJob(const QString& profile, const QString& picture) {
   JobProcess process;
   const platform::process::ScopedProcess processInForce(process);
   companions::ConsoleDialogs answers;
-  answers.answer(u"You will not be able to change your reported time"_s, dialogs::vbYes);
-  answers.answer(u"Would you like to report for another period"_s, dialogs::vbNo);
   const dialogs::ScopedDialogs dialogsInForce(answers);
 
   hourbook::ProgramValues values;
@@ -107,6 +105,8 @@ int doTheJob(const QString& profile, const QString& picture) {
   parts.reportForms.insert(11, [] { return hourbook::frm2003Report(); });
   hourbook::Main(parts);
   if (!values.workspace->gReportForm) return fail(u"The program did not start."_s);
+  answers.answer(values.shell->LNGHBREPORTSURE1, dialogs::vbYes);
+  answers.answer(values.shell->LNGANOTHERWEEK, dialogs::vbNo);
   const auto rows = fetchAndReport(values, picture);
   if (!answers.unforeseen.isEmpty()) return fail(answers.unforeseen.first());
   return companions::proveReported(rows, configuration, profile + u"/database/Hourbook3.mdb"_s) ? 0 : 1;

@@ -4,6 +4,7 @@
 #include "platform/basic/convert.h"
 #include "platform/calendar/icalendar/icalendarstore.h"
 #include "platform/sql/sqlite/session.h"
+#include "shell/ShellValues.h"
 
 namespace companions {
 
@@ -69,7 +70,7 @@ bool proveReported(const QList<ListedRow>& listed, const hourbook::Configuration
                    const QString& databaseFile) {
   QList<ListedRow> expected;
   for (const ListedRow& row : listed)
-    if (row.status == u"Not Posted"_s) expected.append(row);
+    if (row.status == hourbook::phrases().LNGNOTPOSTED) expected.append(row);
   if (expected.isEmpty()) {
     say(u"There was nothing to report."_s);
     return false;

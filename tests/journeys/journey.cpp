@@ -102,7 +102,7 @@ void Journey::start() {
   run_ = std::make_unique<Run>(hourbook::Configuration::read(configuration()));
   if (busyTimeout > 0) registerDatabases(run_->components, busyTimeout);
   hourbook::StartParts parts;
-  parts.reportForms.insert(11, hourbook::frm2003Report);
+  parts.reportForms.insert(11, [] { return hourbook::frm2003Report(); });
   hourbook::Main(parts);
   QWidget* const shown = window();
   EXPECT_TRUE(!shown || QTest::qWaitForWindowExposed(shown));
@@ -161,13 +161,13 @@ void Journey::chooseFilter(int index) {
 }
 
 void Journey::pressOK() {
-  world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
+  world.dialogs.expect(hourbook::phrases().LNGHBREPORTSURE1, platform::dialogs::vbYes);
   click("cmdOK");
 }
 
 void Journey::reportAndStay() {
-  world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
-  world.dialogs.expect(anotherPeriod, platform::dialogs::vbYes);
+  world.dialogs.expect(hourbook::phrases().LNGHBREPORTSURE1, platform::dialogs::vbYes);
+  world.dialogs.expect(hourbook::phrases().LNGANOTHERWEEK, platform::dialogs::vbYes);
   click("cmdOK");
 }
 

@@ -1,4 +1,5 @@
 #include "journey.h"
+#include "shell/ShellValues.h"
 
 namespace tests {
 namespace {
@@ -35,7 +36,8 @@ Told reportAFortnight(const Place& place) {
     if (event.start.startsWith(u"202405") && !event.stamp.isEmpty()) told.stamps.append(event.stamp);
   told.stamps.removeDuplicates();
   j.fetch(may(2), may(15));
-  EXPECT_EQ(j.rows().filter(u"Not Posted"_s), QStringList{}) << "a stamp that is not understood again";
+  EXPECT_EQ(j.rows().filter(hourbook::phrases().LNGNOTPOSTED), QStringList{})
+      << "a stamp that is not understood again";
   return told;
 }
 
@@ -54,6 +56,23 @@ TEST(PlacesJourney, NameMonthsAndDaysInTheUsersLanguage) {
             (QStringList{u"Mai|Montag"_s, u"Mai|Dienstag"_s, u"Mai|Mittwoch"_s, u"Mai|Freitag"_s}));
 }
 
+TEST(PlacesJourney, SpeakTheSystemsLanguage) {
+  Journey j({u"de_DE"_s, "Europe/Berlin"});
+  j.start();
+  EXPECT_EQ(j.statuses().first(), u"Nicht gemeldet"_s);
+  j.world.dialogs.expect(
+      u"Sobald Sie Ihre gemeldeten Zeiten an die Datenbank übertragen haben, können Sie sie "
+      "nicht mehr ändern!\r\nMöchten Sie wirklich fortfahren?"_s,
+      platform::dialogs::vbYes);
+  j.world.dialogs.expect(
+      u"Die Zeiten dieses Zeitraums sind gemeldet!\r\n"
+      "Möchten Sie Zeiten für einen weiteren Zeitraum melden?"_s,
+      platform::dialogs::vbYes);
+  j.click("cmdOK");
+  EXPECT_EQ(j.statuses().first(), u"OK"_s);
+  EXPECT_GT(j.newReports().size(), 0);
+}
+
 TEST(PlacesJourney, StampInTheUsersDateForm) {
   EXPECT_EQ(reportAFortnight({u"de_DE"_s, "Europe/Berlin"}).stamps, QStringList{u"15.05.2024 10:00:00"_s});
   EXPECT_EQ(reportAFortnight({u"en_US"_s, "America/New_York"}).stamps,
@@ -63,7 +82,7 @@ TEST(PlacesJourney, StampInTheUsersDateForm) {
 TEST(PlacesJourney, ShowHoursWithAPointWhateverTheDecimalSign) {
   const QStringList listed = reportAFortnight({u"de_DE"_s, "Europe/Berlin"}).listed;
   EXPECT_TRUE(listed.contains(
-      u"Jour fixe; Größe, Maß|Müller Maschinenbau|Website|Travel|Fr 10.05.2024|1.25|Not Posted"_s))
+      u"Jour fixe; Größe, Maß|Müller Maschinenbau|Website|Travel|Fr 10.05.2024|1.25|Nicht gemeldet"_s))
       << qPrintable(listed.join(u'\n'));
 }
 
