@@ -97,6 +97,21 @@ TEST_F(StatisticsInTheWindow, AreGroupedByTheTabThatTheUserChooses) {
   EXPECT_EQ(view()->drawing().figures().categories, QStringList{u"Acme"_s});
 }
 
+TEST_F(StatisticsInTheWindow, AreReachedByTheKeyboardFromTheTabsToTheTypesToTheChart) {
+  openIn(u"en_US"_s);
+  QStringList order;
+  QWidget* const first = control("tbsViews");
+  for (QWidget* widget = first; order.size() < 3;) {
+    if (QStringList{u"tbsViews"_s, u"cmbChartType"_s, u"excThisWeek"_s, u"cmdOK"_s}.contains(
+            widget->objectName()))
+      order.append(widget->objectName());
+    widget = widget->nextInFocusChain();
+    if (widget == first) break;
+  }
+  EXPECT_EQ(order, (QStringList{u"tbsViews"_s, u"cmbChartType"_s, u"excThisWeek"_s}));
+  EXPECT_NE(control("excThisWeek")->focusPolicy() & Qt::TabFocus, 0);
+}
+
 TEST_F(StatisticsInTheWindow, BeginWithMondayWhereTheDatesDo) {
   const QList<std::pair<QString, QString>> mondays{{u"en_US"_s, u"Mon 5/13/2024"_s},
                                                    {u"de_DE"_s, u"Mo 13.05.2024"_s},
