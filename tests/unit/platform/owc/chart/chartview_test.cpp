@@ -63,10 +63,12 @@ class ChartViews : public testing::Test {
         frameFor(figuresOf(space), QRectF(QPointF(), size), view.font(), ChartColors(view.palette()));
     const QList<ChartText>& all = laidOut.texts;
     const QRectF picture = QRectF(QPointF(), size).adjusted(-1, -1, 1, 1);
+    QList<QRectF> inks;
+    for (const ChartText& text : all) inks.append(inkOf(text));
     for (qsizetype a = 0; a < all.size(); ++a) {
-      EXPECT_TRUE(picture.contains(inkOf(all[a]))) << what << ": " << qUtf8Printable(all[a].text);
+      EXPECT_TRUE(picture.contains(inks[a])) << what << ": " << qUtf8Printable(all[a].text);
       for (qsizetype b = a + 1; b < all.size(); ++b)
-        EXPECT_FALSE(inkOf(all[a]).intersects(inkOf(all[b])))
+        EXPECT_FALSE(inks[a].intersects(inks[b]))
             << what << ": " << qUtf8Printable(all[a].text + u" and "_s + all[b].text);
     }
   }
