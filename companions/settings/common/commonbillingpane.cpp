@@ -6,6 +6,7 @@
 
 #include <QComboBox>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -93,7 +94,10 @@ void CommonBillingPane::layOut() {
   row(lblUser, txtUser, lblUserProblem);
   row(lblPassword, txtPassword, lblPasswordProblem);
   row(new QLabel(texts::lastDownloadLabel), txtLastDownload, lblHint);
-  form->addRow(QString(), cmdDownload);
+  auto* alone = new QHBoxLayout;  // no wider than its text
+  alone->addWidget(cmdDownload);
+  alone->addStretch();
+  form->addRow(QString(), alone);
   form->addRow(QString(), lblDownload);
 }
 

@@ -56,7 +56,7 @@ void CommonListPane::connectTable() {
   key(QKeySequence::Paste, &CommonListPane::paste);
   const auto* delegate = static_cast<ValueDelegate*>(tblValues->itemDelegate());
   connect(delegate, &ValueDelegate::typed, this, [this](const QString& problem) {
-    refused_.clear();
+    forgetRefused();
     lblValuesProblem->show(problem);
   });
   connect(model_, &ValuesModel::refused, this, [this](const QString& text, const QString& reason) {
@@ -65,7 +65,7 @@ void CommonListPane::connectTable() {
     Q_EMIT edited();
   });
   connect(model_, &ValuesModel::edited, this, [this] {
-    refused_.clear();
+    forgetRefused();
     lblValuesProblem->clear();
     showCount();
     Q_EMIT edited();
@@ -87,7 +87,18 @@ bool CommonListPane::eventFilter(QObject* watched, QEvent* event) {
     if (tblValues->hasFocus() && (cell.flags() & Qt::ItemIsEditable)) tblValues->edit(cell);
     return true;
   }
+  // Told once, the refusal stands as long as the user stays with it.
+  if (told_ && watched == tblValues && event->type() == QEvent::FocusOut &&
+      static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason) {
+    forgetRefused();
+    lblValuesProblem->clear();
+  }
   return QWidget::eventFilter(watched, event);
+}
+
+void CommonListPane::forgetRefused() {
+  refused_.clear();
+  told_ = false;
 }
 
 void CommonListPane::checkNewName(const QString& text) {
@@ -192,7 +203,7 @@ void CommonListPane::reload() {
   txtSuperCategoryCaption->setText(list.superCategoryCaption);
   txtNewValue->clear();
   txtFilter->clear();
-  refused_.clear();
+  forgetRefused();
   clearProblems();
   const bool writable = buffer_.notWritable.isEmpty();
   for (QLineEdit* edit : {txtCaption, txtCategoryCaption, txtSuperCategoryCaption, txtNewValue})
@@ -270,7 +281,8 @@ QString CommonListPane::leftOver() {
   if (!refused_.isEmpty()) {
     lblValuesProblem->show(refused_);
     tblValues->setFocus();
-    return std::exchange(refused_, QString());
+    told_ = true;
+    return refused_;
   }
   const QString name = txtNewValue->text().trimmed();
   if (name.isEmpty()) return {};

@@ -102,6 +102,7 @@ void CommonListPane::makeTable() {
   tblValues->verticalHeader()->hide();
   QHeaderView* header = tblValues->horizontalHeader();
   const int letter = tblValues->fontMetrics().averageCharWidth();
+  header->setHighlightSections(false);
   header->setSectionResizeMode(QHeaderView::Interactive);
   header->setSectionResizeMode(ValuesModel::Name, QHeaderView::Stretch);
   header->resizeSection(ValuesModel::Category, 20 * letter);

@@ -47,6 +47,7 @@ class CommonListPane : public QWidget {
   void connectCaptions();
   void connectValues();
   void connectTable();
+  void forgetRefused();
   void checkNewName(const QString& text);
   void addTyped();
   void renameCurrent();
@@ -83,6 +84,7 @@ class CommonListPane : public QWidget {
   ValuesModel* model_;
   TextFilter* shown_;
   QString refused_;  // the text of a cell that was not taken, with the reason
+  bool told_ = false;
 };
 
 }  // namespace hourbook

@@ -13,6 +13,7 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QSignalBlocker>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -39,6 +40,19 @@ QString placeText(const ReportPlace& place, const CommonBuffer& buffer) {
   QString text = buffer.isNew ? texts::placeNew : texts::placeText.arg(buffer.place);
   if (place.choice == targetAsp) text += u' ' + texts::aspPlace;
   return text;
+}
+
+/// A database that is yet to be made is to be made elsewhere: what was typed for it goes there.
+void moveNewBuffer(CommonBuffer& buffer, CommonBuffer to) {
+  const bool ownTarget = buffer.edited.reportTo != buffer.stored.reportTo ||
+                         buffer.edited.reportToValue != buffer.stored.reportToValue;
+  const CommonContent fresh = to.stored;
+  to.edited = buffer.edited;
+  if (!ownTarget) {
+    to.edited.reportTo = fresh.reportTo;
+    to.edited.reportToValue = fresh.reportToValue;
+  }
+  buffer = to;
 }
 
 }  // namespace
@@ -76,6 +90,11 @@ void CommonSettingsPage::makeControls(const std::shared_ptr<BillingDownload>& do
   lblMessage->setObjectName(u"lblMessage"_s);
   tabSections = new QTabWidget(this);
   nameControl(tabSections, texts::sections, u"tabSections"_s);
+  nameControl(tabSections->tabBar(), texts::sections, u"tabSectionsBar"_s);
+  // Without a database the message stands at the top, where the sections leave it.
+  QSizePolicy size = tabSections->sizePolicy();
+  size.setRetainSizeWhenHidden(true);
+  tabSections->setSizePolicy(size);
   costPane_ = new CommonCostPane(buffer_);
   tabSections->addTab(costPane_, texts::costTab);
   for (int list = 0; list < 3; ++list) {
@@ -190,10 +209,23 @@ void CommonSettingsPage::readAgain() {
   Q_EMIT changed();
 }
 
-void CommonSettingsPage::aboutToShow() {
-  if (place_() == *readPlace_ || isChanged()) return;
+bool CommonSettingsPage::followPlace() {
+  const ReportPlace place = place_();
+  if (place == *readPlace_) return true;
+  if (readPlace_->isNew && place.isNew) {
+    moveNewBuffer(buffer_, readCommonSettings(place));
+    readPlace_ = place;
+    costPane_->reload();
+    return true;
+  }
+  if (isChanged()) return false;
   read();
   Q_EMIT changed();
+  return true;
+}
+
+void CommonSettingsPage::aboutToShow() {
+  if (!followPlace()) showMessage(texts::otherPlace.arg(buffer_.place));
 }
 
 QString CommonSettingsPage::title() const {
@@ -209,6 +241,7 @@ bool CommonSettingsPage::isChanged() const {
 
 QList<NamedList> CommonSettingsPage::commonLists() {
   QList<NamedList> lists;
+  followPlace();
   if (!reached_) return lists;
   for (const CommonList& list : buffer_.edited.lists) {
     if (list.caption.isEmpty()) continue;
@@ -231,8 +264,15 @@ QString CommonSettingsPage::leftOver() {
 }
 
 QString CommonSettingsPage::problem() {
+  const bool follows = followPlace();
   if (!isChanged()) return {};
   clearProblems();
+  if (!follows) {
+    const QString text = texts::otherPlace.arg(buffer_.place);
+    showMessage(text);
+    cmdReadAgain->setFocus();
+    return text;
+  }
   if (const QString text = leftOver(); !text.isEmpty()) return text;
   const QList<CommonProblem> problems = buffer_.problems();
   if (problems.isEmpty()) return {};

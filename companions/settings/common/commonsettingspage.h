@@ -39,6 +39,8 @@ class CommonSettingsPage : public SettingsPage {
   QWidget* makeOtherPane();
   /// Reads anew, and shows what was read or why it could not be.
   void read();
+  /// Goes with the other page to another database. False when what was changed here keeps it from that.
+  bool followPlace();
   void reload();
   void readAgain();
   void showMessage(const QString& text);

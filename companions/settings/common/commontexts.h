@@ -28,6 +28,10 @@ HOURBOOK_TEXT(
     changedByOthers,
     "Somebody else has changed the common settings since they were read (%1). Nothing has been saved. Use "
     "\"Read again\" to see what is stored now; what you changed here is lost then.");
+HOURBOOK_TEXT(
+    otherPlace,
+    "Reports are to go elsewhere now, but these are still the common settings of %1. Use \"Read again\" "
+    "to see those of the new place; what you changed here is lost then.");
 HOURBOOK_TEXT(readAgainLoses, "Read the common settings again? What you changed on this page is lost.");
 HOURBOOK_TEXT(saveFailed, "The common settings have not been saved: %1");
 HOURBOOK_TEXT(notAnswered,

@@ -50,8 +50,7 @@ QVariant ValuesModel::data(const QModelIndex& index, int role) const {
   const int column = index.column();
   switch (role) {
     case Qt::DisplayRole:
-      return column == Enabled ? QVariant() : cellText(value, column);
-    case Qt::EditRole:
+    case Qt::EditRole:  // of a flag, too: its box alone is hard to see on some backgrounds
       return cellText(value, column);
     case Qt::CheckStateRole:
       return column == Enabled ? QVariant(value.enabled ? Qt::Checked : Qt::Unchecked) : QVariant();

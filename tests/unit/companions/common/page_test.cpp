@@ -79,6 +79,17 @@ TEST_F(CommonPage, ThatIsThrownAwayHasChangedNothing) {
   EXPECT_TRUE(asked.isEmpty());
 }
 
+TEST_F(CommonPage, MayBeThrownAwayInTheMiddleOfTyping) {
+  const QString before = everything();
+  open();
+  leafTo(List1);
+  tabTo(u"tblValues"_s);
+  press(Qt::Key_F2);
+  type(u"x"_s);
+  page.reset();
+  EXPECT_EQ(everything(), before);
+}
+
 TEST_F(CommonPage, AppliesNothingWhenNothingIsChanged) {
   open();
   db.plan->statements.clear();
@@ -138,7 +149,29 @@ TEST_F(CommonPage, KeepsWhatWasTypedWhenAnotherPageChoosesAnotherDatabase) {
   where.value = u"elsewhere\\"_s;
   page->aboutToShow();
   EXPECT_TRUE(page->isChanged());
-  EXPECT_TRUE(tabs()->isVisible());
+  const QString text =
+      u"Reports are to go elsewhere now, but these are still the common settings of %1. Use \"Read again\" "
+      u"to "
+      "see those of the new place; what you changed here is lost then."_s.arg(db.folder.path());
+  EXPECT_TRUE(shows(text));
+  EXPECT_EQ(page->problem(), text) << "neither database gets what was meant for the other";
+  EXPECT_EQ(focused(), u"cmdReadAgain"_s);
+  where = place();
+  EXPECT_EQ(page->problem(), QString());
+}
+
+TEST_F(CommonPage, TakesWhatWasTypedAlongToAnotherPlaceOfANewDatabase) {
+  ReportPlace where{2, u"one\\"_s, true};
+  openAt([&] { return where; });
+  leafTo(List1);
+  tabTo(u"txtNewValue"_s);
+  type(u"Acme"_s);
+  press(Qt::Key_Return);
+  where.value = u"two\\"_s;
+  page->aboutToShow();
+  EXPECT_EQ(names(), QStringList{u"Acme"_s});
+  leafTo(Cost);
+  EXPECT_EQ(control<QLineEdit>(u"txtReportToValue"_s)->text(), u"two\\Hourbook3.mdb"_s);
 }
 
 TEST_F(CommonPage, OffersADatabaseThatIsYetToBeMadeWithItsFirstCaptions) {
@@ -245,7 +278,10 @@ TEST_F(CommonPage, TellsAboutACellThatCouldNotBeTaken) {
   control<QLineEdit>(u"txtFilter"_s)->setFocus();  // as a click elsewhere does
   EXPECT_EQ(page->problem(), u"\"much\": A rate is a number such as 450.50."_s);
   EXPECT_EQ(cell(0, 3), u"450.50"_s);
-  EXPECT_EQ(page->problem(), QString()) << "told once; the old rate stands";
+  EXPECT_EQ(page->problem(), u"\"much\": A rate is a number such as 450.50."_s);
+  EXPECT_EQ(focused(), u"tblValues"_s);
+  press(Qt::Key_Tab);
+  EXPECT_EQ(page->problem(), QString()) << "the user has seen it, and the old rate stands";
 }
 
 // ---- removed values

@@ -145,6 +145,20 @@ TEST_F(Dao, ATransactionThatEndsWithoutItsCommitLeavesNothing) {
   EXPECT_EQ(engine.OpenDatabase(path)->TableDefs(u"tblPersons"_qs)->Fields().size(), 1);
 }
 
+TEST_F(Dao, ATableMadeOverASessionBelongsToItsTransaction) {
+  sql::ConnectionString connection;
+  connection.set(u"Data Source"_qs, path);
+  auto session = sql::sqlite::SqliteDriver(0, sql::sqlite::Durability::ProcessEnd).connect(connection);
+  session->begin();
+  auto over = engine.DatabaseOver(std::move(session));
+  auto table = over->CreateTableDef(u"tblOver"_qs);
+  table->AppendField(table->CreateField(u"strName"_qs, dbText, 20));
+  over->AppendTableDef(table);
+  EXPECT_EQ(over->TableDefNames(), QStringList{u"tblOver"_qs});
+  over.reset();  // without a commit
+  EXPECT_TRUE(db->TableDefNames().isEmpty());
+}
+
 TEST_F(Dao, ATableIsAppendedWithAllItsFieldsAtOnce) {
   const auto table = db->CreateTableDef(u"tblOther"_qs);
   Field id = table->CreateField(u"intID"_qs, dbLong);
