@@ -1,11 +1,14 @@
 // hourbook-bench: the roads that a user waits for, each against its floor in the same run.
 #include "bench/roads.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication application(argc, argv);
   bench::measureOpening();
   bench::measureReporting();
+  bench::measureChart();
+  bench::measureWindow();
   return 0;
 }

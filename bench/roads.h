@@ -6,5 +6,10 @@ namespace bench {
 void measureOpening();
 /// Storing 199 rows, each committed by itself, against SQLite alone doing the same inserts.
 void measureReporting();
+/// Drawing the chart anew, and a change of the tab above it, against a bare chart of the library.
+void measureChart();
+
+/// Scrolling through 199 rows of the list, against a bare table with the same texts.
+void measureWindow();
 
 }  // namespace bench
