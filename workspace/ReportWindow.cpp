@@ -91,6 +91,14 @@ Widget* ReportWindow::asHighAs(const QWidget& neighbour, Widget* widget) {
   return widget;
 }
 
+/// A narrow window breaks its rows and needs more height for them; what a layout asks for by itself does not
+/// count that.
+void ReportWindow::resizeEvent(QResizeEvent* event) {
+  QDialog::resizeEvent(event);
+  const int needed = layout()->minimumHeightForWidth(width());
+  if (needed > 0) setMinimumHeight(qMin(needed, screen()->availableGeometry().height()));
+}
+
 void ReportWindow::changeEvent(QEvent* event) {
   QDialog::changeEvent(event);
   if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) return;
@@ -212,6 +220,7 @@ QWidget* ReportWindow::splitViews() {
   splitter->setStretchFactor(0, 3);
   splitter->setStretchFactor(1, 2);
   splitter->setChildrenCollapsible(false);
+  splitter->setSizes({7000, 3000});  // parts of the whole, until the user pulls it
   return splitter;
 }
 

@@ -36,6 +36,7 @@ class ReportWindow : public QDialog, public ReportFormScreen {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
 
  private:

@@ -62,6 +62,12 @@ void StatisticsPart::followFont() {
   chart_->setMinimumHeight(chart_->fontMetrics().height() * 6);
 }
 
+/// Where the tabs stand over the numbers the splitter has to leave more height.
+void StatisticsPart::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  setMinimumHeight(layout()->minimumHeightForWidth(width()));
+}
+
 void StatisticsPart::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) followFont();

@@ -20,6 +20,7 @@ class StatisticsPart : public QWidget {
   StatisticsPart(ReportForm& form, QWidget* parent);
 
  protected:
+  void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
 
  private:

@@ -24,7 +24,7 @@ namespace {
 
 constexpr int narrowest = 48, widest = 200;  // of a column that fits its contents
 constexpr int air = 12;                      // so that a right-aligned column keeps off its neighbour
-constexpr int narrowestFirst = 120;
+constexpr int narrowestFirst = 120, lettersOfFirst = 14;  // whichever is more
 constexpr int sampledRows = 50;
 
 }  // namespace
@@ -433,7 +433,8 @@ void SheetView::stretchFirst() {
   if (userWidths_.contains(column) || sheet_->columnWidth(column) > 0) return;
   const int others = horizontalHeader()->length() - columnWidth(first);
   const QScopedValueRollback following(following_, true);
-  setColumnWidth(first, std::max(narrowestFirst, viewport()->width() - others));
+  const int narrowest = std::max(narrowestFirst, fontMetrics().averageCharWidth() * lettersOfFirst);
+  setColumnWidth(first, std::max(narrowest, viewport()->width() - others));
 }
 
 }  // namespace platform::owc

@@ -19,11 +19,12 @@ calendar::Recurrence daily(int count) {
 }
 
 /// The list shows all appointments of Monday, 13 May, to Friday, 17 May 2024, unless a test says otherwise.
-class Fetching : public testing::Test {
+/// All of it holds for each generation of the spreadsheet component.
+class Fetching : public testing::TestWithParam<int> {
  protected:
   Fetching() {
     w.withDatePickers();
-    w.loadForm();
+    w.loadForm(static_cast<qint16>(GetParam()));
     w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 17));
     w.form->cmbFilterCalendar.setText(QStringLiteral("All appointments"));
   }
@@ -47,8 +48,9 @@ class Fetching : public testing::Test {
   }
   WorkspaceWorld w;
 };
+INSTANTIATE_TEST_SUITE_P(Generation, Fetching, testing::Values(9, 10, 11), testing::PrintToStringParamName());
 
-TEST_F(Fetching, PutsOneRowForEachAppointmentInOrderOfTime) {
+TEST_P(Fetching, PutsOneRowForEachAppointmentInOrderOfTime) {
   w.add(QStringLiteral("Later"), at(15, 14));
   w.add(QStringLiteral("Earlier"), at(14, 9));
   fetch();
@@ -56,7 +58,7 @@ TEST_F(Fetching, PutsOneRowForEachAppointmentInOrderOfTime) {
   EXPECT_EQ(w.workspace->gLastRow, 3);
 }
 
-TEST_F(Fetching, FillsTheColumnsOfARow) {
+TEST_P(Fetching, FillsTheColumnsOfARow) {
   w.add(QStringLiteral("Workshop"), at(15, 9), 75, complete);
   fetch();
   EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("Workshop"));
@@ -69,7 +71,7 @@ TEST_F(Fetching, FillsTheColumnsOfARow) {
   EXPECT_EQ(w.cell(QStringLiteral("H2")), QStringLiteral("5"));
 }
 
-TEST_F(Fetching, LeavesCellsOfEmptyMarkingsEmptyAndCountsThemAllTheSame) {
+TEST_P(Fetching, LeavesCellsOfEmptyMarkingsEmptyAndCountsThemAllTheSame) {
   w.add(QStringLiteral("Half marked"), at(15, 9), 60, QStringLiteral(";Website"));
   fetch();
   EXPECT_EQ(w.cell(QStringLiteral("B2")), QString());
@@ -77,14 +79,14 @@ TEST_F(Fetching, LeavesCellsOfEmptyMarkingsEmptyAndCountsThemAllTheSame) {
   EXPECT_EQ(w.cell(QStringLiteral("H2")), QStringLiteral("5"));
 }
 
-TEST_F(Fetching, ShowsTheWeekdayAndTheDateInTheSystemsFormat) {
+TEST_P(Fetching, ShowsTheWeekdayAndTheDateInTheSystemsFormat) {
   w.world.setLocale(QStringLiteral("sv_SE"));
   w.add(QStringLiteral("Workshop"), at(15, 9));
   fetch();
   EXPECT_EQ(w.cell(QStringLiteral("E2")), QStringLiteral("ons 2024-05-15"));
 }
 
-TEST_F(Fetching, ShowsTheDayOnWhichARowWasReported) {
+TEST_P(Fetching, ShowsTheDayOnWhichARowWasReported) {
   calendar::Item item = w.appointment(QStringLiteral("Done"), at(15, 9));
   item.billingInformation = QStringLiteral("5/15/2024 4:30:00 PM");
   w.calendar->add(w.folder, item);
@@ -92,7 +94,7 @@ TEST_F(Fetching, ShowsTheDayOnWhichARowWasReported) {
   EXPECT_EQ(w.cell(QStringLiteral("G2")), QStringLiteral("2024-05-15"));
 }
 
-TEST_F(Fetching, ShowsABillingTextThatIsNoDateAsItStands) {
+TEST_P(Fetching, ShowsABillingTextThatIsNoDateAsItStands) {
   calendar::Item item = w.appointment(QStringLiteral("Odd"), at(15, 9));
   item.billingInformation = QStringLiteral("by hand");
   w.calendar->add(w.folder, item);
@@ -100,7 +102,7 @@ TEST_F(Fetching, ShowsABillingTextThatIsNoDateAsItStands) {
   EXPECT_EQ(w.cell(QStringLiteral("G2")), QStringLiteral("by hand"));
 }
 
-TEST_F(Fetching, KeepsTheAppointmentBehindEachRowUnderItsNumber) {
+TEST_P(Fetching, KeepsTheAppointmentBehindEachRowUnderItsNumber) {
   w.add(QStringLiteral("First"), at(14, 9));
   w.add(QStringLiteral("Second"), at(15, 9));
   fetch();
@@ -111,7 +113,7 @@ TEST_F(Fetching, KeepsTheAppointmentBehindEachRowUnderItsNumber) {
   EXPECT_EQ(w.outlook->gRowItems.Count(), 2);
 }
 
-TEST_F(Fetching, TakesNothingOutsideOfThePeriod) {
+TEST_P(Fetching, TakesNothingOutsideOfThePeriod) {
   w.add(QStringLiteral("Day before"), at(12, 23, 30));
   w.add(QStringLiteral("First minute"), at(13, 0, 0));
   w.add(QStringLiteral("Last minute"), at(17, 23, 59));
@@ -120,20 +122,20 @@ TEST_F(Fetching, TakesNothingOutsideOfThePeriod) {
   EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("First minute"), QStringLiteral("Last minute")));
 }
 
-TEST_F(Fetching, SaysThatAnEmptyPeriodHasNoAppointments) {
+TEST_P(Fetching, SaysThatAnEmptyPeriodHasNoAppointments) {
   fetch();
   EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("No appointments found!"));
   EXPECT_EQ(w.form->exsThisWeek.ViewableRange(), QStringLiteral("A1:G2"));
   EXPECT_EQ(w.workspace->gLastRow, 1);
 }
 
-TEST_F(Fetching, ShowsAllRowsAndNoMore) {
+TEST_P(Fetching, ShowsAllRowsAndNoMore) {
   for (int hour = 8; hour < 12; ++hour) w.add(QStringLiteral("Meeting"), at(15, hour));
   fetch();
   EXPECT_EQ(w.form->exsThisWeek.ViewableRange(), QStringLiteral("A1:G5"));
 }
 
-TEST_F(Fetching, ForgetsTheRowsOfTheFetchBefore) {
+TEST_P(Fetching, ForgetsTheRowsOfTheFetchBefore) {
   w.add(QStringLiteral("Only on Tuesday"), at(14, 9), 60, complete);
   fetch();
   w.setPeriod(QDate(2024, 5, 15), QDate(2024, 5, 15));
@@ -143,7 +145,7 @@ TEST_F(Fetching, ForgetsTheRowsOfTheFetchBefore) {
     EXPECT_EQ(w.cell(QString::fromLatin1(address)), QString()) << address;
 }
 
-TEST_F(Fetching, SaysThatItIsFetchingWhileItDoes) {
+TEST_P(Fetching, SaysThatItIsFetchingWhileItDoes) {
   QString meanwhile;
   int pointer = 0;
   w.screen->onRefresh = [&] {
@@ -156,7 +158,7 @@ TEST_F(Fetching, SaysThatItIsFetchingWhileItDoes) {
   EXPECT_EQ(w.form->MousePointer(), 0);
 }
 
-TEST_F(Fetching, KeepsTheSheetsEventsOutMeanwhile) {
+TEST_P(Fetching, KeepsTheSheetsEventsOutMeanwhile) {
   bool fetching = false, events = true;
   w.screen->onRefresh = [&] {
     fetching = w.workspace->gFetching;
@@ -169,7 +171,7 @@ TEST_F(Fetching, KeepsTheSheetsEventsOutMeanwhile) {
   EXPECT_TRUE(w.form->exsThisWeek.EnableEvents);
 }
 
-TEST_F(Fetching, LocksTheHeaderAndTheWeekdayAndLeavesTheRestToTheUser) {
+TEST_P(Fetching, LocksTheHeaderAndTheWeekdayAndLeavesTheRestToTheUser) {
   w.add(QStringLiteral("Meeting"), at(15, 9));
   fetch();
   EXPECT_TRUE(w.form->exsThisWeek.ActiveSheet.Protection.Enabled);
@@ -180,7 +182,7 @@ TEST_F(Fetching, LocksTheHeaderAndTheWeekdayAndLeavesTheRestToTheUser) {
   for (const char* address : {"A2", "D200", "F2", "G200"}) EXPECT_FALSE(locked(address)) << address;
 }
 
-TEST_F(Fetching, HidesTheDropDownsOfTheRow) {
+TEST_P(Fetching, HidesTheDropDownsOfTheRow) {
   w.form->cmbMeta1.setVisible(true);
   w.form->cmbMeta2.setVisible(true);
   w.form->cmbMeta3.setVisible(true);
@@ -188,21 +190,21 @@ TEST_F(Fetching, HidesTheDropDownsOfTheRow) {
   EXPECT_FALSE(w.form->cmbMeta1.Visible() || w.form->cmbMeta2.Visible() || w.form->cmbMeta3.Visible());
 }
 
-TEST_F(Fetching, StopsTheCalculationForGoodOnTheNewerGenerations) {
-  fetch();
-  EXPECT_EQ(w.form->exsThisWeek.Calculation, platform::owc::xlCalculationManual);
-}
-
-TEST_F(Fetching, StopsTheCalculationOfGeneration9OnlyMeanwhile) {
-  w.loadForm(9);
+TEST_P(Fetching, StopsTheCalculationMeanwhileAndOnTheNewerGenerationsForGood) {
+  platform::owc::Spreadsheet& sheet = w.form->exsThisWeek;
+  if (GetParam() != 9) {
+    fetch();
+    EXPECT_EQ(sheet.Calculation, platform::owc::xlCalculationManual);
+    return;
+  }
   bool meanwhile = true;
-  w.screen->onRefresh = [&] { meanwhile = w.form->exsThisWeek.EnableAutoCalculate; };
+  w.screen->onRefresh = [&] { meanwhile = sheet.EnableAutoCalculate; };
   fetch();
   EXPECT_FALSE(meanwhile);
-  EXPECT_TRUE(w.form->exsThisWeek.EnableAutoCalculate);
+  EXPECT_TRUE(sheet.EnableAutoCalculate);
 }
 
-TEST_F(Fetching, ShowsOnlyCompletelyMarkedAppointmentsWhenAsked) {
+TEST_P(Fetching, ShowsOnlyCompletelyMarkedAppointmentsWhenAsked) {
   w.add(QStringLiteral("Complete"), at(15, 9), 60, complete);
   w.add(QStringLiteral("One value is missing"), at(15, 10), 60, QStringLiteral(";Acme;Website"));
   w.add(QStringLiteral("Unmarked"), at(15, 11));
@@ -212,7 +214,7 @@ TEST_F(Fetching, ShowsOnlyCompletelyMarkedAppointmentsWhenAsked) {
   EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("One value is missing"), QStringLiteral("Unmarked")));
 }
 
-TEST_F(Fetching, LeavesOutAllDayEventsWhenTheSettingsSaySo) {
+TEST_P(Fetching, LeavesOutAllDayEventsWhenTheSettingsSaySo) {
   w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14), 2);
   w.add(QStringLiteral("A day long"), at(15, 8), 1440);
   w.add(QStringLiteral("Longer than a day"), at(16, 8), 1441);
@@ -224,13 +226,13 @@ TEST_F(Fetching, LeavesOutAllDayEventsWhenTheSettingsSaySo) {
   EXPECT_THAT(w.subjects().size(), 3);
 }
 
-TEST_F(Fetching, CountsAnAllDayEventAs24HoursWithoutConversion) {
+TEST_P(Fetching, CountsAnAllDayEventAs24HoursWithoutConversion) {
   w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14));
   fetch();
   EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("24"));
 }
 
-TEST_F(Fetching, CountsAnAllDayEventAsTheSettingsHoursWithoutLunch) {
+TEST_P(Fetching, CountsAnAllDayEventAsTheSettingsHoursWithoutLunch) {
   w.personal().Convert24 = true;
   w.personal().RemoveLunch = true;
   w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14));
@@ -238,7 +240,7 @@ TEST_F(Fetching, CountsAnAllDayEventAsTheSettingsHoursWithoutLunch) {
   EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("8"));
 }
 
-TEST_F(Fetching, LeavesOutEverySensitivityButNormalWhenTheSettingsSaySo) {
+TEST_P(Fetching, LeavesOutEverySensitivityButNormalWhenTheSettingsSaySo) {
   using calendar::Sensitivity;
   int hour = 8;
   for (Sensitivity each :
@@ -252,7 +254,7 @@ TEST_F(Fetching, LeavesOutEverySensitivityButNormalWhenTheSettingsSaySo) {
   EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("0")));
 }
 
-TEST_F(Fetching, ShowsEachOccurrenceOfASeries) {
+TEST_P(Fetching, ShowsEachOccurrenceOfASeries) {
   w.calendar->addSeries(w.folder, w.appointment(QStringLiteral("Daily"), at(14, 9), 30, complete), daily(3));
   fetch();
   EXPECT_THAT(w.subjects(),
@@ -261,7 +263,7 @@ TEST_F(Fetching, ShowsEachOccurrenceOfASeries) {
   EXPECT_EQ(w.cell(QStringLiteral("B4")), QStringLiteral("Acme"));
 }
 
-TEST_F(Fetching, LeavesOutSeriesWhenTheSettingsSaySo) {
+TEST_P(Fetching, LeavesOutSeriesWhenTheSettingsSaySo) {
   w.calendar->addSeries(w.folder, w.appointment(QStringLiteral("Daily"), at(14, 9)), daily(3));
   w.add(QStringLiteral("Once"), at(15, 12));
   w.personal().FilterRecurring = true;
@@ -269,7 +271,7 @@ TEST_F(Fetching, LeavesOutSeriesWhenTheSettingsSaySo) {
   EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Once")));
 }
 
-TEST_F(Fetching, TakesTheMarkingOfAChangedOccurrenceFromItsSeries) {
+TEST_P(Fetching, TakesTheMarkingOfAChangedOccurrenceFromItsSeries) {
   const auto master = w.calendar->addSeries(
       w.folder, w.appointment(QStringLiteral("Weekly"), at(14, 9), 60, complete), daily(2));
   w.calendar->addException(w.folder, master, QStringLiteral("20240515T090000"),
@@ -279,7 +281,7 @@ TEST_F(Fetching, TakesTheMarkingOfAChangedOccurrenceFromItsSeries) {
   EXPECT_EQ(w.cell(QStringLiteral("B3")), QStringLiteral("Acme"));
 }
 
-TEST_F(Fetching, ShowsAMeetingRequestAsItsAppointmentOnTheRequestsDate) {
+TEST_P(Fetching, ShowsAMeetingRequestAsItsAppointmentOnTheRequestsDate) {
   const calendar::Item request = meetingRequest(at(15, 9));
   w.calendar->addMeetingRequest(w.folder, request,
                                 w.appointment(QStringLiteral("Meeting"), at(28, 10), 90, complete));
@@ -290,14 +292,14 @@ TEST_F(Fetching, ShowsAMeetingRequestAsItsAppointmentOnTheRequestsDate) {
   EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("1.5"));
 }
 
-TEST_F(Fetching, LeavesOutAMeetingRequestWithoutAnAppointmentAndGoesOn) {
+TEST_P(Fetching, LeavesOutAMeetingRequestWithoutAnAppointmentAndGoesOn) {
   w.calendar->addMeetingRequest(w.folder, meetingRequest(at(14, 9)), std::nullopt);
   w.add(QStringLiteral("Next"), at(15, 9));
   fetch();
   EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("Next")));
 }
 
-TEST_F(Fetching, LeavesOutARequestFromOutsideOfThePeriodThoughItsAppointmentLiesInside) {
+TEST_P(Fetching, LeavesOutARequestFromOutsideOfThePeriodThoughItsAppointmentLiesInside) {
   w.calendar->addMeetingRequest(w.folder, meetingRequest(at(28, 9)),
                                 w.appointment(QStringLiteral("Meeting"), at(15, 10), 60, complete));
   w.calendar->addMeetingRequest(w.folder, meetingRequest(at(18, 9)),
@@ -306,7 +308,7 @@ TEST_F(Fetching, LeavesOutARequestFromOutsideOfThePeriodThoughItsAppointmentLies
   EXPECT_EQ(w.workspace->gLastRow, 1);
 }
 
-TEST_F(Fetching, LogsThatItTakesTheAppointmentOfARequest) {
+TEST_P(Fetching, LogsThatItTakesTheAppointmentOfARequest) {
   w.calendar->addMeetingRequest(w.folder, meetingRequest(at(15, 9)),
                                 w.appointment(QStringLiteral("Meeting"), at(15, 10)));
   w.startLog();
@@ -314,7 +316,7 @@ TEST_F(Fetching, LogsThatItTakesTheAppointmentOfARequest) {
   EXPECT_TRUE(w.logged().contains(QStringLiteral("Getting the appointment from a meeting request")));
 }
 
-TEST_F(Fetching, ListsAChangedOccurrenceAsMarkedWhenItsSeriesIs) {
+TEST_P(Fetching, ListsAChangedOccurrenceAsMarkedWhenItsSeriesIs) {
   const auto master = w.calendar->addSeries(
       w.folder, w.appointment(QStringLiteral("Weekly"), at(14, 9), 60, complete), daily(2));
   w.calendar->addException(w.folder, master, QStringLiteral("20240515T090000"),
@@ -324,7 +326,7 @@ TEST_F(Fetching, ListsAChangedOccurrenceAsMarkedWhenItsSeriesIs) {
   EXPECT_EQ(w.cell(QStringLiteral("B3")), QStringLiteral("Acme"));
 }
 
-TEST_F(Fetching, ListsAChangedOccurrenceOfALostSeriesAsNotMarkedAndGoesOn) {
+TEST_P(Fetching, ListsAChangedOccurrenceOfALostSeriesAsNotMarkedAndGoesOn) {
   const auto master = w.calendar->addSeries(
       w.folder, w.appointment(QStringLiteral("Daily"), at(14, 9), 60, complete), daily(1));
   w.calendar->addException(w.folder, master, QStringLiteral("20240514T090000"),
@@ -342,7 +344,7 @@ TEST_F(Fetching, ListsAChangedOccurrenceOfALostSeriesAsNotMarkedAndGoesOn) {
   EXPECT_FALSE(w.workspace->gFetching);
 }
 
-TEST_F(Fetching, RunsOnOverTheTurnOfTheYear) {
+TEST_P(Fetching, RunsOnOverTheTurnOfTheYear) {
   const auto winter = [](int year, int month, int day) {
     return QDateTime(QDate(year, month, day), QTime(9, 0), QTimeZone("Europe/Stockholm"));
   };
@@ -355,7 +357,7 @@ TEST_F(Fetching, RunsOnOverTheTurnOfTheYear) {
   EXPECT_EQ(w.cell(QStringLiteral("E3")), QStringLiteral("Wed 1/1/2025"));
 }
 
-TEST_F(Fetching, TakesTheWholeOfADayOnWhichTheClocksAreSet) {
+TEST_P(Fetching, TakesTheWholeOfADayOnWhichTheClocksAreSet) {
   for (const QDate& day : {QDate(2024, 3, 31), QDate(2024, 10, 27)}) {
     const QTimeZone zone("Europe/Stockholm");
     w.addAllDay(QStringLiteral("Fair"), day);
@@ -370,7 +372,7 @@ TEST_F(Fetching, TakesTheWholeOfADayOnWhichTheClocksAreSet) {
   }
 }
 
-TEST_F(Fetching, SetsTheFontOfItsRowsAndLeavesRow200Alone) {
+TEST_P(Fetching, SetsTheFontOfItsRowsAndLeavesRow200Alone) {
   platform::owc::Spreadsheet& sheet = w.form->exsThisWeek;
   sheet.ActiveSheet.Protection.Enabled = false;
   sheet.Range(QStringLiteral("a1:g200")).setFontName(QStringLiteral("Courier"));
@@ -388,14 +390,14 @@ TEST_F(Fetching, SetsTheFontOfItsRowsAndLeavesRow200Alone) {
   }
 }
 
-TEST_F(Fetching, SaysNothingOf198Rows) {
+TEST_P(Fetching, SaysNothingOf198Rows) {
   for (int n = 0; n < 198; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
   fetch();
   EXPECT_EQ(w.workspace->gLastRow, 199);
   EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
 }
 
-TEST_F(Fetching, WarnsAt199RowsAndReadsNoFurther) {
+TEST_P(Fetching, WarnsAt199RowsAndReadsNoFurther) {
   for (int n = 0; n < 199; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
   w.world.dialogs.expect(QStringLiteral("more than 99"), 1);
   fetch();
@@ -409,14 +411,14 @@ TEST_F(Fetching, WarnsAt199RowsAndReadsNoFurther) {
   EXPECT_EQ(w.cell(QStringLiteral("A201")), QString());
 }
 
-TEST_F(Fetching, EndsTheProgramWithoutSettings) {
+TEST_P(Fetching, EndsTheProgramWithoutSettings) {
   w.settings->gPersonalSettings.reset();
   w.world.dialogs.expect(QStringLiteral("Sub routine : subGetData"), 7);
   EXPECT_ENDS_PROCESS(fetch());
   EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(QStringLiteral("#91")));
 }
 
-TEST_F(Fetching, EndsTheProgramUnderTheNameOfTheRowForHoursThatAreNoNumber) {
+TEST_P(Fetching, EndsTheProgramUnderTheNameOfTheRowForHoursThatAreNoNumber) {
   w.personal().Convert24 = true;
   w.personal().Convert24Hours = platform::basic::Value(QStringLiteral("abc"));
   w.addAllDay(QStringLiteral("Fair"), QDate(2024, 5, 14));
@@ -424,7 +426,7 @@ TEST_F(Fetching, EndsTheProgramUnderTheNameOfTheRowForHoursThatAreNoNumber) {
   EXPECT_ENDS_PROCESS(fetch());
 }
 
-TEST_F(Fetching, StopsAfterTheRow200AndSaysSo) {
+TEST_P(Fetching, StopsAfterTheRow200AndSaysSo) {
   for (int n = 0; n < 205; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
   w.world.dialogs.expect(QStringLiteral("more than 99 appointments\" & vbCrLf & \"Choose"), 1);
   fetch();
@@ -434,7 +436,7 @@ TEST_F(Fetching, StopsAfterTheRow200AndSaysSo) {
   EXPECT_FALSE(w.workspace->gFetching);
 }
 
-TEST_F(Fetching, KeepsAnOldRow200UntilTheNextOneIsWritten) {
+TEST_P(Fetching, KeepsAnOldRow200UntilTheNextOneIsWritten) {
   for (int n = 0; n < 199; ++n) w.add(QString::number(n + 1), at(15, 8).addSecs(n * 60));
   w.world.dialogs.expect(QStringLiteral("more than 99"), 1);
   fetch();
@@ -444,7 +446,7 @@ TEST_F(Fetching, KeepsAnOldRow200UntilTheNextOneIsWritten) {
   EXPECT_EQ(w.cell(QStringLiteral("A200")), QStringLiteral("199"));
 }
 
-TEST_F(Fetching, ShowsNothingWhenTheCalendarCannotBeSearched) {
+TEST_P(Fetching, ShowsNothingWhenTheCalendarCannotBeSearched) {
   w.add(QStringLiteral("Unreachable"), at(15, 9));
   failing()->failAlways(calendar::FailingStore::Operation::Items,
                         platform::Failure(calendar::errStoreBroken, QStringLiteral("The disk is gone")));
@@ -453,13 +455,13 @@ TEST_F(Fetching, ShowsNothingWhenTheCalendarCannotBeSearched) {
   EXPECT_FALSE(w.workspace->gFetching);
 }
 
-TEST_F(Fetching, EndsTheProgramWithoutACalendar) {
+TEST_P(Fetching, EndsTheProgramWithoutACalendar) {
   w.outlook->gCalendarFolder.reset();
   w.world.dialogs.expect(QStringLiteral("Sub routine : subGetData"), 7);
   EXPECT_ENDS_PROCESS(fetch());
 }
 
-TEST_F(Fetching, LogsTheFilterOfItsSearch) {
+TEST_P(Fetching, LogsTheFilterOfItsSearch) {
   w.add(QStringLiteral("Meeting"), at(15, 9));
   w.setPeriod(QDate(2024, 5, 13), QDate(2024, 5, 17));
   w.startLog();
@@ -482,7 +484,7 @@ TEST_F(Fetching, LogsTheFilterOfItsSearch) {
   }
 }
 
-TEST_F(Fetching, LogsEachMarkingThatItWrites) {
+TEST_P(Fetching, LogsEachMarkingThatItWrites) {
   w.add(QStringLiteral("Meeting"), at(15, 9), 60, complete);
   w.startLog();
   fetch();

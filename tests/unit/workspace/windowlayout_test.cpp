@@ -2,6 +2,7 @@
 #include "shell/modLanguage.h"
 
 #include <QAbstractItemView>
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
@@ -167,6 +168,18 @@ TEST_P(LayoutInLanguage, KeepsTheKeysApart) {
   }
 }
 
+TEST_F(Layout, TakesMoreHeightWhereItIsTooNarrow) {
+  show({1000, 500});
+  for (const int width : {480, 400, 340}) {
+    window->resize(width, 300);
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    SCOPED_TRACE(width);
+    expectAllInSight();
+    EXPECT_FALSE(placeOf(control("lblHours")).intersects(placeOf(control("excThisWeek"))));
+  }
+}
+
 class LayoutOfSize : public Layout, public testing::WithParamInterface<QSize> {};
 INSTANTIATE_TEST_SUITE_P(All, LayoutOfSize,
                          testing::Values(QSize(640, 480), QSize(800, 600), QSize(920, 680), QSize(1280, 800),
@@ -292,6 +305,19 @@ TEST_P(LayoutInScheme, HasReadableTexts) {
   }
   EXPECT_GE(strongestContrast(picture.copy(placeOf(control("exsThisWeek")))), GetParam().least);
   takePicture(QStringLiteral("scheme-") + QString::fromLatin1(GetParam().name));
+}
+
+TEST_P(LayoutInScheme, DropsItsCalendarDownWithWeekNumbers) {
+  show({1000, 700});
+  auto* start = control<QDateEdit>("dtpStartDate");
+  QTest::keyClick(start, Qt::Key_F4);
+  QCalendarWidget* calendar = start->calendarWidget();
+  ASSERT_TRUE(calendar->isVisible());
+  const QPixmap picture = calendar->grab();
+  EXPECT_GE(strongestContrast(picture.toImage()), GetParam().least);
+  const QString folder = qEnvironmentVariable("HOURBOOK_PICTURES");
+  if (!folder.isEmpty())
+    picture.save(QStringLiteral("%1/calendar-%2.png").arg(folder, QString::fromLatin1(GetParam().name)));
 }
 
 TEST_P(LayoutInScheme, ShowsWhatIsSelected) {
