@@ -18,8 +18,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QMessageBox>
-#include <QPushButton>
 
 #include <cstdio>
 
@@ -40,17 +38,18 @@ int refuse(const QString& text) {
 
 /// Who has no settings yet may look at the sample first.
 int askFirst() {
-  QMessageBox box(QMessageBox::Question, texts::firstTitle, texts::firstQuestion);
-  box.setInformativeText(texts::firstDetail);
-  const QPushButton* sample = box.addButton(texts::trySample, QMessageBox::AcceptRole);
-  const QPushButton* own = box.addButton(texts::setUp, QMessageBox::AcceptRole);
-  box.setEscapeButton(box.addButton(QMessageBox::Cancel));
-  box.exec();
-  if (box.clickedButton() == sample) return sampleWanted;
-  return box.clickedButton() == own ? saved : cancelled;
+  switch (desktopQuestions().choice(nullptr, texts::firstQuestion + u"\n\n"_s + texts::firstDetail,
+                                    {texts::trySample, texts::setUp})) {
+    case 0:
+      return sampleWanted;
+    case 1:
+      return saved;
+    default:
+      return cancelled;
+  }
 }
 
-int show() {
+int show(bool isFirstStart) {
   const QString folder = Configuration::defaultFolder();
   platform::automation::Components components;
   registerComponents(components, {});  // without a calendar: which one it is, is only chosen here
@@ -65,6 +64,8 @@ int show() {
   settings->showResolveRemovedItem = subShowResolveRemovedItem;
   LoadLanguages(fncGetlocalLanguage());
   shellValues().gListSeparator = fncGetListSeparator();
+  if (isFirstStart)
+    if (const int answer = askFirst(); answer != saved) return answer;
   SettingsStore store(folder);
   SettingsWindow window(store, desktopQuestions(), hasServerDriver(), [](std::function<ReportPlace()> place) {
     return makeCommonSettingsPage(std::move(place));
@@ -89,9 +90,7 @@ int main(int argc, char** argv) {
   platform::dialogs::QtDialogs dialogs;
   const platform::dialogs::ScopedDialogs dialogsInForce(dialogs);
   try {
-    if (parser.isSet(u"first-start"_s))
-      if (const int answer = askFirst(); answer != saved) return answer;
-    return show();
+    return show(parser.isSet(u"first-start"_s));
   } catch (const platform::Failure& failure) {
     return refuse(failure.description());
   }

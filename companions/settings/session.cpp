@@ -1,6 +1,9 @@
 #include "companions/settings/session.h"
 
+#include "companions/settings/personalpage.h"
 #include "companions/settings/texts.h"
+#include "platform/forms/widgets/mnemonics.h"
+#include "shell/ShellValues.h"
 
 #include <QFileDialog>
 #include <QMessageBox>
@@ -8,14 +11,23 @@
 
 namespace hourbook {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 int ask(QWidget* parent, const QString& text, const QStringList& answers) {
   QMessageBox box(QMessageBox::Question, texts::windowTitle, text, QMessageBox::NoButton, parent);
   box.setTextFormat(Qt::PlainText);
   QList<QPushButton*> buttons;
-  for (const QString& answer : answers) buttons.append(box.addButton(answer, QMessageBox::AcceptRole));
-  QPushButton* none = box.addButton(QMessageBox::Cancel);
+  const QStringList captions =
+      platform::forms::Mnemonics::assigned(answers + QStringList{phrases().LNGCANCEL});
+  for (qsizetype i = 0; i < answers.size(); ++i) {
+    auto* button = named(new QPushButton(captions[i]), answers[i], u"cmdAnswer%1"_s.arg(i + 1));
+    box.addButton(button, QMessageBox::AcceptRole);
+    buttons.append(button);
+  }
+  auto* none = named(new QPushButton(captions.last()), phrases().LNGCANCEL, u"cmdCancel"_s);
+  box.addButton(none, QMessageBox::RejectRole);
   box.setEscapeButton(none);
   box.exec();
   for (qsizetype i = 0; i < buttons.size(); ++i)

@@ -120,7 +120,9 @@ void SettingsWindow::step(int by) {
 
 void SettingsWindow::showPage(int row) {
   if (row < 0) return;
-  pages_[row]->aboutToShow();
+  // first of all, since other pages show its lists: the place of the reports may be another one now
+  if (common_) common_->aboutToShow();
+  if (pages_[row] != common_) pages_[row]->aboutToShow();
   stack_->setCurrentIndex(row);
 }
 

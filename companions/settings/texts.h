@@ -28,7 +28,6 @@ inline const QString placeRegistry = u"the personal settings (registry.ini)"_s;
 inline const QString placeAppointment = u"the settings kept in the calendar"_s;
 
 // First start
-inline const QString firstTitle = u"Welcome to Hourbook"_s;
 inline const QString firstQuestion = u"There are no settings yet."_s;
 inline const QString firstDetail =
     u"Hourbook can start on a sample, with appointments and a database of its own, and leave your calendar "

@@ -1,6 +1,8 @@
 #include "formcheck.h"
 #include "windowhome.h"
 
+#include <QTimer>
+
 using namespace Qt::StringLiterals;
 
 namespace hourbook::tests {
@@ -31,6 +33,8 @@ class Forms : public WindowHome {
     window->grab().save(title + u"-light.png"_s);
     QPalette dark(QColor(0x35, 0x35, 0x35));
     dark.setColor(QPalette::Base, QColor(0x20, 0x20, 0x20));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+      dark.setColor(QPalette::Disabled, role, QColor(0x90, 0x90, 0x90));
     QApplication::setPalette(dark);
     QApplication::processEvents();
     window->grab().save(title + u"-dark.png"_s);
@@ -60,6 +64,26 @@ TEST_F(Forms, OfAServerCanBeUsedByKeyboardAndAreNamed) {
   first.save(buffer);
   open(false, true);
   check();
+}
+
+TEST_F(Forms, ThatAskCanBeUsedByKeyboardAndAreNamed) {
+  int answer = -2;
+  QStringList faults;
+  const auto ask = [&](Qt::Key key) {
+    QTimer::singleShot(0, qApp, [&, key] {
+      QWidget* box = QApplication::activeModalWidget();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(box));
+      faults = formFaults(*box);
+      box->findChild<QWidget*>(u"cmdAnswer2"_s)->setFocus();
+      QTest::keyClick(QApplication::focusWidget(), key);
+    });
+    answer = desktopQuestions().choice(nullptr, u"Which?"_s, {u"One"_s, u"Other"_s});
+  };
+  ask(Qt::Key_Space);
+  EXPECT_EQ(answer, 1);
+  EXPECT_EQ(faults.join(u'\n'), QString());
+  ask(Qt::Key_Escape);
+  EXPECT_EQ(answer, -1);
 }
 
 TEST_F(Forms, WithProblemsInThemCanBeUsedByKeyboardAndAreNamed) {

@@ -447,6 +447,52 @@ TEST_F(Pages, AListWithoutValuesAndNoListAreRefused) {
   expectRefused("lstLists", texts::noLists);
 }
 
+TEST_F(Pages, WhoHasNoListsBeginsWithTheCommonOnesOfTheDatabaseChosen) {
+  SettingsStore first(config());
+  first.save(filledIn(first));
+  const QString database = path(u"database"_s);
+  ASSERT_TRUE(QDir(config()).removeRecursively());
+  open(true);
+  goTo(texts::targetPage);
+  type("txtFolder", database);
+  goTo(texts::listsPage);
+  EXPECT_EQ(items("lstLists"), (QStringList{phrases().LNGCUSTOMER, phrases().LNGTASK}));
+}
+
+TEST_F(Pages, AValueThatTheCommonListLacksIsNamed) {
+  SettingsStore first(config());
+  first.save(filledIn(first));
+  open(true);
+  goTo(texts::listsPage);
+  EXPECT_EQ(message("lblCommon"), texts::notCommon.arg(u"Acme, Bolt"_s));
+  press("cmdTakeCommon");
+  EXPECT_EQ(items("lstValues"), QStringList());
+  EXPECT_EQ(message("lblCommon"), QString());
+}
+
+TEST_F(Pages, ANewDatabaseIsNotMadeWithoutItsCommonSettings) {
+  write(path(u"calendar/.keep"_s), "");
+  open(true);
+  type("txtPersonName", u"Jane"_s);
+  answers.paths = {path(u"calendar"_s)};
+  press("cmdAddFolder");
+  goTo(texts::targetPage);
+  type("txtFolder", path(u"new"_s));
+  press("chkMakeDatabase");
+  goTo(texts::listsPage);
+  press("cmdAddList");
+  type("txtNewValue", u"Acme"_s);
+  press("cmdAddValue");
+  press("cmdTakeCommon");
+  press("cmdRemoveList");
+  type("txtNewValue", u"Support"_s);
+  press("cmdAddValue");
+  ok();
+  EXPECT_TRUE(isOpen());
+  EXPECT_TRUE(message("lblProblem").endsWith(texts::newNeedsCommon)) << qPrintable(message("lblProblem"));
+  EXPECT_FALSE(QFileInfo::exists(path(u"new"_s)));
+}
+
 // Others
 
 TEST_F(Pages, AChangeOfAnotherProgramIsNotOverwrittenWithoutAsking) {
