@@ -172,7 +172,6 @@ void CommonSettingsPage::read() {
     if (!buffer_.notWritable.isEmpty()) message = texts::readOnly.arg(buffer_.notWritable);
   } catch (const Failure& failure) {
     buffer_ = CommonBuffer();
-    buffer_.place = failure.description();
     reached_ = false;
     message = texts::unreachable.arg(failure.description());
   }

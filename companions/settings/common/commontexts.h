@@ -12,12 +12,10 @@ HOURBOOK_TEXT(sections, "Sections of the common settings");
 
 // ---- where they stand
 HOURBOOK_TEXT(readAgain, "Read a&gain");
-HOURBOOK_TEXT(placeName, "Where the common settings stand");
 HOURBOOK_TEXT(placeText, "All users of %1 share these settings.");
 HOURBOOK_TEXT(
     placeNew,
     "All users of the new database will share these settings. It is made when everything is saved.");
-HOURBOOK_TEXT(messageName, "Message");
 HOURBOOK_TEXT(unreachable, "The common settings cannot be read: %1");
 HOURBOOK_TEXT(noDatabase, "there is no database in %1.");
 HOURBOOK_TEXT(noListsTable, "the database in %1 has none.");
