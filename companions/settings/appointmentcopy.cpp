@@ -64,8 +64,11 @@ void requireWhole(const QString& text) {
 }
 
 std::shared_ptr<cPersonalSettings> settingsIn(AppointmentItem& item, const QString& text) {
-  auto settings = std::make_shared<cPersonalSettings>();
-  guarded([&] { settings->FromString(text); });
+  std::shared_ptr<cPersonalSettings> settings;
+  guarded([&] {
+    settings = std::make_shared<cPersonalSettings>();
+    settings->FromString(text);
+  });
   const auto property = [&](const QString& name, int type) { return fncGetOutlookValue(item, name, type); };
   settings->Convert24 = CBool(property(u"blnConvert24"_s, vbBoolean));
   settings->Convert24Hours = property(u"intConvert24Hours"_s, vbInteger);

@@ -36,11 +36,19 @@ files::ReadResult readOrMissing(const QString& path) {
   return read;
 }
 
-/// As the reports will carry it (see fncGetUserName).
+/// As the reports will carry it (see fncGetUserName); empty: they carry the log-on name.
 QString personIn(const QString& mailbox) {
   const QString separator = u" - "_s;
   const qsizetype found = mailbox.indexOf(separator);
-  return found < 0 ? mailbox : mailbox.mid(found + separator.size()).trimmed();
+  if (found >= 0) return mailbox.mid(found + separator.size()).trimmed();
+  return mailbox.contains(u',') ? mailbox : QString();
+}
+
+/// Fresh ones; what they look for at the start may be unreadable.
+std::shared_ptr<cPersonalSettings> freshSettings() {
+  std::shared_ptr<cPersonalSettings> settings;
+  guarded([&] { settings = std::make_shared<cPersonalSettings>(); });
+  return settings;
 }
 
 QList<NamedList> namedLists(const MetaDataCollection& collection) {
@@ -109,6 +117,7 @@ QString SettingsStore::keptTagOf(const SettingsBuffer& buffer) const {
 
 ReadSettings SettingsStore::read() {
   read_ = {};
+  overwrite_ = false;
   read_.buffer = defaultSettings();
   outside_.configuration = readOrMissing(configurationFile());
   outside_.registry = readOrMissing(registryFile());
@@ -142,7 +151,8 @@ void SettingsStore::readConfiguration(ReadSettings& read) {
 void SettingsStore::readRegistry(ReadSettings& read) const {
   const RegistryText registry(outside_.registry.bytes, registryFile());
   read.hasSettings = registry.has(u"ReportChoice"_s);
-  cPersonalSettings usual;
+  const auto product = freshSettings();
+  cPersonalSettings& usual = *product;
   if (!read.hasSettings) {
     take(read.buffer, read.notes, usual);
     read.buffer.databaseFolder = QDir::home().filePath(u"Hourbook"_s);
@@ -269,6 +279,7 @@ QStringList SettingsStore::changedOutside() {
 
 void SettingsStore::acceptOutside() {
   outside_ = look();
+  overwrite_ = true;
 }
 
 // Saving
@@ -288,7 +299,8 @@ void SettingsStore::save(const SettingsBuffer& buffer, const std::function<void(
   SettingsBuffer saved = buffer;
   saved.makeDatabase = false;
   read_ = {saved, {}, true, true, read_.kept};
-  acceptOutside();
+  overwrite_ = false;
+  tolerate([this] { outside_ = look(); });
 }
 
 void SettingsStore::steps(Undo& undo, const SettingsBuffer& buffer) {
@@ -304,8 +316,8 @@ void SettingsStore::steps(Undo& undo, const SettingsBuffer& buffer) {
 void SettingsStore::writeConfiguration(Undo& undo, const SettingsBuffer& buffer) const {
   QString error;
   ConfigurationDraft draft = readDraft(outside_.configuration.bytes, &error).value_or(ConfigurationDraft{});
-  // a mailbox of another form that gives the same name stays as it is
-  if (personIn(draft.mailboxName) != buffer.personName || draft.mailboxName.isEmpty())
+  // a mailbox of another form stays as it is while the name does
+  if (buffer.personName != read_.buffer.personName || draft.mailboxName.isEmpty())
     draft.mailboxName = mailboxPrefix + buffer.personName;
   draft.calendars = buffer.calendars;
   const bool opensFirst = draft.openCalendar.isEmpty() && !buffer.calendars.isEmpty() &&
@@ -331,7 +343,7 @@ QString SettingsStore::connectionText(const SqlServerLogin& login) {
 QString SettingsStore::reportValue(const SettingsBuffer& buffer) const {
   switch (buffer.reportChoice) {
     case reportToAccess:
-      return QDir::cleanPath(buffer.databaseFolder) + u'\\';
+      return buffer.databaseFolder.isEmpty() ? QString() : QDir::cleanPath(buffer.databaseFolder) + u'\\';
     case reportToSqlServer:
       return buffer.sqlServer.trusted ? connectionText(buffer.sqlServer) : connectionFolder() + u'\\';
     default:
@@ -370,21 +382,21 @@ void SettingsStore::fill(cPersonalSettings& settings, const SettingsBuffer& buff
 void SettingsStore::writeKept(Undo& undo, const SettingsBuffer& buffer) const {
   const CalendarEntry* open = openCalendarOf(buffer);
   if (!open || open->readOnly || !buffer.keepInCalendar) return;
-  cPersonalSettings settings;
-  fill(settings, buffer);
+  const auto settings = freshSettings();
+  fill(*settings, buffer);
   AppointmentCopy copy(absolute(*open));
   const KeptSettings kept = copy.read();
   const bool same = personalPart(buffer) == personalPart(read_.buffer) && kept.state == State::Intact &&
-                    kept.text == settings.fncBuildBody();
-  if (!same) copy.write(undo, settings);
+                    kept.text == settings->fncBuildBody();
+  if (!same) copy.write(undo, *settings);
 }
 
 void SettingsStore::writeRegistry(Undo& undo, const SettingsBuffer& buffer) const {
-  if (read_.hasSettings && read_.notes.isEmpty() && personalPart(buffer) == personalPart(read_.buffer))
-    return;
-  cPersonalSettings settings;
-  fill(settings, buffer);
-  const QByteArray bytes = registryWith(outside_.registry.bytes, settings);
+  const bool same = personalPart(buffer) == personalPart(read_.buffer);
+  if (read_.hasSettings && read_.notes.isEmpty() && same && !overwrite_) return;
+  const auto settings = freshSettings();
+  fill(*settings, buffer);
+  const QByteArray bytes = registryWith(outside_.registry.bytes, *settings);
   if (bytes == outside_.registry.bytes) return;
   stepWriteFile(undo, registryFile(), bytes, outside_.registry.fingerprint, files::FileMode::OwnerOnly);
 }

@@ -72,6 +72,7 @@ class SettingsStore {
   QString folder_;
   Outside outside_;
   ReadSettings read_;
+  bool overwrite_ = false;  // what another program has written since is to go
 };
 
 }  // namespace hourbook

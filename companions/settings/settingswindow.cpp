@@ -57,6 +57,7 @@ SettingsWindow::SettingsWindow(SettingsStore& store, SettingsQuestions questions
   session_.load();
   lstPages = new QListWidget(this);
   nameControl(lstPages, texts::pages, u"lstPages"_s);
+  lstPages->setToolTip(texts::pagesTip);
   stack_ = new QStackedWidget(this);
   auto calendar = std::make_unique<CalendarPage>(session_);
   connect(calendar.get(), &CalendarPage::takenOver, this, &SettingsWindow::loadPages);

@@ -59,12 +59,14 @@ void stepWriteFile(Undo& undo, const QString& path, const QByteArray& bytes,
   const files::ReadResult before = files::readFile(path);
   if (!before.ok && !before.missing) throw Failure(platform::failure::permissionDenied, before.error);
   const files::WriteResult written = files::replaceFile(path, bytes, expected, mode);
-  require(written, path);
-  undo.add([path, before, mode, after = written.fingerprint] {
+  const auto takeBack = [path, before, mode, after = written.fingerprint] {
     require(
         before.missing ? files::removeFile(path, after) : files::replaceFile(path, before.bytes, after, mode),
         path);
-  });
+  };
+  // a failure may have come when the new content stood there already
+  if (written.outcome == files::Outcome::Written || written.fingerprint.exists) undo.add(takeBack);
+  require(written, path);
 }
 
 void stepRemoveFile(Undo& undo, const QString& path) {

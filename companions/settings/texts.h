@@ -103,7 +103,9 @@ inline const QString passwordNote =
 
 inline const QString folderMissing = u"Choose the folder of the database."_s;
 inline const QString folderRelative = u"Give the whole path, beginning with \"/\"."_s;
-inline const QString folderNotThere = u"The folder %1 does not exist."_s;
+inline const QString folderNotThere =
+    u"The folder %1 does not exist. Choose another, or tick \"Make a new database in this folder\"."_s;
+inline const QString pagesTip = u"Ctrl+Page Up and Ctrl+Page Down go through the pages."_s;
 inline const QString folderNotWritable = u"You may not write to the folder %1."_s;
 inline const QString folderIsFile = u"%1 is a file and no folder."_s;
 inline const QString databaseNotThere =

@@ -225,6 +225,28 @@ TEST_F(Store, WhatAnotherProgramHasWrittenIsNotOverwrittenSilently) {
   EXPECT_EQ(registryValue(u"StartGrid"_s), u"False"_s);
 }
 
+TEST_F(Store, OnRequestEvenWhatWasNotChangedHereIsWrittenOverAnotherProgramsChange) {
+  save(filledIn(store));
+  const SettingsBuffer buffer = store.read().buffer;
+  setRegistryValue(u"StartGrid"_s, u"True"_s);
+  store.acceptOutside();
+  save(buffer);
+  EXPECT_EQ(registryValue(u"StartGrid"_s), u"False"_s);
+}
+
+TEST_F(Store, AMailboxWithoutANameStaysWhileNobodyTypesOne) {
+  save(filledIn(store));
+  const QString file = configFile(u"platform.ini"_s);
+  write(file, content(file).replace("Mailbox - Jane Doe", "Postfach"));
+  world.process.environment.insert(u"USERNAME"_s, u"jane"_s);
+  const auto before = everything();
+  SettingsStore again(config());
+  SettingsBuffer buffer = again.read().buffer;
+  EXPECT_EQ(buffer.personName, u"jane"_s);
+  again.save(buffer);
+  EXPECT_EQ(everything(), before);
+}
+
 TEST_F(Store, OtherValuesOfTheRegistryStay) {
   setRegistryValue(u"Another"_s, u"kept"_s);
   save(filledIn(store));
