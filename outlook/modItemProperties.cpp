@@ -20,12 +20,15 @@ namespace {
 
 inline constexpr int pieceLength = 1000;
 
-/// Where the n-th piece of a long text begins. A pair that stands for one character stays whole, since a
-/// calendar keeps no halves: it goes into the later piece.
+/// Are these two of one sign: halves of a character, or of a line break? A calendar keeps no half of either.
+bool belongTogether(QChar before, QChar after) {
+  return (before.isHighSurrogate() && after.isLowSurrogate()) || (before == u'\r' && after == u'\n');
+}
+
+/// Where the n-th piece of a long text begins. What belongs together goes into the later piece.
 qsizetype pieceStart(const QString& text, qint32 index) {
   const qsizetype start = qMin(qsizetype(index) * pieceLength, text.size());
-  const bool splits =
-      start > 0 && start < text.size() && text[start].isLowSurrogate() && text[start - 1].isHighSurrogate();
+  const bool splits = start > 0 && start < text.size() && belongTogether(text[start - 1], text[start]);
   return splits ? start - 1 : start;
 }
 

@@ -163,6 +163,15 @@ TEST_F(ItemProperties, APairOfHalvesIsNotSplit) {
   EXPECT_EQ(fncGetLongProperty(*item, u"S"_s), longText);
 }
 
+TEST_F(ItemProperties, ALineBreakIsNotSplit) {
+  const QString longText = QString(999, u'a') + u"\r\n"_s + QString(998, u'b') + u"\n\rc"_s;
+  subFixLongProperty(*item, longText, u"S"_s);
+  EXPECT_EQ(text(u"S0"_s), QString(999, u'a'));
+  EXPECT_EQ(text(u"S1"_s), u"\r\n"_s + QString(998, u'b') + u'\n');
+  EXPECT_EQ(text(u"S2"_s), u"\rc"_s);
+  EXPECT_EQ(fncGetLongProperty(*item, u"S"_s), longText);
+}
+
 TEST_F(ItemProperties, HigherPiecesOfAnOlderTextStayAndAreNotRead) {
   subFixLongProperty(*item, QString(2600, u'x'), u"S"_s);
   subFixLongProperty(*item, u"short"_s, u"S"_s);

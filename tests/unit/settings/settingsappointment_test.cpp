@@ -401,6 +401,40 @@ TEST_F(SettingsAppointmentFile, CarriesTheRegistrysSettingsToAnotherMachineWitho
   }
 }
 
+TEST_F(SettingsAppointmentFile, KeepsALineBreakThatWouldFallBetweenTwoPieces) {
+  makeAppointment();
+  cPersonalSettings settings;
+  settings.ReportChoice = 3;
+  // "3", a line break and 996 characters: the next line break begins at the 1000th character
+  settings.ReportValue = QString(996, u'x');
+  settings.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s}));
+  settings.SaveSettings();
+  ASSERT_EQ(settings.fncBuildBody().mid(999, 2), u"\r\n"_s);
+  EXPECT_EQ(fncGetLongProperty(*fncGetSettingAppointment(), u"Settings"_s), settings.fncBuildBody());
+  world.registry = platform::registry::MemoryRegistry();
+  cPersonalSettings again;
+  EXPECT_TRUE(again.GetValuesFromSettings());
+  EXPECT_EQ(again.fncBuildBody(), settings.fncBuildBody());
+}
+
+TEST_F(SettingsAppointmentFile, KeepsATextThatEndsWithAPiece) {
+  makeAppointment();
+  for (const int length : {500, 501, 1000, 1500, 2000, 2500}) {
+    cPersonalSettings settings;
+    settings.ReportChoice = 3;
+    settings.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s}));
+    settings.ReportValue =
+        QString(length - settings.fncBuildBody().size() + settings.ReportValue.size(), u'x');
+    settings.SaveSettings();
+    ASSERT_EQ(settings.fncBuildBody().size(), length);
+    world.registry = platform::registry::MemoryRegistry();
+    cPersonalSettings again;
+    EXPECT_TRUE(again.GetValuesFromSettings());
+    EXPECT_EQ(again.fncBuildBody(), settings.fncBuildBody());
+    EXPECT_EQ(fncGetSettingAppointment()->Categories(), settings.fncMetadataList());
+  }
+}
+
 TEST_F(SettingsAppointment, IsNotMadeBySaving) {
   memory->removeByAnother(folderInfo.id, stored(settingAppointmentName).key);
   cPersonalSettings().SaveSettings();
