@@ -278,6 +278,15 @@ TEST_F(Start, StopsWithoutAMetaListHoweverRightTheOtherSettingsAre) {
   EXPECT_EQ(values.workspace->gReportForm, nullptr);
 }
 
+TEST_F(Start, StopsWithSettingsThatCannotBeReadThoughTheirListsCan) {
+  set("StartGrid", QStringLiteral("perhaps"));
+  expectMessage(QStringLiteral("Failed to read settings for the active Outlook folder!"));
+  start();
+  EXPECT_EQ(values.settings->gPersonalSettings->MetaDataLists.Count(), 1);
+  EXPECT_EQ(values.settings->gGlobalSettings, nullptr);
+  EXPECT_EQ(values.workspace->gReportForm, nullptr);
+}
+
 TEST_F(Start, EndsWithThePathOfADatabaseThatCannotBeReached) {
   expectMessage(QStringLiteral("Unable to reach \r\n") + world.programFolder() +
                 QStringLiteral("\\\\Hourbook3.mdb"));
@@ -336,6 +345,25 @@ TEST_F(WithoutAChart, SaysOnNoThatItShutsDownAndEnds) {
   world.dialogs.expect(QStringLiteral("Hourbook for Outlook Reporting will now shut down!"), 1);
   EXPECT_ENDS_PROCESS(start());
   EXPECT_TRUE(world.process.opened.isEmpty());
+}
+
+TEST_F(WithoutAChart, AsksInAPlainBoxWhereThereIsNoAssistant) {
+  class NoAssistant : public platform::dialogs::ScriptedDialogs {
+   public:
+    int DoAlert(const QString&, const QString&, int, int) override {
+      throw platform::Failure(platform::failure::cantCreateObject, QStringLiteral("No assistant"));
+    }
+  };
+  NoAssistant dialogs;
+  const platform::dialogs::ScopedDialogs inForce(dialogs);
+  dialogs.expect(question, vbNo);
+  dialogs.expect(QStringLiteral("Hourbook for Outlook Reporting will now shut down!"), 1);
+  EXPECT_ENDS_PROCESS(start());
+  ASSERT_EQ(dialogs.shown.size(), 2);
+  EXPECT_EQ(dialogs.shown[0].kind, platform::dialogs::Shown::Kind::MsgBox);
+  EXPECT_EQ(dialogs.shown[0].options, platform::dialogs::vbYesNo + platform::dialogs::vbQuestion);
+  EXPECT_EQ(dialogs.shown[0].title, QStringLiteral("Hourbook for Outlook Reporting"));
+  EXPECT_EQ(dialogs.shown[1].options, platform::dialogs::vbInformation);
 }
 
 TEST_F(Start, InTheGridFetchesOnceMore) {

@@ -122,6 +122,8 @@ TEST_F(GlobalSettings, CaptionsThatCannotBeWrittenAreTakenAllTheSame) {
   cGlobalSettings settings;
   EXPECT_TRUE(read(settings));
   EXPECT_EQ(settings.MetaDataLists.Item(1)->Caption, u"Customer"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(2)->Caption, u"Task"_s);
+  EXPECT_EQ(settings.MetaDataLists.Item(3)->Caption, QString());
   EXPECT_EQ(captionRows(), 0);
 }
 

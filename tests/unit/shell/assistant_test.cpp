@@ -109,4 +109,20 @@ TEST_F(Assistant, AMessageAndAQuestionBringOutlooksWindowToTheFrontFirst) {
   EXPECT_EQ(window->activations, 2);
 }
 
+TEST_F(Assistant, AWindowThatCannotBeBroughtToTheFrontKeepsNothingFromBeingShown) {
+  class Window : public platform::outlook::Explorer {
+   public:
+    using Explorer::Explorer;
+    void Activate() override { throw Failure(5, u"no such window"_s); }
+  };
+  const auto window = std::make_shared<Window>(nullptr);
+  window->active = true;
+  application->Explorers().list = {window};
+  world.dialogs.expect(u"Check this!"_s, vbOK);
+  fncShowAssistantMessage(application, u"Check this!"_s);
+  world.dialogs.expect(u"Go?"_s, vbYes);
+  EXPECT_EQ(fncAskAssistant(application, u"Go?"_s), 6);
+  EXPECT_EQ(world.dialogs.shown.last().kind, Shown::Kind::Alert);
+}
+
 }  // namespace hourbook::tests

@@ -96,6 +96,14 @@ TEST_F(SystemServices, WithoutARegisteredBrowserTheDesktopOpensTheUrl) {
   EXPECT_TRUE(world.process.started.isEmpty());
 }
 
+TEST_F(SystemServices, ABrowserThatDoesNotStartSaysNothing) {
+  world.process.startFailure = u"not found"_s;
+  EXPECT_NO_THROW(subOpenInBrowser(u"http://example.org/"_s));
+  registerBrowser(u"/opt/web/browser %1"_s);
+  EXPECT_NO_THROW(subOpenInBrowser(u"http://example.org/"_s));
+  EXPECT_TRUE(world.dialogs.shown.isEmpty());
+}
+
 TEST_F(SystemServices, ABrowserRegisteredAsAnythingButATextIsNone) {
   registerBrowser(qint32(1));
   EXPECT_EQ(fncGetDefaultBrowser(), QString());
