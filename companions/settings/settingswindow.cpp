@@ -35,16 +35,18 @@ class PageArea : public QScrollArea {
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
       if (now && isAncestorOf(now)) ensureWidgetVisible(now);
     });
   }
-  /// As wide as the page needs: it scrolls up and down only.
+  /// As wide as the page needs, so that it scrolls up and down only; unless the screen is too narrow for
+  /// that.
   QSize minimumSizeHint() const override {
     const QSize usual = QScrollArea::minimumSizeHint();
-    return {widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width(), usual.height()};
+    const int needed = widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width();
+    return {qBound(usual.width(), needed, qMax(usual.width(), mostWidth)), usual.height()};
   }
+  int mostWidth = 0;
 };
 
 }  // namespace
@@ -111,6 +113,10 @@ void SettingsWindow::layOut() {
     connect(shortcut, &QShortcut::activated, this, [this, step = by] { this->step(step); });
   }
   const QRect room = screen()->availableGeometry();
+  const int beside =
+      lstPages->width() + 4 * fontMetrics().horizontalAdvance(u"0000"_s);  // the list and the margins
+  for (auto* area : stack_->findChildren<QScrollArea*>(Qt::FindDirectChildrenOnly))
+    static_cast<PageArea*>(area)->mostWidth = room.width() - beside;
   resize(qMin(baseWidth, room.width()), qMin(baseHeight, room.height()));
 }
 

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMap>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTest>
@@ -75,9 +76,18 @@ QStringList letterFaults(QWidget& form) {
   return faults;
 }
 
+/// What scrolls a control; null for one that stands still.
+const QWidget* scrollerOf(const QWidget* control) {
+  for (const QWidget* around = control->parentWidget(); around; around = around->parentWidget())
+    if (qobject_cast<const QScrollArea*>(around)) return around;
+  return nullptr;
+}
+
 /// Of a control and the one behind it in Tab's order: is the second above the first, in the same column or
 /// row of the form?
 bool goesBack(const QWidget& form, const QWidget* first, const QWidget* second) {
+  // what is scrolled stands nowhere in particular beside what is not
+  if (scrollerOf(first) != scrollerOf(second)) return false;
   const QRect one(first->mapTo(&form, QPoint()), first->size());
   const QRect two(second->mapTo(&form, QPoint()), second->size());
   const bool sameRow = one.top() <= two.bottom() && two.top() <= one.bottom();
