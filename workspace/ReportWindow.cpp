@@ -275,7 +275,10 @@ void ReportWindow::setMousePointer(int pointer) {
 }
 
 void ReportWindow::Refresh() {
-  if (isVisible()) repaint();
+  if (!isVisible()) return;
+  // A window that is painted at once paints itself; its parts only as far as they wait to be painted.
+  for (QWidget* part : findChildren<QWidget*>()) part->update();
+  repaint();
 }
 
 void ReportWindow::Show() {

@@ -2,7 +2,9 @@
 #include "workspace/modGetData.h"
 #include "workspace/modStatusLine.h"
 
+#include <QAbstractItemView>
 #include <QProgressBar>
+#include <QScreen>
 
 namespace tests {
 namespace {
@@ -116,6 +118,9 @@ TEST_F(SlowFetch, ShowsASignThatIsPaintedWhileTheThreadIsBusy) {
   QObject::connect(w.form.get(), &ReportForm::listFetching, w.form.get(), [&] {
     said.append(status());
     busy.append(control("progress")->isVisible());
+    const QString folder = qEnvironmentVariable("HOURBOOK_PICTURES");
+    if (!folder.isEmpty() && said.size() == 9)  // what the screen shows, not what the window would paint
+      QGuiApplication::primaryScreen()->grabWindow(0).save(folder + QStringLiteral("/busy.png"));
   });
   subGetData();
   EXPECT_EQ(said.size(), 15);
@@ -125,6 +130,21 @@ TEST_F(SlowFetch, ShowsASignThatIsPaintedWhileTheThreadIsBusy) {
   EXPECT_GE(text.count, 14);
   EXPECT_FALSE(control("progress")->isVisible());
   EXPECT_TRUE(status().endsWith(QStringLiteral("3.8\u00a0s"))) << status().toStdString();
+}
+
+TEST_F(SlowFetch, PaintsItsSignOfLifeInTheListBeforeItReadsTheFirstItem) {
+  Paints list(control<QAbstractItemView>("exsThisWeek")->viewport());
+  QList<int> painted;
+  QObject::connect(w.form.get(), &ReportForm::listFetching, w.form.get(), [&](double part) {
+    painted.append(list.count);
+    if (part > 0) {
+      EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("Day 1"));
+    }
+  });
+  subGetData();
+  ASSERT_GE(painted.size(), 2);
+  EXPECT_EQ(painted[0], 0);
+  EXPECT_EQ(painted[1], 1);
 }
 
 TEST_F(SlowFetch, TellsHowFarItHasComeInThePeriod) {
