@@ -9,7 +9,10 @@ class SheetView;
 
 namespace hourbook {
 
-/// The list with the drop-downs that lie over the row being marked. It is as large as the list.
+class RowDropDown;
+
+/// The list with the drop-downs that lie over the row being marked, each over its column as long as that is
+/// in sight. It is as large as the list.
 class ListPart : public QWidget {
   Q_OBJECT
  public:
@@ -17,11 +20,27 @@ class ListPart : public QWidget {
 
  protected:
   void changeEvent(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  struct DropDown {
+    platform::forms::ComboBox* control;
+    RowDropDown* widget;
+    int column;
+  };
+  void addDropDown(platform::forms::ComboBox& control, int column);
   void followFont();
+  void followCells();
+  void lay(const DropDown& dropDown);
+  void followContents(const platform::owc::CellRect& changed);
+  void showCell(const DropDown& dropDown);
+  void makeRoomFor(const QWidget* focused);
+  bool openDropDown();
+
   ReportForm& form_;
   platform::owc::SheetView* list_;
+  QList<DropDown> dropDowns_;
 };
 
 }  // namespace hourbook

@@ -6,6 +6,10 @@
 #include <memory>
 #include <optional>
 
+namespace platform::outlook {
+class AppointmentItem;
+}
+
 namespace hourbook {
 
 class cRowInfo;
@@ -32,6 +36,11 @@ struct WorkspaceValues {
   qint16 gCurrentRow = 0;
   std::shared_ptr<cRowInfo> gOldRow;
   std::shared_ptr<cRowInfo> gNewRow;
+  /// The appointment whose row `gOldRow` was read for the change to come; null when that change has come. Set
+  /// by the newer forms. A fetch makes the appointments anew, so what was read before it fits none of them.
+  std::shared_ptr<platform::outlook::AppointmentItem> oldRowOf;
+  /// The appointment whose row has the drop-downs, in sight or not; null: none has. Set by each selection.
+  std::shared_ptr<platform::outlook::AppointmentItem> dropDownsOf;
 
   /// The week grid; null as long as nothing makes one. Made by `Main`, or when `chkGrid` is first touched.
   std::shared_ptr<GridView> gGridView;

@@ -7,8 +7,10 @@
 #include "shell/modXPlooks.h"
 #include "shell/ShellValues.h"
 #include "workspace/modChart.h"
+#include "workspace/modDropDowns.h"
 #include "workspace/modGetData.h"
 #include "workspace/modReportFlow.h"
+#include "workspace/modRowEvents.h"
 #include "workspace/modStatistics.h"
 #include "workspace/ReportForm.h"
 #include "workspace/WorkspaceValues.h"
@@ -49,8 +51,6 @@ void switchOffWhatIsMissing(ReportForm& form) {
   if (!values.gGridView && !values.newGridView)
     switchOff({&form.chkGrid, &form.cmbWeek, &form.cmdAddNew, &form.cmdSaveChanges},
               QStringLiteral("The week grid is not available in this version yet."));
-  switchOff({&form.cmbMeta1, &form.cmbMeta2, &form.cmbMeta3},
-            QStringLiteral("Changing appointments here is not available in this version yet."));
   switchOff({&form.cmdPrint}, QStringLiteral("Printing is not available in this version yet."));
 }
 
@@ -115,6 +115,7 @@ void subConnectEvents(ReportForm& form) {
   on(form.vDaysBefore, &ScrollBar::Change, form, vDaysBefore_Change);
   on(form.cmdOK, &CommandButton::Click, form, cmdOK_Click);
   if (form.cmbChartType) on(*form.cmbChartType, &ComboBox::Click, form, cmbChartType_Click);
+  subConnectRowEvents(form);
 }
 
 void Form_Load() try {

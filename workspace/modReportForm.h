@@ -27,8 +27,6 @@ void vDaysBefore_Change();
 /// Writes the phrases and the names of the meta lists to the form.
 void subSetLangCaptions();
 
-/// Fills the meta drop-downs from the user's lists.
-void subFillDropDowns();
 /// Puts the keys of a dictionary into a drop-down, in the dictionary's order.
 void subFillcombo(platform::forms::ComboBox& combo, const QStringList& keys);
 template <class T>

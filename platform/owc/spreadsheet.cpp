@@ -211,10 +211,11 @@ void Spreadsheet::refuseLocked(const CellRect& rect) const {
 // Changes of contents: all go through these, so that what must know of each of them (the step for undo, the
 // calculation, the events) has one place to stand.
 
-/// A change by code. Of several cells it can't be taken back, and what could be before is not any more.
+/// A change by code. Of several cells, or with the events off, it can't be taken back, and what could be
+/// before is not any more.
 void Spreadsheet::changeContents(const CellRect& rect, const std::function<void()>& change) {
   UndoStep step;
-  if (rect.rows == 1 && rect.columns == 1) step.remember(d_->cells, rect.row, rect.column);
+  if (EnableEvents && rect.rows == 1 && rect.columns == 1) step.remember(d_->cells, rect.row, rect.column);
   d_->undo = step;
   change();
   contentsChanged(rect);

@@ -73,8 +73,8 @@ class Spreadsheet : public QObject {
   void setMoveAfterReturnDirection(int direction);
   std::pair<int, int> returnStep() const;  // rows down and columns right
 
-  /// Takes back the last edit, paste or clearing of the user, or the last change of a single cell by code,
-  /// if nothing else has changed since. One step: then there is nothing to take back, and it does nothing.
+  /// Takes back the last edit, paste or clearing of the user, or the last change of a single cell by code
+  /// with `EnableEvents` on, if nothing else has changed since. One step: then there is nothing to take back, and it does nothing.
   /// Failure 1004 when protection has locked one of the cells meanwhile.
   void Undo();
 

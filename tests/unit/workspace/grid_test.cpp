@@ -163,7 +163,6 @@ TEST_F(FetchingForTheGrid, LeavesItsControlsToTheUser) {
     EXPECT_TRUE(control->Enabled()) << control->Name().toStdString();
     EXPECT_EQ(control->ToolTipText(), QString()) << control->Name().toStdString();
   }
-  EXPECT_FALSE(w.form->cmbMeta1.Enabled());
 }
 
 TEST_F(FetchingForTheGrid, SavesItsChangesOnRequest) {

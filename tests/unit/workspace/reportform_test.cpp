@@ -1,4 +1,5 @@
 #include "settings/cMetaDictionary.h"
+#include "workspace/modDropDowns.h"
 #include "workspace/modReportForm.h"
 #include "workspaceworld.h"
 
@@ -403,8 +404,7 @@ TEST(Events, ThatAreNotThereYetAreSwitchedOffAndSayWhy) {
   WorkspaceWorld w;
   w.loadForm();
   for (platform::forms::Control* control : std::initializer_list<platform::forms::Control*>{
-           &w.form->cmdPrint, &w.form->cmbWeek, &w.form->cmdAddNew, &w.form->cmdSaveChanges,
-           &w.form->cmbMeta1, &w.form->cmbMeta2, &w.form->cmbMeta3}) {
+           &w.form->cmdPrint, &w.form->cmbWeek, &w.form->cmdAddNew, &w.form->cmdSaveChanges}) {
     EXPECT_FALSE(control->Enabled()) << control->Name().toStdString();
     EXPECT_TRUE(control->ToolTipText().contains(QStringLiteral("not available in this version yet")));
   }
