@@ -170,6 +170,20 @@ TEST_F(Store, AFailureTakesBackAChangeToAnExistingAppointmentAndFiles) {
   EXPECT_EQ(registryValue(u"PersonalRate"_s), u"1"_s);
 }
 
+TEST_F(Store, WhatCannotBeTakenBackIsTold) {
+  const QString file = configFile(u"registry.ini"_s);
+  const QString told = failure(filledIn(store), [&] {
+    write(file, "[x]\ny=another program's\n");
+    throw Failure(70, u"The last step failed."_s);
+  });
+  EXPECT_TRUE(
+      told.startsWith(u"The last step failed. What had been written before could not be taken back:"_s))
+      << qPrintable(told);
+  EXPECT_EQ(content(file), "[x]\ny=another program's\n");
+  EXPECT_FALSE(QFileInfo::exists(configFile(u"platform.ini"_s)));
+  EXPECT_FALSE(QFileInfo::exists(path(u"database/Hourbook3.mdb"_s)));
+}
+
 TEST_F(Store, ACalendarFileWithOthersInItIsRestoredToo) {
   const QByteArray other =
       "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\nBEGIN:VEVENT\r\nUID:a\r\nDTSTART:20240501T100000Z\r\n"

@@ -26,6 +26,18 @@ TEST(EntryName, NeverMixesAKeyWithAValuesName) {
             entryName(QStringLiteral("a/"), QStringLiteral("b")));
 }
 
+TEST(WithEntry, SetsSeveralInOneGo) {
+  QString error;
+  const auto bytes = withEntries("[Group]\nName=1\nOther=x\n",
+                                 {{QStringLiteral("Group/Name"), QStringLiteral("2")},
+                                  {QStringLiteral("Group/New"), QStringLiteral("a\r\nb")}},
+                                 &error);
+  ASSERT_TRUE(bytes) << qUtf8Printable(error);
+  EXPECT_EQ(*parseIni(*bytes, &error), (IniEntries{{QStringLiteral("Group/Name"), QStringLiteral("2")},
+                                                   {QStringLiteral("Group/New"), QStringLiteral("a\r\nb")},
+                                                   {QStringLiteral("Group/Other"), QStringLiteral("x")}}));
+}
+
 TEST(WithEntry, UsesTheEntryThatDiffersOnlyInCase) {
   QString error;
   const auto bytes =
