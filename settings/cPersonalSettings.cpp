@@ -21,6 +21,10 @@ QString wholeFile(const QString& path) {
   return content;
 }
 
+QString onOneLine(QString text) {
+  return text.remove(u'\r').remove(u'\n');
+}
+
 void addList(MetaDataCollection& lists, const QString& line) {
   const QString name = line.section(u':', 0, 0);
   if (name.isEmpty()) return;
@@ -52,7 +56,7 @@ cPersonalSettings::cPersonalSettings() try {
 QString cPersonalSettings::fncReadReportPath() const {
   const QString file = fncHourbooksFolder() + QStringLiteral("\\ReportPath.txt");
   subSetupFS();
-  if (shellValues().gFileSystem->FileExists(file)) return wholeFile(file).remove(u'\r').remove(u'\n');
+  if (shellValues().gFileSystem->FileExists(file)) return onOneLine(wholeFile(file));
   return fncStripSlash(platform::process::Process::current().programFolder()) + u'\\';
 }
 
@@ -60,8 +64,9 @@ QString cPersonalSettings::fncHourbooksFolder() const {
   return fncLocalCubePathOnly().replace(QStringLiteral("OLAP Cubes"), QStringLiteral("My Hourbooks"));
 }
 
+// A connection text out of a file may hold line breaks, and the settings could not be read back with them.
 QString cPersonalSettings::fncBuildBody() const {
-  return CStr(ReportChoice) + vbCrLf + ReportValue + vbCrLf + CStr(PersonalRate) + vbCrLf +
+  return CStr(ReportChoice) + vbCrLf + onOneLine(ReportValue) + vbCrLf + CStr(PersonalRate) + vbCrLf +
          CStr(FilterEvents) + vbCrLf + CStr(FilterPrivate) + vbCrLf + CStr(FilterRecurring) + vbCrLf +
          fncMetadataList();
 }

@@ -115,6 +115,22 @@ TEST_F(PersonalSettings, TheSettingsTextHasSixLinesAndOneForEachNamedList) {
   EXPECT_EQ(settings.fncMetadataList(), u"Customer:Acme;Bolt;\r\nTask:\r\n"_s);
 }
 
+TEST_F(PersonalSettings, AConnectionTextOfSeveralLinesIsOneLineOfTheSettingsText) {
+  for (const QString& lineBreak : {u"\r\n"_s, u"\n"_s}) {
+    writeFile(inProgramFolder(u"HourbookConnection.txt"_s),
+              u"Provider=SQLOLEDB;"_s + lineBreak + u"Data Source=x;"_s + lineBreak);
+    cPersonalSettings first;
+    first.MetaDataLists.Add(listOf(u"Customer"_s, {u"Acme"_s}));
+    EXPECT_EQ(
+        first.fncBuildBody(),
+        u"3\r\nProvider=SQLOLEDB;Data Source=x;\r\n0\r\nFalse\r\nFalse\r\nFalse\r\nCustomer:Acme;\r\n"_s);
+    cPersonalSettings second;
+    second.FromString(first.fncBuildBody());
+    EXPECT_EQ(second.ReportValue, u"Provider=SQLOLEDB;Data Source=x;"_s);
+    EXPECT_EQ(second.fncMetadataList(), first.fncMetadataList());
+  }
+}
+
 TEST_F(PersonalSettings, EveryJoinedElementIsFollowedByTheSeparator) {
   EXPECT_EQ(cPersonalSettings().fncJoinDic({u"a"_s, u"b"_s}, u";"_s), u"a;b;"_s);
   EXPECT_EQ(cPersonalSettings().fncJoinDic({}, u";"_s), QString());
