@@ -51,11 +51,11 @@ class Folder {
   explicit Folder(QString path) : path_(std::move(path)) {}
   virtual ~Folder() = default;
   QString Path() const { return path_; }  // system form
-  QString Name() const;
-  QString ShortName() const;  // equals Name where the system has no short names
-  bool IsRootFolder() const;
-  std::shared_ptr<Folder> ParentFolder() const;
-  QList<std::shared_ptr<Folder>> SubFolders() const;
+  virtual QString Name() const;
+  virtual QString ShortName() const;  // equals Name where the system has no short names
+  virtual bool IsRootFolder() const;
+  virtual std::shared_ptr<Folder> ParentFolder() const;
+  virtual QList<std::shared_ptr<Folder>> SubFolders() const;
 
  private:
   QString path_;

@@ -162,6 +162,44 @@ TEST_F(TextFiles, AFoldersPathWithLongNamesStaysAsItIs) {
   EXPECT_EQ(fncLongFolderPath(files->GetFolder(temp.filePath(u"one/two"_s))), temp.filePath(u"one/two"_s));
 }
 
+/// A folder of a system that knows two names of each.
+class TwoNames : public platform::scripting::Folder {
+ public:
+  TwoNames(std::shared_ptr<TwoNames> parent, const QString& shortName, const QString& name)
+      : Folder(parent ? parent->Path() + u'/' + shortName : shortName),
+        parent_(std::move(parent)),
+        shortName_(shortName),
+        name_(name) {}
+  std::shared_ptr<TwoNames> add(const std::shared_ptr<TwoNames>& self, const QString& shortName,
+                                const QString& name) {
+    below_.append(std::make_shared<TwoNames>(self, shortName, name));
+    return below_.last();
+  }
+  QString Name() const override { return name_; }
+  QString ShortName() const override { return shortName_; }
+  bool IsRootFolder() const override { return !parent_; }
+  std::shared_ptr<Folder> ParentFolder() const override { return parent_; }
+  QList<std::shared_ptr<Folder>> SubFolders() const override { return {below_.begin(), below_.end()}; }
+  void clear() { below_.clear(); }
+
+ private:
+  std::shared_ptr<TwoNames> parent_;
+  QString shortName_, name_;
+  QList<std::shared_ptr<TwoNames>> below_;
+};
+
+TEST_F(TextFiles, AFoldersPathWithShortNamesIsWrittenWithTheLongOnes) {
+  const auto root = std::make_shared<TwoNames>(nullptr, u"C:\\"_s, u"C:\\"_s);
+  root->add(root, u"DOCUME~2"_s, u"Documents of others"_s);
+  const auto documents = root->add(root, u"DOCUME~1"_s, u"Documents and Settings"_s);
+  const auto user = documents->add(documents, u"ann"_s, u"ann"_s);
+  const auto temp = user->add(user, u"LOCALS~1"_s, u"Local Settings"_s);
+  EXPECT_EQ(fncLongFolderPath(temp), u"C:\\Documents and Settings\\ann\\Local Settings"_s);
+  EXPECT_EQ(fncLongFolderPath(user), u"C:\\Documents and Settings\\ann"_s);
+  EXPECT_EQ(fncLongFolderPath(root), u"C:\\"_s);
+  for (const auto& folder : {root, documents, user}) folder->clear();  // they know each other
+}
+
 TEST_F(TextFiles, OneTrailingSeparatorIsStripped) {
   EXPECT_EQ(fncStripSlash(u"C:\\Data\\"_s), u"C:\\Data"_s);
   EXPECT_EQ(fncStripSlash(u"/data/"_s), u"/data"_s);
