@@ -54,11 +54,12 @@ function(hourbook_library name)
   endif()
 endfunction()
 
-# hourbook_tests(NAME SOURCES ... LIBS ... [TIMEOUT seconds]): a GoogleTest program; each of its tests is a ctest. Under
-# the sanitizers the whole program is one, since starting a sanitized process costs more than most tests; so what one
+# hourbook_tests(NAME [WHOLE] SOURCES ... LIBS ... [TIMEOUT seconds]): a GoogleTest program; each of its tests is a
+# ctest. With WHOLE the program is one ctest: for tests that share something which is dear to start. Under the
+# sanitizers every program is one, since starting a sanitized process costs more than most tests; so what one
 # test leaves behind for the next shows there too.
 function(hourbook_tests name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "WHOLE" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 60)
   endif()
@@ -68,6 +69,9 @@ function(hourbook_tests name)
   if(HOURBOOK_SANITIZE)
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
     set_tests_properties(${name} PROPERTIES TIMEOUT 1200 ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+  elseif(ARG_WHOLE)
+    add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT QT_QPA_PLATFORM=offscreen)
   else()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT ${ARG_TIMEOUT}
       ENVIRONMENT QT_QPA_PLATFORM=offscreen)

@@ -2,13 +2,11 @@
 
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
-
-#include <QRegularExpression>
+#include "platform/sql/literals.h"
 
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <optional>
 
 namespace platform::sql::sqlite {
 
@@ -54,19 +52,6 @@ basic::Value wholeNumber(qlonglong number) {
   return static_cast<qint64>(number);
 }
 
-/// Day and time apart: together they would be a moment of the machine's zone, which leaves out an hour each
-/// spring. Nothing when the text is no date.
-std::optional<basic::Date> dateOfText(const QString& text) {
-  static const QRegularExpression form(
-      QStringLiteral("^(\\d{4}-\\d\\d-\\d\\d)(?:[T ](\\d\\d:\\d\\d(?::\\d\\d(?:[.,]\\d+)?)?)"
-                     "(?:Z|[+-]\\d\\d:?\\d\\d)?)?$"));
-  const QRegularExpressionMatch match = form.match(text);
-  const QDate day = QDate::fromString(match.captured(1), Qt::ISODate);
-  const QTime time = match.hasCaptured(2) ? QTime::fromString(match.captured(2), Qt::ISODate) : QTime(0, 0);
-  if (!match.hasMatch() || !day.isValid() || !time.isValid()) return std::nullopt;
-  return basic::Date::of(day, time);
-}
-
 basic::Currency readCurrency(const QVariant& stored) {
   if (stored.typeId() == QMetaType::LongLong) {
     const qlonglong whole = stored.toLongLong();
@@ -90,7 +75,7 @@ QVariant requireNumber(const QVariant& stored) {
 basic::Value readDate(const QVariant& stored) {
   if (stored.typeId() != QMetaType::QString) return basic::Date(requireNumber(stored).toDouble());
   const QString text = stored.toString().trimmed();
-  if (const auto date = dateOfText(text)) return *date;
+  if (const auto date = dateOfIsoText(text)) return *date;
   return text;
 }
 
@@ -123,8 +108,7 @@ constexpr Declaration declarations[] = {
 }  // namespace
 
 QString storedDate(const basic::Date& date) {
-  return date.date().toString(QStringLiteral("yyyy-MM-dd")) +
-         date.time().toString(QStringLiteral("'T'HH:mm:ss"));
+  return isoText(date);
 }
 
 QVariant toStored(const basic::Value& value) {
@@ -132,17 +116,7 @@ QVariant toStored(const basic::Value& value) {
 }
 
 QString storedText(const QString& text) {
-  if (text.isNull()) return u""_qs;
-  const auto kept = [&text](qsizetype at) {
-    const QChar c = text[at];
-    if (c.isHighSurrogate()) return at + 1 < text.size() && text[at + 1].isLowSurrogate();
-    if (c.isLowSurrogate()) return at > 0 && text[at - 1].isHighSurrogate();
-    return !c.isNull();
-  };
-  QString whole = text;
-  for (qsizetype at = 0; at < text.size(); ++at)
-    if (!kept(at)) whole[at] = QChar(QChar::ReplacementCharacter);
-  return whole;
+  return wholeText(text);
 }
 
 basic::Value fromStored(const QVariant& stored, Type type) {

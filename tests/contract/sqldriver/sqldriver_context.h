@@ -34,6 +34,9 @@ class SqlDriverContext {
   virtual bool has_top_without_ties() const { return true; }
   /// Texts compare without regard to case for A to Z only.
   virtual bool folds_only_ascii() const { return true; }
+  /// A column takes any value, and one that is none of its type shows when it is read; otherwise it is
+  /// refused when it is written.
+  virtual bool keeps_foreign_values() const { return true; }
 };
 
 struct Backend {

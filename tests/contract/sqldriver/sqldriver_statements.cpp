@@ -258,7 +258,17 @@ TEST_P(SqlDriver, AValueThatIsNoneOfItsColumnsTypeIsNamedAndNotTakenForZero) {
                                                   {u"dblShare"_qs, u"?"_qs}};
   for (const auto& [column, value] : values) {
     session->execute(u"delete from tblReports"_qs);
-    session->execute(u"insert into tblReports (%1) values (?)"_qs.arg(column), {value});
+    const auto writing = [&, name = column, text = value] {
+      session->execute(u"insert into tblReports (%1) values (?)"_qs.arg(name), {text});
+    };
+    if (!context->keeps_foreign_values()) {
+      if (value == u"True") continue;  // which such an engine can read
+      EXPECT_EQ(failureNumber(writing), errors::unreadableValue) << qPrintable(column);
+      for (const QString& part : {value, u"contract"_qs})
+        EXPECT_TRUE(failureText(writing).contains(part)) << qPrintable(failureText(writing));
+      continue;
+    }
+    writing();
     const auto reading = [&] { session->execute(u"select * from tblReports"_qs); };
     EXPECT_EQ(failureNumber(reading), errors::unreadableValue) << qPrintable(column);
     const QString text = failureText(reading);
@@ -269,7 +279,12 @@ TEST_P(SqlDriver, AValueThatIsNoneOfItsColumnsTypeIsNamedAndNotTakenForZero) {
 
 TEST_P(SqlDriver, AComputedColumnOfNumbersAndTextsHoldsTexts) {
   const auto session = connect();
-  const Result result = session->execute(u"select 1 as a union all select 'b' order by a"_qs);
+  const QString statement = u"select 1 as a union all select 'b' order by a"_qs;
+  if (!context->keeps_foreign_values()) {
+    EXPECT_EQ(failureNumber([&] { session->execute(statement); }), errors::unreadableValue);
+    return;
+  }
+  const Result result = session->execute(statement);
   ASSERT_EQ(result.rows.size(), 2);
   EXPECT_TRUE(result.rows[0][0] == Value(u"1"_qs));
   EXPECT_TRUE(result.rows[1][0] == Value(u"b"_qs));
