@@ -4,8 +4,7 @@
 #include <QDate>
 #include <QTime>
 
-// Dates and durations as the file writes them, checked for their range before anybody calculates with them
-// (libical reads outside of its tables on a month 30).
+// Dates and durations as the file writes them, checked for their range before anybody calculates with them.
 namespace platform::calendar::icalendar {
 
 inline constexpr qint64 secondMs = 1000;

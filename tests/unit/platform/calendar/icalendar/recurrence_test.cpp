@@ -115,6 +115,36 @@ TEST(Rules, WorkdaysAndPositionsAreUnderstood) {
             QStringList{u"2024-05-13 09:00"_qs});
 }
 
+TEST(Rules, AWeekMayBeginOnAnyDay) {
+  EXPECT_EQ(starts("FREQ=WEEKLY;INTERVAL=4;WKST=SA;BYDAY=FR,MO;COUNT=4", u"2015-07-03 02:30"_qs,
+                   u"2015-07-01 00:00"_qs, u"2015-12-31 00:00"_qs),
+            (QStringList{u"2015-07-03 02:30"_qs, u"2015-07-27 02:30"_qs, u"2015-07-31 02:30"_qs,
+                         u"2015-08-24 02:30"_qs}));
+  EXPECT_EQ(starts("FREQ=WEEKLY;INTERVAL=3;WKST=TH;BYDAY=MO,TU", u"2024-02-21 02:30"_qs,
+                   u"2027-02-10 00:00"_qs, u"2027-03-08 23:00"_qs),
+            (QStringList{u"2027-02-15 02:30"_qs, u"2027-02-16 02:30"_qs, u"2027-03-08 02:30"_qs}));
+}
+
+TEST(Rules, NumberedWeeksReachOverNewYear) {
+  EXPECT_EQ(starts("FREQ=YEARLY;BYWEEKNO=52;BYDAY=FR,SU", u"2015-12-25 02:30"_qs, u"2027-12-01 00:00"_qs,
+                   u"2028-12-31 00:00"_qs),
+            (QStringList{u"2027-12-31 02:30"_qs, u"2028-01-02 02:30"_qs, u"2028-12-29 02:30"_qs}));
+  EXPECT_EQ(starts("FREQ=YEARLY;BYWEEKNO=1,53;BYDAY=TU,WE", u"2020-12-29 00:00"_qs, u"2020-12-29 00:00"_qs,
+                   u"2021-02-01 00:00"_qs),
+            (QStringList{u"2020-12-29 00:00"_qs, u"2020-12-30 00:00"_qs, u"2021-01-05 00:00"_qs,
+                         u"2021-01-06 00:00"_qs}));
+  EXPECT_EQ(starts("FREQ=YEARLY;BYWEEKNO=-1", u"2024-12-25 09:00"_qs, u"2024-01-01 00:00"_qs,
+                   u"2026-12-31 23:00"_qs),
+            (QStringList{u"2024-12-25 09:00"_qs, u"2025-12-24 09:00"_qs, u"2026-12-30 09:00"_qs}));
+}
+
+TEST(Rules, PositionsCountAmongSeveralTimesOfADay) {
+  EXPECT_EQ(starts("FREQ=MONTHLY;BYDAY=MO;BYSETPOS=2,-1;BYHOUR=9,14", u"2024-01-01 14:00"_qs,
+                   u"2024-01-01 00:00"_qs, u"2024-02-28 00:00"_qs),
+            (QStringList{u"2024-01-01 14:00"_qs, u"2024-01-29 14:00"_qs, u"2024-02-05 14:00"_qs,
+                         u"2024-02-26 14:00"_qs}));
+}
+
 TEST(Rules, WhatCannotBeUnderstoodSaysWhy) {
   for (const char* text : {"",
                            "INTERVAL=2",
@@ -136,7 +166,9 @@ TEST(Rules, WhatCannotBeUnderstoodSaysWhy) {
                            "FREQ=MONTHLY;BYDAY=6MO",
                            "FREQ=YEARLY;RSCALE=CHINESE",
                            "FREQ=HOURLY;BYSETPOS=1",
-                           "FREQ=MONTHLY;BYDAY=MO;BYSETPOS=1;BYHOUR=9,14",
+                           "FREQ=MONTHLY;BYWEEKNO=20",
+                           "FREQ=WEEKLY;BYMONTHDAY=1",
+                           "FREQ=DAILY;BYYEARDAY=1",
                            "%n;BYMONTH=",
                            "FREQ=DAILY;COUNT"}) {
     QString why;
@@ -151,6 +183,14 @@ TEST(Rules, OddButClearPartsAreTaken) {
        {"freq=daily", "FREQ=DAILY;", ";FREQ=DAILY;X-OTHER=1", "FREQ = DAILY ; COUNT = 3",
         "FREQ=WEEKLY;BYDAY=1MO", "RSCALE=GREGORIAN;FREQ=YEARLY;SKIP=OMIT", "FREQ=DAILY\\;COUNT=10"})
     EXPECT_TRUE(ruleOf(text, &why)) << text << ' ' << qPrintable(why);
+}
+
+TEST(Rules, DaysThatNeverMeetEndTheWalkWithThePeriod) {
+  for (const char* text : {"FREQ=MONTHLY;BYDAY=5MO;BYMONTHDAY=1", "FREQ=MONTHLY;BYDAY=MO;BYSETPOS=300",
+                           "FREQ=YEARLY;BYDAY=53MO;BYMONTHDAY=1", "FREQ=DAILY;INTERVAL=7;BYDAY=TU"})
+    EXPECT_EQ(starts(text, u"1601-01-01 09:00"_qs, u"1601-01-01 00:00"_qs, u"2024-12-31 00:00"_qs),
+              QStringList())
+        << text;
 }
 
 TEST(Rules, AWalkWithoutEndIsBrokenOff) {
