@@ -294,6 +294,30 @@ TEST_F(Start, EndsWithThePathOfADatabaseThatCannotBeReached) {
   EXPECT_EQ(lastShown().options, vbCritical);
 }
 
+TEST_F(Start, NamesTheFileOfTheOneDatabaseForAServerToo) {
+  set("ReportChoice", QStringLiteral("3"));
+  set("ReportValue", QString());
+  expectMessage(QStringLiteral("Unable to reach \r\n\\Hourbook3.mdb"));
+  EXPECT_ENDS_PROCESS(start());
+  EXPECT_EQ(lastShown().title, QStringLiteral("Hourbook for Outlook Reporting"));
+  EXPECT_EQ(values.workspace->gReportForm, nullptr);
+}
+
+TEST_F(Start, ReadsTheCommonSettingsThroughTheConnectionTextOfThePersonalOnes) {
+  makeDatabase();
+  QTemporaryDir elsewhere;
+  const QString file = elsewhere.filePath(QStringLiteral("reports.db"));
+  ASSERT_TRUE(QFile::rename(world.programFolder() + QStringLiteral("/Hourbook3.mdb"), file));
+  const QString text = QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + file;
+  set("ReportChoice", QStringLiteral("3"));
+  set("ReportValue", text);
+  start();
+  EXPECT_EQ(values.settings->gGlobalSettings->ReportTo, 3);
+  EXPECT_EQ(values.settings->gGlobalSettings->ReportToValue, text);
+  EXPECT_EQ(values.settings->gGlobalSettings->MetaDataLists.Count(), 3);
+  EXPECT_EQ(screen.shows, 1);
+}
+
 TEST_F(Start, ReportsAFailureUnderTheNameMainOnceTheFolderIsKnown) {
   makeDatabase();
   parts.reportForms.remove(11);
