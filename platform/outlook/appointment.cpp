@@ -156,7 +156,7 @@ void AppointmentItem::Save() {
   if (!change.start) {
     // the store is not told the user's zone: times that were not touched stay as they were read
     stored.start = item_.start;
-    stored.end = item_.end;
+    stored.end = change.durationMinutes ? endAfter(*change.durationMinutes) : item_.end;
   }
   item_ = std::move(stored);
   change_ = {};
@@ -189,10 +189,17 @@ QDateTime AppointmentItem::startMoment() const {
   return change_.start.value_or(item_.start);
 }
 
+QDateTime AppointmentItem::endAfter(int minutes) const {
+  return item_.allDay ? item_.start.addDays(minutes / minutesOfDay)
+                      : item_.start.addSecs(qint64(minutes) * 60);
+}
+
 /// A change of one time is handed over with the others, so that no store has to guess which of them stays.
+/// Only the length of a series goes alone: a series with exceptions may not be moved, not even to its place.
 calendar::Change AppointmentItem::fullChange() const {
   calendar::Change change = change_;
-  if (isNew() || change.start || change.durationMinutes || change.allDay) {
+  const bool lengthOfSeries = item_.kind == calendar::Kind::Master && !change.start && !change.allDay;
+  if (isNew() || change.start || (change.durationMinutes && !lengthOfSeries) || change.allDay) {
     change.start = startMoment();
     change.durationMinutes = Duration();
     change.allDay = AllDayEvent();

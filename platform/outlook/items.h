@@ -92,6 +92,7 @@ class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
   /// The property as it stands in the object, pending ones first; the name as it is stored.
   std::optional<std::pair<QString, calendar::UserProperty>> findProperty(const QString& name) const;
   calendar::Change fullChange() const;
+  QDateTime endAfter(int minutes) const;
 
   std::shared_ptr<calendar::Store> store_;
   QString folder_;

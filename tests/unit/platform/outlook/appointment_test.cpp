@@ -137,6 +137,17 @@ TEST_F(AppointmentTest, TheParentOfAnOccurrenceIsItsSeries) {
   EXPECT_EQ(add(appointment(u"A"_s, u"2024-05-15 09:00"_s))->Parent(), nullptr);
 }
 
+TEST_F(AppointmentTest, TheLengthOfASeriesCanBeChangedWhereItStands) {
+  addSeries();
+  const auto series = items().Item(u"Stand-up"_s);
+  const basic::Date start = series->Start();
+  series->setDuration(45);
+  series->Save();
+  EXPECT_EQ(series->Duration(), 45);
+  EXPECT_EQ(series->Start(), start);
+  EXPECT_EQ(items().Item(u"Stand-up"_s)->Duration(), 45);
+}
+
 TEST_F(AppointmentTest, ASeriesThatIsGoneFails) {
   const calendar::ItemKey key = addSeries();
   const auto occurrence = walk().value(0);
