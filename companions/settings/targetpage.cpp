@@ -165,6 +165,7 @@ void TargetPage::connectControls() {
   connect(cmdTest, &QPushButton::clicked, this, &TargetPage::startTest);
   connect(&test_, &ConnectionTest::finished, this,
           [this](bool succeeded, const QString& text) { showTest(text, !succeeded); });
+  connect(&look_, &ConnectionTest::finished, this, &TargetPage::showLook);
 }
 
 void TargetPage::choose(int target) {
@@ -191,6 +192,25 @@ void TargetPage::lookAtFolder() {
     note(Field::DatabaseFolder, look.note);
   else
     tell(Field::DatabaseFolder, look.problem);
+}
+
+/// What has become of the stored folder is told as soon as it is known; a network folder may take its time.
+void TargetPage::aboutToShow() {
+  const SettingsBuffer& buffer = session_.buffer;
+  if (buffer.reportChoice != reportToAccess || buffer.makeDatabase || buffer.databaseFolder.isEmpty()) return;
+  looked_ = buffer.databaseFolder;
+  look_.start([folder = looked_]() -> ConnectionTest::Answer {
+    const PlaceLook look = lookAtDatabase(folder, false);
+    return {look.problem.isEmpty(), look.problem.isEmpty() ? look.note : look.problem};
+  });
+}
+
+void TargetPage::showLook(bool usable, const QString& text) {
+  if (session_.buffer.databaseFolder != looked_ || session_.buffer.makeDatabase) return;
+  if (usable)
+    note(Field::DatabaseFolder, text);
+  else
+    tell(Field::DatabaseFolder, text);
 }
 
 void TargetPage::showChoice() {

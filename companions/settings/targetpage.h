@@ -20,6 +20,7 @@ class TargetPage : public PersonalPage {
   explicit TargetPage(SettingsSession& session);
   QString title() const override;
   void reload() override;
+  void aboutToShow() override;
   ConnectionTest& test() { return test_; }
 
  protected:
@@ -36,6 +37,7 @@ class TargetPage : public PersonalPage {
   void choose(int target);
   void chooseFolder();
   void lookAtFolder();
+  void showLook(bool usable, const QString& text);
   void showChoice();
   void startTest();
   void showTest(const QString& text, bool isProblem);
@@ -48,6 +50,8 @@ class TargetPage : public PersonalPage {
   QPushButton *cmdChooseFolder, *cmdTest;
   ProblemLabel *lblResult, *lblPasswordNote;
   ConnectionTest test_;
+  ConnectionTest look_;  // at a folder that was not typed just now
+  QString looked_;
 };
 
 }  // namespace hourbook

@@ -73,8 +73,25 @@ TEST_F(TryingAConnection, MayBeThrownAwayMeanwhile) {
   EXPECT_TRUE(answers.isEmpty());
 }
 
-TEST_F(TryingAConnection, ThisVersionHasNoDriverForTheServer) {
+/// A server that nobody has told where it is.
+class UnnamedServer : public platform::sql::Driver {
+ public:
+  std::unique_ptr<platform::sql::Session> connect(const platform::sql::ConnectionString&) override {
+    throw platform::Failure(17, u"No server was named."_s);
+  }
+};
+
+TEST_F(TryingAConnection, FindsOutWhetherThereIsADriverForTheServer) {
   EXPECT_FALSE(hasServerDriver());
+  useDrivers({{u"SQLOLEDB.1"_s, std::make_shared<UnnamedServer>()}});
+  EXPECT_TRUE(hasServerDriver());
+}
+
+TEST_F(TryingAConnection, TellsWhatTheServerSays) {
+  useDrivers({{u"SQLOLEDB.1"_s, std::make_shared<UnnamedServer>()}});
+  test.start(connectionWork(SettingsStore::connectionText({u"box"_s, u"Hours"_s, true, {}, {}}), {}));
+  wait(1);
+  EXPECT_EQ(answers, QStringList{u"no: "_s + phrases().LNGCONNECTIONFAILED + u"\nNo server was named."_s});
 }
 
 }  // namespace

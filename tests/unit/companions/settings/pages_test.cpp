@@ -201,6 +201,17 @@ TEST_F(Pages, ADatabaseThatIsThereIsNeverReplaced) {
   expectRefused("txtFolder", texts::databaseExists);
 }
 
+TEST_F(Pages, ADatabaseThatHasVanishedIsToldWhenItsPageIsShown) {
+  openFilledIn();
+  goTo(texts::targetPage);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return message("msgFolder") == texts::databaseThere; }, 60000));
+  close();
+  ASSERT_TRUE(QFile::remove(path(u"database/Hourbook3.mdb"_s)));
+  open();
+  goTo(texts::targetPage);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return message("msgFolder") == texts::databaseNotThere; }, 60000));
+}
+
 TEST_F(Pages, FoldersWithoutADatabaseAreRefused) {
   openFilledIn();
   goTo(texts::targetPage);

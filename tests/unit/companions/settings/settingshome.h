@@ -3,7 +3,9 @@
 #include "companions/settings/settingsstore.h"
 #include "database/DatabaseValues.h"
 #include "outlook/OutlookValues.h"
+#include "platform/ado/registration.h"
 #include "platform/locale/locale.h"
+#include "platform/sql/sqlite/session.h"
 #include "settings/SettingsValues.h"
 #include "shell/modLanguage.h"
 #include "tests/support/quickfolder.h"
@@ -21,11 +23,20 @@ class SettingsHome : public testing::Test {
  protected:
   SettingsHome() : home(::tests::quickFolder(u"settings"_qs)) {
     registerComponents(world.components, {});
+    useDrivers({});
     LoadLanguages(fncGetlocalLanguage());
     shellValues().gListSeparator = platform::locale::current().listSeparator();
     shellValues().documentsFolder = path(u"documents"_qs);
     QDir(home.path()).mkpath(u"calendar"_qs);
     QDir(home.path()).mkpath(u"database"_qs);
+  }
+
+  /// The embedded database, and these others by provider: whatever an installation has.
+  void useDrivers(const QMap<QString, std::shared_ptr<platform::sql::Driver>>& others) {
+    const auto drivers = std::make_shared<platform::sql::Drivers>();
+    drivers->add(u"Microsoft.Jet.OLEDB.4.0"_qs, std::make_shared<platform::sql::sqlite::SqliteDriver>());
+    for (auto it = others.cbegin(); it != others.cend(); ++it) drivers->add(it.key(), it.value());
+    platform::ado::registerComponents(world.components, drivers);
   }
 
   QString path(const QString& name) const { return home.filePath(name); }
