@@ -323,6 +323,14 @@ TEST_F(Editings, DeleteClearsTheSelectionAndUndoBringsItBack) {
   EXPECT_EQ(text(u"A2"_s) + text(u"E2"_s) + text(u"F3"_s), u"r2c1r2c5r3c6"_s);
 }
 
+TEST_F(Editings, UndoLeavesAloneWhatCodeHasWrittenSilently) {
+  sheet.EnableEvents = false;
+  sheet.Range(u"B2"_s).setValue(platform::basic::Value(u"silent"_s));
+  sheet.EnableEvents = true;
+  press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(text(u"B2"_s), u"silent"_s);
+}
+
 TEST_F(Editings, CutAndPasteMoveCells) {
   select(u"A2:B2"_s);
   press(Qt::Key_X, Qt::ControlModifier);
