@@ -60,20 +60,24 @@ class TimesEditor {
     mark("TRUE");
   }
 
-  /// A day is a day wherever one looks, and so is the time that takes its place: it names no zone.
-  void makeTimed(qint64 startWall, const Span& length) {
+  /// A day is a day wherever one looks, and so is the time that takes its place: it names no zone. The
+  /// calendar may have a zone of its own for such times; what counts is that it begins at the moment that was
+  /// asked for.
+  void makeTimed(qint64 instant, const Span& length) {
     if (event_.start->form != Form::Date) {
       mark("FALSE");
       Timing timed = timing_;
       timed.allDay = false;
       timing_ = timed;
-      place(startWall, length);
+      place(timing_.zone.toWall(instant), length);
       return;
     }
+    bool unknown = false;
+    const Zone zone = origin_.reader.zoneOf(origin_.file, event_, DateValue{}, &unknown);
+    const qint64 startWall = zone.toWall(instant);
     const QByteArray start = dateTimeText(dateOfWall(startWall), timeOfWall(startWall));
     editor_.set("DTSTART", renamed(editor_.first("DTSTART")->head, "DTSTART", dateParameters), start);
-    const qint64 end = origin_.reader.viewer().toWall(origin_.reader.viewer().toInstant(startWall) +
-                                                      length.days * dayMs + length.exactMs);
+    const qint64 end = zone.toWall(zone.toInstant(startWall) + length.days * dayMs + length.exactMs);
     setEnd("DTEND", dateTimeText(dateOfWall(end), timeOfWall(end)));
     editor_.remove("DURATION");
     mark("FALSE");
@@ -159,7 +163,7 @@ void applyTimes(ComponentEditor& editor, const Change& change, const Origin& ori
     else
       times.makeAllDay(first, days);
   } else if (now.allDay) {
-    times.makeTimed(change.start ? viewer.toWall(instant) : now.start, length);
+    times.makeTimed(instant, length);
   } else {
     times.place(change.start ? now.zone.toWall(instant) : now.start, length);
   }

@@ -26,6 +26,12 @@ qint64 nanoseconds(fs::file_time_type time) {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
 }
 
+/// A file's name as a text. Of a name that is not in UTF-8 the bytes that are no letters become U+FFFD; such
+/// a text does not lead back to the file. (The path's own conversion would throw.)
+QString nameOf(const fs::path& path) {
+  return QString::fromStdString(path.filename().string());
+}
+
 [[noreturn]] void fail(qint32 number, const QString& label, const QString& text) {
   throw Failure(number, QStringLiteral("Calendar \"%1\": %2").arg(label, text),
                 QStringLiteral("IcalendarStore"));
@@ -52,26 +58,28 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
     std::error_code ignored;
     const auto time = file.last_write_time(ignored);
     const auto size = file.is_regular_file(ignored) ? file.file_size(ignored) : 0;
-    found.insert(name, {nanoseconds(time), static_cast<qint64>(size)});
+    // a link that leads nowhere has no time
+    found.insert(name,
+                 {time == fs::file_time_type::min() ? 0 : nanoseconds(time), static_cast<qint64>(size)});
   };
   const fs::file_status status = fs::status(root, error);
   if (!fs::exists(status)) fail(errNotFound, label_, QStringLiteral("\"%1\" does not exist.").arg(path_));
   if (!fs::is_directory(status)) {
-    add(QString::fromStdU16String(root.filename().u16string()), fs::directory_entry(root, error));
+    add(nameOf(root), fs::directory_entry(root, error));
     return found;
   }
   fs::directory_iterator entry(root, error);
-  if (error)
-    fail(error == std::errc::permission_denied ? errAccessDenied : errStoreBroken, label_,
-         QStringLiteral("the folder \"%1\" cannot be read: %2")
-             .arg(path_, QString::fromStdString(error.message())));
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    const QString name = QString::fromStdU16String(entry->path().filename().u16string());
+    const QString name = nameOf(entry->path());
     std::error_code ignored;
     if (!name.startsWith(u'.') && name.endsWith(u".ics", Qt::CaseInsensitive) &&
         !entry->is_directory(ignored))
       add(name, *entry);
   }
+  if (error)  // also half-way: what is missing from a list that breaks off is not gone
+    fail(error == std::errc::permission_denied ? errAccessDenied : errStoreBroken, label_,
+         QStringLiteral("the folder \"%1\" cannot be read: %2")
+             .arg(path_, QString::fromStdString(error.message())));
   return found;
 }
 
@@ -85,6 +93,8 @@ void FileCache::read(const QString& name, const Stamp& stamp) {
   entry.settled = nanoseconds(fs::file_time_type::clock::now()) - stamp.mtimeNs > settlingNs;
   if (result.ok)
     entry.file = calendarFile(name, result.bytes);
+  else if (name.contains(QChar::ReplacementCharacter))
+    entry.error = QStringLiteral("The file's name is not in UTF-8, so the file was not read.");
   else
     entry.error = result.error;
   entries_.insert(name, std::move(entry));

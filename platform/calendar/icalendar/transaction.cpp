@@ -46,10 +46,12 @@ Replacement replacing(const Document& document, const Component& component, cons
   return {component.offset, component.end - component.offset, asItEnded(document, component, with)};
 }
 
+/// Whatever is neither the calendar around its entries nor a definition of a zone is something that somebody
+/// keeps.
 bool holdsEntries(const std::vector<Component>& components) {
   return std::any_of(components.begin(), components.end(), [](const Component& component) {
-    return component.name == "VEVENT" || component.name == "VTODO" || component.name == "VJOURNAL" ||
-           holdsEntries(component.children);
+    if (component.name == "VCALENDAR") return holdsEntries(component.children);
+    return component.name != "VTIMEZONE";
   });
 }
 

@@ -253,6 +253,23 @@ TEST_F(ChangesTest, ATimedItemBecomesAWholeDayAndBack) {
   EXPECT_TRUE(read(u"a.ics"_qs).contains("X-MICROSOFT-CDO-ALLDAYEVENT:FALSE"));
 }
 
+TEST_F(ChangesTest, AWholeDayThatBecomesTimedBeginsAtTheMomentAskedForWhateverZoneItsTimesAreReadIn) {
+  Change off;
+  off.allDay = false;
+  off.start = moment(u"2024-02-05 09:00"_qs);
+  off.durationMinutes = 60;
+  QByteArray google =
+      calendar(joined({"X-WR-TIMEZONE:America/New_York"}) + event({"UID:a", "DTSTART;VALUE=DATE:20240205"}));
+  google.replace("-//Another//Program//EN", "-//Google Inc//Google Calendar 70.9054//EN");
+  write(u"a.ics"_qs, google);
+  EXPECT_EQ(described({save(single(), off)}), QStringList{u"2024-02-05 09:00 - 10:00 "_qs});
+  EXPECT_TRUE(read(u"a.ics"_qs).contains("DTSTART:20240205T030000\r\nDTEND:20240205T040000\r\n"));
+  write(u"a.ics"_qs, calendar(event({"UID:a", "X-MICROSOFT-CDO-ALLDAYEVENT:TRUE",
+                                     "DTSTART;TZID=America/New_York:20240205T000000",
+                                     "DTEND;TZID=America/New_York:20240206T000000"})));
+  EXPECT_EQ(described({save(single(), off)}), QStringList{u"2024-02-05 09:00 - 10:00 "_qs});
+}
+
 TEST_F(ChangesTest, CategoriesAreWrittenForOthersAndAsTheTextWasSet) {
   Change change;
   change.categoriesText = u"; Acme, Inc;Phone"_qs;

@@ -2,9 +2,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
+#include <fstream>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace icalendar_tests;
 
@@ -72,6 +75,23 @@ TEST_F(IcalendarTest, AFileThatCannotBeReadIsNamedAndTheOthersAreShown) {
   for (const Problem& problem : store->problems(folder)) places.append(problem.place);
   places.removeDuplicates();
   EXPECT_EQ(places, (QStringList{u"dangling.ics"_qs, u"pipe.ics"_qs, u"wide.ics"_qs, u"words.ics"_qs}));
+}
+
+TEST_F(IcalendarTest, AFileWhoseNameIsNoTextIsNamedAndTheOthersAreShown) {
+  write(u"a.ics"_qs, item("a"));
+  const QByteArray folderPath = QFileInfo(path(u"a.ics"_qs)).path().toLocal8Bit();
+  for (const char* name : {"b\xFCro.ics", "b\xFCro.txt"}) {
+    std::ofstream file((folderPath + '/' + name).toStdString());
+    file << item("b").toStdString();
+    ASSERT_TRUE(file.flush()) << "this file system takes no such names";
+  }
+  EXPECT_EQ(plain().size(), 1);
+  const QString named = u"b\uFFFDro.ics:0: The file's name is not in UTF-8, so the file was not read."_qs;
+  EXPECT_EQ(problemTexts(), QStringList{named});
+  EXPECT_NO_THROW(store->changeTag(folder));
+  EXPECT_NO_THROW(save(single(), {}));
+  for (const char* name : {"b\xFCro.ics", "b\xFCro.txt"})  // Qt's own cleaning up does not find them
+    EXPECT_EQ(::unlink((folderPath + '/' + name).constData()), 0);
 }
 
 TEST_F(IcalendarTest, ReadingChangesNoByteAndNoTime) {

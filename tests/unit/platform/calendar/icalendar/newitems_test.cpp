@@ -84,6 +84,17 @@ TEST_F(NewItemsTest, ARemovedItemTakesItsFileAlongWhenNothingElseIsInIt) {
   EXPECT_EQ(read(u"a.ics"_qs), calendar(event({"UID:b", "DTSTART:20240202"})));
 }
 
+TEST_F(NewItemsTest, ARemovedItemLeavesItsFileWhenSomethingOfAnotherKindIsInIt) {
+  const QByteArray busy =
+      joined({"BEGIN:VFREEBUSY", "UID:f", "FREEBUSY:20240201T080000Z/PT1H", "END:VFREEBUSY"});
+  const QByteArray own = joined({"BEGIN:X-NOTES", "X-TEXT:kept", "END:X-NOTES"});
+  for (const QByteArray& other : {busy, own}) {
+    write(u"a.ics"_qs, calendar(event({"UID:a", "DTSTART:20240201"}) + other));
+    store->remove(folder, single().key, single().tag);
+    EXPECT_EQ(read(u"a.ics"_qs), calendar(other));
+  }
+}
+
 TEST_F(NewItemsTest, OneFileStaysAsAnEmptyCalendar) {
   folder = u"one"_qs;
   writeOne(calendar(event({"UID:a", "DTSTART:20240201"})));
