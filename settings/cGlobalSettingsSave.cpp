@@ -11,7 +11,7 @@
 #include "shell/modFileHandling.h"
 #include "shell/Present.h"
 
-#include <QSet>
+#include <QHash>
 
 namespace hourbook {
 
@@ -55,17 +55,12 @@ void writeValue(Recordset& row, const QString& idField, cMetaData& meta) {
 // kept: a name that changes in case alone is another name here, while a removed value is told without regard
 // to case; so both rows stay
 void saveValues(const cMetaDictionary& list, const QString& idField, Recordset& rows) {
-  QSet<QString> found;
-  for (; !rows.isEOF(); rows.MoveNext()) {
-    const QString name = nameOf(rows);
-    if (found.contains(name) || !list.MetaDic->Exists(name)) continue;
-    const auto& meta = list.MetaDic->Item(name);
-    if (meta->MetaName != name) continue;
-    found.insert(name);
-    writeValue(rows, idField, *meta);
-  }
+  QHash<QString, std::shared_ptr<cMetaData>> missing;
+  for (const auto& meta : list.MetaDic->Items()) missing.insert(meta->MetaName, meta);
+  for (; !rows.isEOF() && !missing.isEmpty(); rows.MoveNext())
+    if (const auto meta = missing.take(nameOf(rows))) writeValue(rows, idField, *meta);
   for (const auto& meta : list.MetaDic->Items()) {
-    if (found.contains(meta->MetaName)) continue;
+    if (!missing.remove(meta->MetaName)) continue;
     rows.AddNew();
     rows[u"strName"_s].setValue(meta->MetaName);
     writeValue(rows, idField, *meta);

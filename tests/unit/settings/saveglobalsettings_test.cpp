@@ -282,6 +282,50 @@ TEST_F(SaveGlobalSettings, EachListHasItsOwnKeyColumn) {
   EXPECT_EQ(customers().size(), 3);
 }
 
+TEST_F(SaveGlobalSettings, ARowWithoutANameCountsAsRemoved) {
+  run(u"insert into tblMeta1 (strName, blnEnabled) values (null, 0)"_s);
+  auto settings = readSettings();
+  EXPECT_EQ(settings->MetaDataLists.Item(1)->MetaDic->Count(), 3);
+  answer = [](frmResolveRemovedItem& form) {
+    form.optRemoveReports.setValue(true);
+    form.cmdOK.click();
+  };
+  EXPECT_TRUE(settings->SaveGlobalSettings());
+  ASSERT_EQ(asked.size(), 1);
+  EXPECT_EQ(asked.first().value, QString());
+  EXPECT_EQ(customers(), (QStringList{u"1|Acme"_s, u"2|Bolt"_s, u"3|Coil"_s}));
+}
+
+TEST_F(SaveGlobalSettings, AListThatIsSavedTwiceIsAskedAboutAgainOnlyWhileARowIsLeft) {
+  auto settings = readSettings();
+  keepOnly(*settings->MetaDataLists.Item(1), {u"Acme"_s, u"Coil"_s});
+  EXPECT_TRUE(settings->SaveGlobalSettings());
+  EXPECT_TRUE(settings->SaveGlobalSettings());
+  EXPECT_EQ(asked.size(), 2);
+  answer = [](frmResolveRemovedItem& form) {
+    form.optRemoveReports.setValue(true);
+    form.cmdOK.click();
+  };
+  EXPECT_TRUE(settings->SaveGlobalSettings());
+  EXPECT_TRUE(settings->SaveGlobalSettings());
+  EXPECT_EQ(asked.size(), 3);
+}
+
+TEST_F(SaveGlobalSettings, AValueIsSavedUnderItsOwnNameNotUnderItsKey) {
+  auto settings = readSettings();
+  cMetaDictionary& list = *settings->MetaDataLists.Item(1);
+  const auto acme = list.MetaDic->Item(u"Acme"_s);
+  keepOnly(list, {u"Bolt"_s, u"Coil"_s});
+  acme->Category = u"New"_s;
+  list.MetaDic->Add(u"Other key"_s, acme);
+  EXPECT_TRUE(settings->SaveGlobalSettings());
+  EXPECT_EQ(customers(), (QStringList{u"1|Acme"_s, u"2|Bolt"_s, u"3|Coil"_s}));
+  EXPECT_EQ(acme->ID, 1);
+  // a row is told to be removed by the keys
+  ASSERT_EQ(asked.size(), 1);
+  EXPECT_EQ(asked.first().value, u"Acme"_s);
+}
+
 TEST_F(SaveGlobalSettings, WithoutADialogARemovedValueFailsWithAClearText) {
   auto settings = readSettings();
   keepOnly(*settings->MetaDataLists.Item(1), {u"Acme"_s, u"Coil"_s});
