@@ -250,6 +250,43 @@ TEST_F(PersonalSettings, ARegistryValueThatIsNoneOfItsKindGivesFalse) {
   EXPECT_FALSE(settings.GetValuesFromSettings());
 }
 
+TEST_F(PersonalSettings, RubbishInTheRegistryGivesFalseAndALogTextWhicheverValueItIs) {
+  const QList<std::pair<QString, QStringList>> rubbish{{u"ReportChoice"_s, {u""_s, u"x"_s, u"99999999999"_s}},
+                                                       {u"PersonalRate"_s, {u""_s, u"much"_s, u"1e300"_s}},
+                                                       {u"FilterEvents"_s, {u""_s}},
+                                                       {u"StartGrid"_s, {u"perhaps"_s}}};
+  for (const auto& [key, texts] : rubbish)
+    for (const QString& text : texts) {
+      world.registry = platform::registry::MemoryRegistry();
+      setRegistry(u"ReportChoice"_s, u"2"_s);
+      setRegistry(key, text);
+      cPersonalSettings settings;
+      EXPECT_FALSE(settings.GetValuesFromSettings()) << qPrintable(key) << ' ' << qPrintable(text);
+      EXPECT_TRUE(fncLastLogText() == u"Type mismatch"_s || fncLastLogText() == u"Overflow"_s)
+          << qPrintable(fncLastLogText());
+    }
+}
+
+TEST_F(PersonalSettings, ANumberInTheRegistryWhereATextBelongsGivesFalse) {
+  world.registry.setValue(u"Software\\Norrdalen\\Hourbook for Outlook\\Settings"_s, u"ReportChoice"_s,
+                          qint32(2));
+  cPersonalSettings settings;
+  EXPECT_FALSE(settings.GetValuesFromSettings());
+  EXPECT_EQ(fncLastLogText(), u"Registry data not a string"_s);
+}
+
+TEST_F(PersonalSettings, ASecondReadingKeepsTheListsWhereTheRegistryNamesNone) {
+  setRegistry(u"ReportChoice"_s, u"2"_s);
+  setRegistry(u"MetadataList"_s, u"Customer:Acme;\r\n"_s);
+  cPersonalSettings settings;
+  EXPECT_TRUE(settings.GetValuesFromSettings());
+  EXPECT_TRUE(settings.GetValuesFromSettings());
+  EXPECT_EQ(linesOf(settings), QStringList{u"Customer:Acme;"_s});
+  setRegistry(u"MetadataList"_s, QString());
+  EXPECT_TRUE(settings.GetValuesFromSettings());
+  EXPECT_EQ(linesOf(settings), QStringList{u"Customer:Acme;"_s});
+}
+
 TEST_F(PersonalSettings, SavingWritesEveryValueToTheRegistryAsText) {
   cPersonalSettings settings;
   settings.ReportChoice = 2;
