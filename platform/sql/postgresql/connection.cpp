@@ -42,9 +42,9 @@ QString databaseOf(const ConnectionString& connection) {
 }
 
 /// The message of a refused connection without the code and the place in the server's own source that
-/// `PQERRORS_VERBOSE` puts into it; the code apart.
+/// `PQERRORS_VERBOSE` puts into it; the code apart. A digit tells it from words such as FATAL.
 QString plainMessage(QString text, QString* state) {
-  static const QRegularExpression code(QStringLiteral(":\\s+([0-9A-Z]{5}): "));
+  static const QRegularExpression code(QStringLiteral(":\\s+(?=[A-Z]*\\d)([0-9A-Z]{5}): "));
   static const QRegularExpression place(QStringLiteral("\\n[^\\n]*\\w+, \\w+\\.c:\\d+(?=\\n|$)"));
   const QRegularExpressionMatch match = code.match(text);
   if (match.hasMatch()) {
@@ -142,11 +142,11 @@ void Connection::open(const ConnectionString& connection) {
     const int ready = ::poll(&descriptor, 1, static_cast<int>(deadline.remainingTime()));
     if (ready < 0 && errno == EINTR) continue;
     if (ready <= 0)
-      throw Failure(errors::connectionFailed,
-                    QStringLiteral("Cannot connect to the database %1: the server does not answer (%2 "
-                                   "seconds were waited for it).")
-                        .arg(label_)
-                        .arg(connectTimeout(connection)));
+      throw Failure(
+          errors::connectionFailed,
+          QStringLiteral("Cannot connect to the database %1: the server did not answer within %2 s.")
+              .arg(label_)
+              .arg(connectTimeout(connection)));
     state = PQconnectPoll(connection_.get());
   }
   PQsetErrorVerbosity(connection_.get(), PQERRORS_DEFAULT);

@@ -20,10 +20,12 @@ class PostgresqlServer {
   const QString& problem() const { return problem_; }
   /// What a connection string names as its server.
   QString dataSource() const { return folder_.path(); }
+  /// The owner, who needs no password; nor does any other user but "guarded".
   QString user() const { return QStringLiteral("contract"); }
 
  private:
   void start();
+  void letIn(const QString& data);
   QString program(const QString& name) const;
   void prepare(QProcess& process) const;
 
