@@ -23,7 +23,7 @@ bool startsWith(const QString& statement, const char* word) {
 
 /// The server tells the referring table in both cases: which side was changed shows in the statement.
 Failure foreignKeyFailure(const ServerError& error, const QString& statement, const QString& label) {
-  static const QRegularExpression updated(QStringLiteral("^\\s*update\\s+\"?([^\"\\s]+|(?<=\")[^\"]+)\"?"),
+  static const QRegularExpression updated(QStringLiteral("^\\s*update\\s+(?|\"([^\"]+)\"|(\\S+))"),
                                           QRegularExpression::CaseInsensitiveOption);
   const QRegularExpressionMatch match = updated.match(statement);
   const bool ofKey = startsWith(statement, "delete") || startsWith(statement, "drop") ||
@@ -87,6 +87,7 @@ constexpr Known known[] = {
     {"58030", errors::diskError, "Disk or network error"},
     {"XX001", errors::damaged, "The database is damaged"},
     {"XX002", errors::damaged, "The database is damaged"},
+    {"08P01", errors::statementFailed, "The statement cannot be carried out"},  // too few parameters
     {"08", errors::connectionFailed, "The connection is broken"},
     {"57P", errors::connectionFailed, "The connection is broken"},
 };

@@ -9,6 +9,8 @@ namespace platform::sql::postgresql {
 /// turned into the server's; all others pass as they stand, several at once included, and may be in the
 /// server's whole language.
 ///
+/// A transaction whose `commit` fails is rolled back as a whole by the server itself.
+///
 /// As with the embedded database a statement that fails leaves the transaction around it as it was; it is set
 /// back by itself. A row or table that another program holds is waited for, `lockTimeoutMs` at most.
 class PostgresqlSession : public Session {

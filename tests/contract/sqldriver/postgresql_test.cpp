@@ -261,6 +261,11 @@ TEST_F(Postgresql, SeveralStatementsRunAtOnceButNoneOfTheAccessKind) {
   EXPECT_EQ(session->tables().size(), 2);
 }
 
+TEST_F(Postgresql, AParameterTooFewIsAFailureOfTheStatement) {
+  EXPECT_EQ(failureNumber([&] { session->execute(u"select ?, ?"_qs, {u"a"_qs}); }), errors::statementFailed);
+  EXPECT_TRUE(single(u"select ?"_qs, {u"a"_qs}) == Value(u"a"_qs));
+}
+
 TEST_F(Postgresql, CopyIsRefusedAndDoesNotHang) {
   EXPECT_EQ(failureNumber([&] { session->execute(u"COPY pg_class TO STDOUT"_qs); }), errors::statementFailed);
   EXPECT_EQ(failureNumber([&] { session->execute(u"select 1"_qs); }), errors::connectionFailed);

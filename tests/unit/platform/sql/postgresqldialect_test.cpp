@@ -187,6 +187,9 @@ TEST(PostgresqlFailure, NumbersFollowTheServersCodes) {
   EXPECT_EQ(number(u"42601"_qs), errors::statementFailed);
   EXPECT_EQ(number(u"23503"_qs, u"insert into \"tblReports\" ..."_qs), errors::relatedRecordRequired);
   EXPECT_EQ(number(u"23503"_qs, u"update \"tblReports\" set ..."_qs), errors::relatedRecordRequired);
+  EXPECT_EQ(number(u"23503"_qs, u"update tblReports set ..."_qs), errors::relatedRecordRequired);
+  EXPECT_EQ(number(u"23503"_qs, u"Update \"tblReports old\" set ..."_qs), errors::relatedRecords);
+  EXPECT_EQ(number(u"08P01"_qs), errors::statementFailed);
   EXPECT_EQ(number(u"23503"_qs, u"Update \"tblPersons\" set ..."_qs), errors::relatedRecords);
   EXPECT_EQ(number(u"23503"_qs, u"delete from \"tblPersons\""_qs), errors::relatedRecords);
 }
