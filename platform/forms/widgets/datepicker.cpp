@@ -6,9 +6,11 @@
 #include <QCoreApplication>
 #include <QDateEdit>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QStyleOptionComboBox>
 
+#include <algorithm>
 #include <optional>
 
 namespace platform::forms {
@@ -17,13 +19,18 @@ namespace {
 
 /// What the tool kit's field lacks for the keyboard: the calendar drops down by the keys that drop down any
 /// list, and a date may be typed with its signs. The field goes on to the next part by itself where no
-/// further digit fits; the sign typed then would go on once more.
+/// further digit fits; the sign typed then would go on once more. Digits typed into a part that is full, or
+/// over the whole date, would be dropped without a sign of it; they begin the part anew.
 class DateKeys : public QObject {
  public:
-  explicit DateKeys(QDateEdit* edit) : QObject(edit), edit_(edit) { edit->installEventFilter(this); }
+  explicit DateKeys(QDateEdit* edit) : QObject(edit), edit_(edit), line_(edit->findChild<QLineEdit*>()) {
+    edit->installEventFilter(this);
+    line_->installEventFilter(this);
+  }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::FocusOut) typedInto_.reset();
     if (watched == edit_ && event->type() == QEvent::KeyPress)
       return isTaken(*static_cast<QKeyEvent*>(event)) || QObject::eventFilter(watched, event);
     return QObject::eventFilter(watched, event);
@@ -36,7 +43,9 @@ class DateKeys : public QObject {
       return true;
     }
     const QString text = key.text();
-    if (!text.isEmpty() && text[0].isDigit()) {
+    const bool corrects = key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete;
+    if (!text.isEmpty() && text[0].isDigit()) beginPart();
+    if (corrects || (!text.isEmpty() && text[0].isDigit())) {
       typedInto_ = edit_->currentSection();
       return false;
     }
@@ -44,6 +53,19 @@ class DateKeys : public QObject {
     const bool wentOn = typedInto_ && *typedInto_ != edit_->currentSection();
     typedInto_.reset();
     return sign && wentOn;
+  }
+
+  /// Selects the part that a digit is typed into, unless digits of it have been typed before or the user has
+  /// selected some of its own.
+  void beginPart() {
+    const QString selected = line_->selectedText();
+    const bool severalParts =
+        std::any_of(selected.begin(), selected.end(), [](QChar sign) { return !sign.isDigit(); });
+    if (severalParts)
+      line_->setCursorPosition(line_->selectionStart());
+    else if (!selected.isEmpty() || typedInto_ == edit_->currentSection())
+      return;
+    edit_->setSelectedSection(edit_->currentSection());
   }
 
   static bool dropsDown(const QKeyEvent& key) {
@@ -67,6 +89,7 @@ class DateKeys : public QObject {
   }
 
   QDateEdit* edit_;
+  QLineEdit* line_;
   std::optional<QDateTimeEdit::Section> typedInto_;  // by the last key
 };
 

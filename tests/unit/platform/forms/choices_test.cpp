@@ -321,6 +321,59 @@ TEST(DateBinding, ADateMayBeTypedWithItsSignsOrWithout) {
   }
 }
 
+TEST(DateBinding, ADateMayBeTypedOverTheWholeDateThatIsSelected) {
+  for (const auto& [locale, keys] :
+       {std::pair("en_US", "06/03/2023"), {"de_DE", "3.6.2023"}, {"hu_HU", "20230603"}}) {
+    const platform::locale::ScopedLocale system(QString::fromLatin1(locale));
+    DTPicker control(u"dtpStartDate"_s);
+    control.setValue(Date::of(2024, 11, 15));
+    QDateEdit edit;
+    bind(control, &edit);
+    edit.findChild<QLineEdit*>()->selectAll();
+    QTest::keyClicks(&edit, QString::fromLatin1(keys));
+    EXPECT_EQ(control.Value(), Date::of(2023, 6, 3)) << locale;
+  }
+}
+
+TEST(DateBinding, ADigitTypedIntoAFullPartBeginsItAnew) {
+  const platform::locale::ScopedLocale american(u"en_US"_s);
+  DTPicker control(u"dtpStartDate"_s);
+  control.setValue(Date::of(2024, 11, 15));
+  QDateEdit edit;
+  bind(control, &edit);
+  edit.show();
+  auto* line = edit.findChild<QLineEdit*>();
+  const auto clickInto = [&](int position) {
+    QTest::mouseClick(line, Qt::LeftButton);
+    line->deselect();
+    line->setCursorPosition(position);
+  };
+  clickInto(1);
+  QTest::keyClicks(&edit, u"10"_s);
+  EXPECT_EQ(control.Value(), Date::of(2024, 10, 15));
+  clickInto(1);
+  QTest::keyClicks(&edit, u"1"_s);
+  clickInto(1);
+  QTest::keyClicks(&edit, u"2"_s);
+  EXPECT_EQ(control.Value(), Date::of(2024, 2, 15)) << "not 12: a click begins anew";
+}
+
+TEST(DateBinding, ADigitOfAPartMayBeCorrected) {
+  const platform::locale::ScopedLocale american(u"en_US"_s);
+  DTPicker control(u"dtpStartDate"_s);
+  control.setValue(Date::of(2024, 11, 15));
+  QDateEdit edit;
+  bind(control, &edit);
+  auto* line = edit.findChild<QLineEdit*>();
+  line->setCursorPosition(5);
+  QTest::keyClick(&edit, Qt::Key_Backspace);
+  QTest::keyClicks(&edit, u"7"_s);
+  EXPECT_EQ(control.Value(), Date::of(2024, 11, 17));
+  line->setSelection(3, 1);
+  QTest::keyClicks(&edit, u"2"_s);
+  EXPECT_EQ(control.Value(), Date::of(2024, 11, 27));
+}
+
 TEST(DateBinding, TheCalendarDropsDownByTheKeysOfAnyDropDown) {
   const platform::locale::ScopedLocale swedish(u"sv_SE"_s);
   DTPicker control(u"dtpStartDate"_s);
