@@ -72,6 +72,12 @@ void ListPart::changeEvent(QEvent* event) {
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) followFont();
 }
 
+void ListPart::settle() {
+  list_->endEdit();
+  for (const DropDown& dropDown : dropDowns_)
+    if (dropDown.widget->hasFocus()) list_->setFocus(Qt::OtherFocusReason);
+}
+
 // Places
 
 void ListPart::followCells() {
@@ -115,9 +121,9 @@ void ListPart::makeRoomFor(const QWidget* focused) {
 
 // Contents
 
-/// A cell of the row has another text, however that came.
+/// A cell of the row has another text, however that came: also one that has just been taken back.
 void ListPart::followContents(const CellRect& changed) {
-  if (!isInUse(form_) || workspaceValues().gFetching) return;
+  if (!isInUse(form_)) return;
   for (const DropDown& dropDown : dropDowns_)
     if (changed.contains(workspaceValues().gCurrentRow, dropDown.column)) showCell(dropDown);
 }

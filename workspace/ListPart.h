@@ -18,6 +18,10 @@ class ListPart : public QWidget {
  public:
   ListPart(ReportForm& form, QWidget* parent);
 
+  /// Ends what is being typed in a cell or a drop-down, as leaving it with the mouse does. A key may press a
+  /// button without taking the focus along.
+  void settle();
+
  protected:
   void changeEvent(QEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;

@@ -123,6 +123,7 @@ template <class Button, class Widget>
 Widget* ReportWindow::button(Button& control, Widget* widget) {
   forms::bind(control, widget);
   mnemonics_.add(control, widget);
+  connect(widget, &QAbstractButton::pressed, this, [this] { list_->settle(); });
   return widget;
 }
 
@@ -215,7 +216,8 @@ void ReportWindow::dropPicker(forms::DTPicker* picker) {
 QWidget* ReportWindow::splitViews() {
   auto* splitter = new QSplitter(Qt::Vertical, this);
   splitter->setObjectName(QStringLiteral("listAndStatistics"));
-  splitter->addWidget(new ListPart(form_, this));
+  list_ = new ListPart(form_, this);
+  splitter->addWidget(list_);
   splitter->addWidget(new StatisticsPart(form_, this));
   splitter->setStretchFactor(0, 3);
   splitter->setStretchFactor(1, 2);

@@ -16,6 +16,8 @@ class WindowPlaces;
 
 namespace hourbook {
 
+class ListPart;
+
 /// The window of the report form: lays the controls out and shows what they hold. Closing it ends the
 /// program, by the form's own event.
 class ReportWindow : public QDialog, public ReportFormScreen {
@@ -63,6 +65,7 @@ class ReportWindow : public QDialog, public ReportFormScreen {
   QBoxLayout* startField_ = nullptr;
   QBoxLayout* endField_ = nullptr;
   QLabel* line_ = nullptr;
+  ListPart* list_ = nullptr;
   bool waiting_ = false;
   QList<std::function<void()>> sizes_;  // that are counted from the font
 };

@@ -19,6 +19,10 @@ using Way = CellEditor::Way;
 CellEditing::CellEditing(SheetView& view, Spreadsheet& sheet) : QObject(&view), view_(&view), sheet_(&sheet) {
   connect(view_, &SheetView::cellsMoved, this, &CellEditing::followCell);
   connect(&sheet, &QObject::destroyed, this, &CellEditing::close);
+  // Another row may have taken its place, and what is being typed is not meant for that.
+  connect(&sheet, &Spreadsheet::cellsChanged, this, [this](const CellRect& changed) {
+    if (editor_ && changed.contains(cell_.row, cell_.column)) cancel();
+  });
 }
 
 CellEditing::~CellEditing() {

@@ -240,6 +240,44 @@ TEST_P(EditingWindow, KeepsTheDropDownOutOfTheWayOfTheCellsEditor) {
   EXPECT_TRUE(box(1).isAncestorOf(window->childAt(middle)) || window->childAt(middle) == &box(1));
 }
 
+TEST_P(EditingWindow, SavesWhatIsBeingTypedBeforeAKeyFetchesAnew) {
+  for (const bool byAlt : {false, true}) {
+    const QString hours = byAlt ? QStringLiteral("2") : QStringLiteral("1.5");
+    select("F2");
+    QTest::keyClicks(&list(), hours.left(1));
+    QTest::keyClicks(QApplication::focusWidget(), hours.mid(1));
+    w.add(QStringLiteral("Earlier"), byAlt ? at(15, 5) : at(15, 6), 30, complete);
+    if (byAlt)
+      control<QAbstractButton>("cmdGetValues")->click();  // as Alt and its letter do
+    else
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_F5);
+    EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("Earlier"));
+    EXPECT_EQ(w.cell(QStringLiteral("F3")), hours);
+  }
+}
+
+TEST_P(EditingWindow, SavesWhatIsBeingTypedInADropDownBeforeAKeyFetchesAnew) {
+  select("A3");
+  box(1).setFocus();
+  box(1).lineEdit()->selectAll();
+  QTest::keyClicks(&box(1), QStringLiteral("acme"));
+  QTest::keyClick(&box(1), Qt::Key_F5);
+  EXPECT_EQ(stored(1).categoriesText, QStringLiteral(";Acme;Intranet;Support"));
+  EXPECT_EQ(w.cell(QStringLiteral("B3")), QStringLiteral("Acme"));
+}
+
+TEST_P(EditingWindow, PutsNothingThatIsBeingTypedIntoAnAppointmentThatTookTheRow) {
+  select("F2");
+  QTest::keyClicks(&list(), QStringLiteral("7"));
+  w.add(QStringLiteral("Earlier"), at(15, 6), 30, complete);
+  subGetData();
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+  EXPECT_EQ(w.cell(QStringLiteral("A2")), QStringLiteral("Earlier"));
+  EXPECT_EQ(w.cell(QStringLiteral("F2")), QStringLiteral("0.5"));
+  for (const platform::calendar::Item& item : w.calendar->items(w.folder, {}))
+    EXPECT_NE(item.durationMinutes(), 420) << item.subject.toStdString();
+}
+
 TEST_P(EditingWindow, NamesTheDropDownsAfterTheirColumns) {
   select("A2");
   expectANameForEachControl();
@@ -266,6 +304,17 @@ TEST_P(EditingWindowOfTheNewerForms, TakeBackAnUnlistedValueThatIsTyped) {
   type(QStringLiteral("Nobody"));
   EXPECT_EQ(w.cell(QStringLiteral("B2")), QStringLiteral("Acme"));
   EXPECT_EQ(stored(0).categoriesText, complete);
+}
+
+TEST_P(EditingWindowOfTheNewerForms, ShowInTheDropDownWhatWasTakenBack) {
+  select("B2");
+  QApplication::clipboard()->setText(QStringLiteral("Nobody"));
+  QTest::keySequence(&list(), QKeySequence::Paste);
+  EXPECT_EQ(w.cell(QStringLiteral("B2")), QStringLiteral("Acme"));
+  EXPECT_EQ(box(1).currentText(), QStringLiteral("Acme"));
+  QApplication::clipboard()->setText(QStringLiteral("BETA"));
+  QTest::keySequence(&list(), QKeySequence::Paste);
+  EXPECT_EQ(box(1).currentText(), QStringLiteral("Beta"));
 }
 
 TEST_P(EditingWindowOfTheNewerForms, ShowInTheDropDownWhatBecomesOfItsCell) {
