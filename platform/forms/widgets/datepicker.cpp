@@ -20,7 +20,8 @@ namespace {
 /// What the tool kit's field lacks for the keyboard: the calendar drops down by the keys that drop down any
 /// list, and a date may be typed with its signs. The field goes on to the next part by itself where no
 /// further digit fits; the sign typed then would go on once more. Digits typed into a part that is full, or
-/// over the whole date, would be dropped without a sign of it; they begin the part anew.
+/// over the whole date, would be dropped without a sign of it; they begin the part anew. And a day would be
+/// cut down to the days of a month that is only about to be typed over: 31 in February to 3.
 class DateKeys : public QObject {
  public:
   explicit DateKeys(QDateEdit* edit) : QObject(edit), edit_(edit), line_(edit->findChild<QLineEdit*>()) {
@@ -30,29 +31,99 @@ class DateKeys : public QObject {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::FocusOut) typedInto_.reset();
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::FocusOut) endTyping();
+    if (watched == edit_ && event->type() == QEvent::ShortcutOverride) {
+      const int key = static_cast<QKeyEvent*>(event)->key();
+      if (key >= Qt::Key_F1 && key <= Qt::Key_F35) endTyping();
+    }
     if (watched == edit_ && event->type() == QEvent::KeyPress)
       return isTaken(*static_cast<QKeyEvent*>(event)) || QObject::eventFilter(watched, event);
     return QObject::eventFilter(watched, event);
   }
 
  private:
-  bool isTaken(const QKeyEvent& key) {
+  /// A month of one digit counts only now, as far as the field is concerned.
+  void endTyping() {
+    if (wantedDay_) edit_->interpretText();
+    showWantedDay();
+    forget();
+  }
+
+  void forget() {
+    typedInto_.reset();
+    dayDigits_.reset();
+    wantedDay_.reset();
+  }
+
+  bool isTaken(QKeyEvent& key) {
     if (dropsDown(key)) {
       dropDown();
       return true;
     }
     const QString text = key.text();
-    const bool corrects = key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete;
-    if (!text.isEmpty() && text[0].isDigit()) beginPart();
-    if (corrects || (!text.isEmpty() && text[0].isDigit())) {
+    if (!text.isEmpty() && text[0].isDigit()) return takesDigit(key, text[0]);
+    if (key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete) {
+      forget();
       typedInto_ = edit_->currentSection();
       return false;
     }
     const bool sign = text == u"/" || text == u"." || text == u"-" || text == u" ";
     const bool wentOn = typedInto_ && *typedInto_ != edit_->currentSection();
     typedInto_.reset();
-    return sign && wentOn;
+    dayDigits_.reset();
+    if (!sign) {
+      endTyping();
+      return false;
+    }
+    if (!wentOn) edit_->event(&key);
+    showWantedDay();
+    return true;
+  }
+
+  bool takesDigit(QKeyEvent& key, QChar digit) {
+    beginPart();
+    const QDateTimeEdit::Section part = edit_->currentSection();
+    typedInto_ = part;
+    if (part != QDateTimeEdit::DaySection) {
+      edit_->event(&key);
+      const bool yearIsFull = part == QDateTimeEdit::YearSection && edit_->date().year() >= 1000 &&
+                              line_->cursorPosition() == line_->text().size();
+      if (edit_->currentSection() != part || yearIsFull) showWantedDay();
+      return true;
+    }
+    if (!dayDigits_) return false;
+    *dayDigits_ += QString::number(digit.digitValue());
+    const int day = dayDigits_->toInt(), days = edit_->date().daysInMonth();
+    constexpr int mostDays = 31;
+    if (dayDigits_->size() == 1) {
+      wantedDay_.reset();
+      // The field would go on to the month at once, since no day from 30 on fits the month before.
+      if (day != 3 || days >= 30) return false;
+      show(day);
+      edit_->setSelectedSection(part);
+      return true;
+    }
+    if (day > mostDays || dayDigits_->size() > 2) return false;
+    wantedDay_ = day;
+    if (day <= days) return false;
+    show(days);
+    edit_->setCurrentSectionIndex(edit_->currentSectionIndex() + 1);
+    edit_->setSelectedSection(edit_->currentSection());
+    return true;
+  }
+
+  void show(int day) {
+    const QDate date = edit_->date();
+    edit_->setDate(QDate(date.year(), date.month(), day));
+  }
+
+  /// The day comes to stand as typed when its month or year has come that has so many days.
+  void showWantedDay() {
+    if (!wantedDay_ || *wantedDay_ == edit_->date().day() || *wantedDay_ > edit_->date().daysInMonth())
+      return;
+    const QDateTimeEdit::Section part = edit_->currentSection();
+    show(*wantedDay_);
+    edit_->setSelectedSection(part);
   }
 
   /// Selects the part that a digit is typed into, unless digits of it have been typed before or the user has
@@ -61,10 +132,13 @@ class DateKeys : public QObject {
     const QString selected = line_->selectedText();
     const bool severalParts =
         std::any_of(selected.begin(), selected.end(), [](QChar sign) { return !sign.isDigit(); });
-    if (severalParts)
-      line_->setCursorPosition(line_->selectionStart());
-    else if (!selected.isEmpty() || typedInto_ == edit_->currentSection())
-      return;
+    if (!severalParts && typedInto_ == edit_->currentSection()) return;
+    const bool digitsOfPart =
+        !severalParts && !selected.isEmpty() && selected != edit_->sectionText(edit_->currentSection());
+    dayDigits_.reset();
+    if (digitsOfPart) return;
+    if (severalParts) line_->setCursorPosition(line_->selectionStart());
+    dayDigits_ = QString();
     edit_->setSelectedSection(edit_->currentSection());
   }
 
@@ -91,6 +165,8 @@ class DateKeys : public QObject {
   QDateEdit* edit_;
   QLineEdit* line_;
   std::optional<QDateTimeEdit::Section> typedInto_;  // by the last key
+  std::optional<QString> dayDigits_;                 // typed so far; none where older ones stand beside them
+  std::optional<int> wantedDay_;                     // of two digits, that its month may still lack
 };
 
 }  // namespace

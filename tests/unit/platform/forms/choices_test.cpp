@@ -5,6 +5,7 @@
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QFocusEvent>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QScrollBar>
@@ -14,6 +15,8 @@
 #include <QTest>
 #include <QVBoxLayout>
 #include <QWheelEvent>
+
+#include <functional>
 
 using namespace platform::forms;
 using platform::basic::Date;
@@ -372,6 +375,58 @@ TEST(DateBinding, ADigitOfAPartMayBeCorrected) {
   line->setSelection(3, 1);
   QTest::keyClicks(&edit, u"2"_s);
   EXPECT_EQ(control.Value(), Date::of(2024, 11, 27));
+}
+
+TEST(DateBinding, ADayMayBeTypedThatTheMonthOrYearBeforeLacks) {
+  struct Typed {
+    const char* locale;
+    Date shown;
+    const char* keys;
+    Date meant;
+  };
+  for (const Typed& typed : {Typed{"de_DE", Date::of(2026, 2, 15), "31.12.2026", Date::of(2026, 12, 31)},
+                             {"de_DE", Date::of(2026, 2, 15), "29.02.2024", Date::of(2024, 2, 29)},
+                             {"de_DE", Date::of(2026, 3, 15), "29.02.2024", Date::of(2024, 2, 29)},
+                             {"de_DE", Date::of(2026, 4, 15), "31.5.2026", Date::of(2026, 5, 31)},
+                             {"de_DE", Date::of(2026, 2, 15), "3.5.2026", Date::of(2026, 5, 3)},
+                             {"de_DE", Date::of(2026, 2, 15), "31122026", Date::of(2026, 12, 31)},
+                             {"en_US", Date::of(2026, 11, 21), "2/29/2024", Date::of(2024, 2, 29)},
+                             {"en_US", Date::of(2026, 11, 30), "2/3/2026", Date::of(2026, 2, 3)},
+                             {"en_US", Date::of(2026, 2, 28), "12/31/2025", Date::of(2025, 12, 31)},
+                             {"sv_SE", Date::of(2024, 2, 29), "2023-12-31", Date::of(2023, 12, 31)}}) {
+    const platform::locale::ScopedLocale system(QString::fromLatin1(typed.locale));
+    DTPicker control(u"dtpStartDate"_s);
+    control.setValue(typed.shown);
+    QDateEdit edit;
+    bind(control, &edit);
+    edit.setSelectedSection(edit.sectionAt(0));
+    QTest::keyClicks(&edit, QString::fromLatin1(typed.keys));
+    EXPECT_EQ(control.Value(), typed.meant)
+        << typed.locale << ' ' << typed.keys << ' ' << edit.text().toStdString();
+  }
+}
+
+TEST(DateBinding, ADayThatIsTypedCountsWithTheMonthHoweverTheFieldIsLeft) {
+  const platform::locale::ScopedLocale german(u"de_DE"_s);
+  const QList<std::function<void(QDateEdit&)>> ways{
+      [](QDateEdit& edit) { QTest::keyClick(&edit, Qt::Key_Return); },
+      [](QDateEdit& edit) { QTest::keyClick(&edit, Qt::Key_F5); },
+      [](QDateEdit& edit) {
+        QFocusEvent out(QEvent::FocusOut);
+        QCoreApplication::sendEvent(&edit, &out);
+      }};
+  for (const auto& leave : ways) {
+    DTPicker control(u"dtpStartDate"_s);
+    control.setValue(Date::of(2026, 2, 15));
+    QDateEdit edit;
+    bind(control, &edit);
+    edit.setSelectedSection(QDateTimeEdit::DaySection);
+    QTest::keyClicks(&edit, u"31.1"_s);
+    leave(edit);
+    EXPECT_EQ(control.Value(), Date::of(2026, 1, 31));
+    control.setValue(Date::of(2026, 3, 5));
+    EXPECT_EQ(edit.date(), QDate(2026, 3, 5));
+  }
 }
 
 TEST(DateBinding, TheCalendarDropsDownByTheKeysOfAnyDropDown) {
