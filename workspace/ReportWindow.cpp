@@ -305,6 +305,7 @@ qint32 ReportWindow::GetPixel(int, int) const {
 }
 
 void ReportWindow::closeEvent(QCloseEvent* event) {
+  list_->settle();
   event->accept();
   form_.windowClosed();
 }

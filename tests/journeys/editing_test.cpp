@@ -1,11 +1,16 @@
 #include "journey.h"
+#include "unprivileged.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
 
 namespace tests {
 namespace {
@@ -182,6 +187,144 @@ TEST(EditingJourneys, AnAppointmentThatSomebodyElseHasChangedMeanwhileIsNotOverw
   EXPECT_ENDS_PROCESS(e.type(e.row, 0, u"Other"_s));
   EXPECT_EQ(outside::content(file), changed);
   EXPECT_EQ(e.j.subjects().value(e.row), u"First"_s);
+}
+
+// The calendar goes wrong while the window is open
+
+/// No file may grow over this many bytes: the system then answers as it does when a disk fills up.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t room) : before_(std::signal(SIGXFSZ, SIG_IGN)) {
+    EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &limit_), 0);
+    const rlimit little{room, limit_.rlim_max};
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &little), 0);
+  }
+  ~FullDisk() {
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit_), 0);
+    std::signal(SIGXFSZ, before_);
+  }
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+
+ private:
+  void (*before_)(int);
+  rlimit limit_{};
+};
+
+/// Types a subject that cannot be saved: told, put back in the list, and the report names what is the matter.
+void expectSubjectIsNotSaved(EditingJourney& e, const QString& named = u"first.ics"_s) {
+  e.j.world.dialogs.expect(u"Your changes were not saved."_s, platform::dialogs::vbOK);
+  e.j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
+  EXPECT_ENDS_PROCESS(e.type(e.row, 0, u"Other"_s));
+  EXPECT_TRUE(e.j.world.dialogs.shown.last().text.contains(u"fncSaveChanges"_s));
+  EXPECT_TRUE(e.j.world.dialogs.shown.last().text.contains(named))
+      << qPrintable(e.j.world.dialogs.shown.last().text);
+  EXPECT_EQ(e.j.subjects().value(e.row), u"First"_s);
+}
+
+TEST(EditingJourneys, AChangeInACalendarThatHasBecomeReadOnlyIsNotSavedAndTold) {
+  EditingJourney e;
+  const Unprivileged user(e.j.home());
+  protect(e.j.calendar());
+  expectSubjectIsNotSaved(e, e.j.calendar());
+  EXPECT_EQ(e.changedFiles(), QStringList{});
+  unprotect(e.j.calendar());
+}
+
+TEST(EditingJourneys, AChangeOfAnAppointmentThatHasBecomeReadOnlyIsNotSavedAndTold) {
+  EditingJourney e;
+  const Unprivileged user(e.j.home());
+  protect(e.j.calendar() + u"/first.ics"_s);
+  expectSubjectIsNotSaved(e);
+  EXPECT_EQ(e.changedFiles(), QStringList{});
+}
+
+TEST(EditingJourneys, AChangeInACalendarThatHasVanishedIsNotSavedAndTold) {
+  EditingJourney e;
+  const QString away = e.j.calendar() + u"-away"_s;
+  ASSERT_TRUE(QFile::rename(e.j.calendar(), away));
+  e.j.world.dialogs.expect(u"Your changes were not saved."_s, platform::dialogs::vbOK);
+  e.j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
+  EXPECT_ENDS_PROCESS(e.type(e.row, 0, u"Other"_s));
+  EXPECT_EQ(e.j.subjects().value(e.row), u"First"_s);
+  EXPECT_FALSE(QFile::exists(e.j.calendar())) << "a calendar must not be made anew with one appointment";
+  EXPECT_EQ(outside::changed(e.before, outside::files(away)), QStringList{});
+}
+
+TEST(EditingJourneys, AChangeOfAnAppointmentThatSomebodyElseHasDeletedDoesNotBringItBack) {
+  EditingJourney e;
+  ASSERT_TRUE(QFile::remove(e.j.calendar() + u"/first.ics"_s));
+  expectSubjectIsNotSaved(e);
+  EXPECT_EQ(e.changedFiles(), QStringList{u"first.ics"_s});
+  EXPECT_FALSE(QFile::exists(e.j.calendar() + u"/first.ics"_s));
+}
+
+TEST(EditingJourneys, AChangeOnAFullDiskLeavesTheAppointmentWholeAndIsTold) {
+  for (const rlim_t room : {0, 1, 100}) {
+    EditingJourney e;
+    {
+      const FullDisk disk(room);
+      expectSubjectIsNotSaved(e);
+    }
+    EXPECT_EQ(e.changedFiles(), QStringList{}) << room;
+  }
+}
+
+TEST(EditingJourneys, AValueChosenOnAFullDiskIsGivenBack) {
+  EditingJourney e;
+  e.j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
+  {
+    const FullDisk disk(0);
+    EXPECT_ENDS_PROCESS(e.choose(e.row, 1, u"Fjord Shipping AS"_s));
+  }
+  EXPECT_TRUE(e.j.rows().value(e.row).startsWith(u"First|Acme AB|"_s));
+  EXPECT_EQ(e.changedFiles(), QStringList{});
+}
+
+// An edit that is open
+
+TEST(EditingJourneys, HoursThatAreBeingTypedAreSavedBeforeF5FetchesAnew) {
+  EditingJourney e;
+  e.go(e.row, 5);
+  typeText(&e.list(), u"2"_s);
+  typeText(QApplication::focusWidget(), u".5"_s);
+  e.j.add(u"before"_s, {u"Before"_s, u"20240708T080000"_s, 60, marking});
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_F5);
+  EXPECT_EQ(e.j.subjects().value(e.row), u"Before"_s);
+  EXPECT_EQ(e.j.event(u"first"_s).minutes, u"150"_s);
+  EXPECT_EQ(e.j.event(u"before"_s).minutes, u"60"_s);
+}
+
+TEST(EditingJourneys, HoursThatAreBeingTypedAreSavedWhenTheWindowIsClosed) {
+  EditingJourney e;
+  e.go(e.row, 5);
+  typeText(&e.list(), u"2"_s);
+  typeText(QApplication::focusWidget(), u".5"_s);
+  EXPECT_ENDS_PROCESS(e.j.window()->close());
+  EXPECT_EQ(e.j.event(u"first"_s).minutes, u"150"_s);
+  EXPECT_EQ(e.changedFiles(), QStringList{u"first.ics"_s});
+}
+
+TEST(EditingJourneys, TwoQuickEditsOfOneAppointmentAreBothSaved) {
+  EditingJourney e;
+  e.type(e.row, 0, u"Other"_s);
+  e.type(e.row, 5, u"2"_s);
+  e.type(e.row + 1, 5, u"4"_s);
+  EXPECT_EQ(e.j.event(u"first"_s).summary, u"Other"_s);
+  EXPECT_EQ(e.j.event(u"first"_s).minutes, u"120"_s);
+  EXPECT_EQ(e.j.event(u"second"_s).summary, u"Second"_s);
+  EXPECT_EQ(e.j.event(u"second"_s).minutes, u"240"_s);
+}
+
+TEST(EditingJourneys, AnAppointmentThatHasBeenReportedKeepsItsStampWhenItIsEdited) {
+  EditingJourney e;
+  e.j.reportAndStay();
+  e.j.fetch(july8, july14);
+  const QString stamp = e.j.event(u"first"_s).stamp;
+  ASSERT_FALSE(stamp.isEmpty());
+  e.type(e.row, 5, u"3"_s);
+  EXPECT_EQ(e.j.event(u"first"_s).minutes, u"180"_s);
+  EXPECT_EQ(e.j.event(u"first"_s).stamp, stamp);
 }
 
 TEST(EditingJourneys, HoursWithACommaAreTheSameAsWithAPointWhereThatIsTheDecimalSign) {
