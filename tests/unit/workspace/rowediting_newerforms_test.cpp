@@ -291,6 +291,37 @@ TEST(HoursOfACell, AreANumberInEveryLanguageThatTheProgramKnows) {
   }
 }
 
+TEST_F(EditedList, SavesHoursOfEveryKindThatIsANumber) {
+  const std::pair<const char*, int> kinds[] = {{"0", 0},       {"24", 1440}, {"0.01", 1},
+                                               {"1e3", 60000}, {" 2 ", 120}, {"+1.5", 90},
+                                               {".5", 30},     {"3.", 180},  {"1,000", 60000}};
+  for (const auto& [typed, minutes] : kinds) {
+    type(QStringLiteral("F2"), QString::fromLatin1(typed));
+    EXPECT_EQ(stored(0).durationMinutes(), minutes) << typed;
+  }
+  EXPECT_EQ(stored(1).durationMinutes(), 90);
+}
+
+TEST_F(EditedList, LeavesHoursThatReadAsNoNumberInTheCell) {
+  for (const char* typed : {"1:30", "1h", "1.2.3", "--1", "nan", "inf", "half", "\u0661"}) {
+    type(QStringLiteral("F2"), QString::fromUtf8(typed));
+    EXPECT_EQ(w.cell(QStringLiteral("F2")), QString::fromUtf8(typed));
+  }
+  EXPECT_EQ(saves(), 0);
+}
+
+class HoursThatNoAppointmentCanHave : public EditedList, public testing::WithParamInterface<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Kinds, HoursThatNoAppointmentCanHave, testing::Values("-1", "1e300"));
+
+TEST_P(HoursThatNoAppointmentCanHave, AreToldAndNotSaved) {
+  w.world.dialogs.expect(notSaved, platform::dialogs::vbOK);
+  expectReport("fncSaveChanges");
+  EXPECT_ENDS_PROCESS(type(QStringLiteral("F2"), QString::fromLatin1(GetParam())));
+  EXPECT_EQ(stored(0).durationMinutes(), 60);
+  EXPECT_EQ(saves(), 0);
+  EXPECT_FALSE(w.workspace->gFetching);
+}
+
 TEST_F(EditedList, RoundsMinutesToWholeOnes) {
   type(QStringLiteral("F2"), QStringLiteral("1.33"));
   EXPECT_EQ(stored(0).durationMinutes(), 80);
