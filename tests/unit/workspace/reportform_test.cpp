@@ -376,6 +376,27 @@ TEST(Events, GetValuesFetches) {
   EXPECT_THAT(w.subjects(), ElementsAre(QStringLiteral("New")));
 }
 
+TEST(Events, FetchOnceAtLoadAndForEachRequestAndForNothingElse) {
+  for (const qint16 generation : {9, 10, 11}) {
+    WorkspaceWorld w;
+    w.startLog();
+    w.loadForm(generation);
+    const auto fetches = [&] { return w.logged().count(QStringLiteral("Clearing the list")); };
+    EXPECT_EQ(fetches(), 1) << generation;
+    w.form->cmdGetValues.click();
+    EXPECT_EQ(fetches(), 2) << generation;
+    w.form->cmbFilterCalendar.setListIndex(2);
+    EXPECT_EQ(fetches(), 3) << generation;
+    w.form->tbsViews.setIndex(1);
+    w.form->txtDays.setText(QStringLiteral("14"));
+    w.form->vDaysBefore.setValue(-3);
+    w.form->cmbYear.setText(QStringLiteral("2023"));
+    w.form->cmbMonth.setListIndex(0);
+    w.form->cmbDay.setListIndex(0);
+    EXPECT_EQ(fetches(), 3) << generation;
+  }
+}
+
 TEST(Events, ChoosingAFilterFetchesOnlyWhileItCanBeSeen) {
   WorkspaceWorld w;
   w.loadForm();
