@@ -24,6 +24,14 @@ void setRows(QListWidget* list, int rows) {
   list->setMinimumHeight(height);
 }
 
+/// The common lists as they were before they had values, or no lists at all.
+bool beginsOf(const QList<NamedList>& lists, const QList<NamedList>& common) {
+  if (lists.size() > common.size()) return false;
+  for (qsizetype i = 0; i < lists.size(); ++i)
+    if (!lists[i].values.isEmpty() || lists[i].name != common[i].name) return false;
+  return true;
+}
+
 }  // namespace
 
 ListsPage::ListsPage(SettingsSession& session) : PersonalPage(session) {
@@ -297,8 +305,9 @@ void ListsPage::showState() {
 }
 
 void ListsPage::aboutToShow() {
-  // who has no lists yet begins with the common ones
-  if (session_.buffer.lists.isEmpty() && !session_.commonLists().isEmpty())
+  // who has no lists yet begins with the common ones; so does who took them when they had no values yet
+  const QList<NamedList> common = session_.commonLists();
+  if (!common.isEmpty() && common != session_.buffer.lists && beginsOf(session_.buffer.lists, common))
     takeCommon();
   else
     showState();

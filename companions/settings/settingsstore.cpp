@@ -117,6 +117,7 @@ QString SettingsStore::keptTagOf(const SettingsBuffer& buffer) const {
 
 ReadSettings SettingsStore::read() {
   read_ = {};
+  takenFrom_.clear();
   overwrite_ = false;
   read_.buffer = defaultSettings();
   outside_.configuration = readOrMissing(configurationFile());
@@ -219,7 +220,7 @@ void SettingsStore::readServer(ReadSettings& read, const QString& text) const {
 }
 
 /// Where the registry has no settings, those that the calendar has brought along count.
-void SettingsStore::readKept(ReadSettings& read) const {
+void SettingsStore::readKept(ReadSettings& read) {
   const CalendarEntry* open = openCalendarOf(read.buffer);
   if (!open) return;
   KeptSettings kept;
@@ -236,9 +237,10 @@ void SettingsStore::readKept(ReadSettings& read) const {
                        (read.hasSettings ? texts::keepTorn : texts::keepTornAndUsed).arg(kept.reason)});
 }
 
-KeptSettings SettingsStore::takeOver(SettingsBuffer& buffer, const CalendarEntry& calendar) const {
+KeptSettings SettingsStore::takeOver(SettingsBuffer& buffer, const CalendarEntry& calendar) {
   KeptSettings kept = AppointmentCopy(absolute(calendar)).read();
   if (kept.state != State::Intact) return kept;
+  takenFrom_ = absolute(calendar).path;
   ReadSettings taken;
   taken.buffer = buffer;
   take(taken.buffer, taken.notes, *kept.settings);
@@ -246,6 +248,19 @@ KeptSettings SettingsStore::takeOver(SettingsBuffer& buffer, const CalendarEntry
   readTarget(taken, kept.settings->ReportValue);
   buffer = taken.buffer;
   return kept;
+}
+
+std::optional<CalendarEntry> SettingsStore::replacedCopy(const SettingsBuffer& buffer) const {
+  const CalendarEntry* open = openCalendarOf(buffer);
+  if (!open || open->readOnly || !buffer.keepInCalendar) return std::nullopt;
+  const QString path = absolute(*open).path;
+  const CalendarEntry* before = openCalendarOf(read_.buffer);
+  if (path == takenFrom_ || (before && absolute(*before).path == path)) return std::nullopt;
+  const KeptSettings kept = AppointmentCopy(absolute(*open)).read();
+  if (kept.state != State::Intact) return std::nullopt;
+  const auto settings = freshSettings();
+  fill(*settings, buffer);
+  return kept.text == settings->fncBuildBody() ? std::nullopt : std::optional(*open);
 }
 
 /// All but the target.

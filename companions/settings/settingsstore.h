@@ -4,6 +4,7 @@
 #include "platform/files/atomicfile.h"
 
 #include <functional>
+#include <optional>
 
 namespace hourbook {
 
@@ -36,7 +37,10 @@ class SettingsStore {
   void save(const SettingsBuffer& buffer, const std::function<void()>& last = {});
 
   /// The settings kept in a calendar, put into the buffer where they are intact.
-  KeptSettings takeOver(SettingsBuffer& buffer, const CalendarEntry& calendar) const;
+  KeptSettings takeOver(SettingsBuffer& buffer, const CalendarEntry& calendar);
+  /// The calendar whose settings the copy of this buffer would replace though nobody has seen them here: one
+  /// that was not open before, with settings of its own that were not taken over.
+  std::optional<CalendarEntry> replacedCopy(const SettingsBuffer& buffer) const;
   /// As the report program would get the target.
   QString reportValue(const SettingsBuffer& buffer) const;
   /// The whole connection text for the server.
@@ -58,7 +62,7 @@ class SettingsStore {
   void readRegistry(ReadSettings& read) const;
   void readTarget(ReadSettings& read, const QString& value) const;
   void readServer(ReadSettings& read, const QString& text) const;
-  void readKept(ReadSettings& read) const;
+  void readKept(ReadSettings& read);
   void steps(Undo& undo, const SettingsBuffer& buffer);
   void writeConfiguration(Undo& undo, const SettingsBuffer& buffer) const;
   void writeConnectionFile(Undo& undo, const SettingsBuffer& buffer) const;
@@ -72,6 +76,7 @@ class SettingsStore {
   QString folder_;
   Outside outside_;
   ReadSettings read_;
+  QString takenFrom_;       // path of the calendar whose settings were taken over last
   bool overwrite_ = false;  // what another program has written since is to go
 };
 

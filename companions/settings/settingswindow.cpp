@@ -156,16 +156,17 @@ bool SettingsWindow::tellProblem(int row, const QString& text) {
 bool SettingsWindow::showProblem() {
   for (int row = 0; row < pages_.size(); ++row) {
     SettingsPage* page = pages_[row];
+    if (page == common_ && session_.place().isNew && !common_->isChanged()) {
+      lstPages->setCurrentRow(row);
+      return tellProblem(row, texts::newNeedsCommon);
+    }
     // a page that has only become what it is by another one asks again when it is looked at
     if (page->problem().isEmpty()) continue;
     lstPages->setCurrentRow(row);
     const QString text = page->problem();  // the field could not get the focus before its page was in front
     if (!text.isEmpty()) return tellProblem(row, text);
   }
-  if (!common_ || !session_.place().isNew || common_->isChanged()) return false;
-  const int row = static_cast<int>(pages_.indexOf(common_));
-  lstPages->setCurrentRow(row);
-  return tellProblem(row, texts::newNeedsCommon);
+  return false;
 }
 
 void SettingsWindow::readAnew() {
@@ -185,6 +186,19 @@ bool SettingsWindow::mayOverwrite() {
   return true;
 }
 
+bool SettingsWindow::mayReplaceKept() {
+  const auto replaced = session_.store.replacedCopy(session_.buffer);
+  if (!replaced) return true;
+  const int answer = session_.questions.choice(this, texts::keptMeanwhile.arg(replaced->name),
+                                               {texts::takeOverAnswer, texts::replaceAnswer});
+  if (answer == 0 &&
+      session_.store.takeOver(session_.buffer, *replaced).state == KeptSettings::State::Intact) {
+    loadPages();
+    lblProblem->show(texts::takenOver, ProblemLabel::Kind::Note);
+  }
+  return answer == 1;
+}
+
 void SettingsWindow::save() {
   session_.store.save(session_.buffer, [this] {
     if (common_ && common_->isChanged()) common_->apply();
@@ -197,7 +211,7 @@ void SettingsWindow::accept() {
   QString failed;
   bool saved = false;
   try {
-    if (mayOverwrite()) {
+    if (mayOverwrite() && mayReplaceKept()) {
       save();
       saved = true;
     }

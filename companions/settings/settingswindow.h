@@ -42,6 +42,8 @@ class SettingsWindow : public QDialog {
   bool tellProblem(int row, const QString& text);
   /// False: another program's changes were to be read, or nothing was to be done.
   bool mayOverwrite();
+  /// False: settings that the calendar holds were taken over, or nothing was to be done.
+  bool mayReplaceKept();
   void readAnew();
   void save();
 

@@ -18,6 +18,12 @@ inline const QString changedMeanwhile =
     "write it over them, or read them anew and lose what you have changed here?"_s;
 inline const QString keepMine = u"Keep mine"_s;
 inline const QString readAnew = u"Read anew"_s;
+inline const QString keptMeanwhile =
+    u"The calendar \"%1\" holds settings already, kept there by another machine or at another time. Take "
+    u"them "
+    u"over into this window, or replace them by what the window holds?"_s;
+inline const QString takeOverAnswer = u"Take them over"_s;
+inline const QString replaceAnswer = u"Replace them"_s;
 inline const QString discard = u"There are changes that are not saved. Close the window without them?"_s;
 inline const QString discardAnswer = u"Close without saving"_s;
 inline const QString newNeedsCommon =

@@ -169,6 +169,49 @@ TEST_F(Pages, SettingsKeptInACalendarAreTakenOverOnRequest) {
   EXPECT_EQ(control<QLineEdit>("txtFolder")->text(), path(u"database"_s));
 }
 
+TEST_F(Pages, SettingsKeptInACalendarAreNotReplacedWithoutAsking) {
+  SettingsStore first(config());
+  const SettingsBuffer kept = filledIn(first);
+  first.save(kept);
+  ASSERT_TRUE(QDir(config()).removeRecursively());
+  const auto set = [&] {
+    open();
+    type("txtPersonName", u"Jane"_s);
+    answers.paths = {path(u"calendar"_s)};
+    press("cmdAddFolder");
+    goTo(texts::targetPage);
+    type("txtFolder", path(u"database"_s));
+    goTo(texts::listsPage);
+    press("cmdAddList");
+    type("txtNewValue", u"Mine"_s);
+    press("cmdAddValue");
+  };
+  set();
+  const auto before = everything();
+  answers.choices = {-1};
+  ok();
+  EXPECT_EQ(answers.asked.last(), texts::keptMeanwhile.arg(u"calendar"_s));
+  EXPECT_TRUE(isOpen());
+  EXPECT_EQ(everything(), before);
+  answers.choices = {0};
+  ok();
+  EXPECT_TRUE(isOpen());
+  EXPECT_EQ(message("lblProblem"), texts::takenOver);
+  EXPECT_EQ(window->session().buffer.lists, kept.lists);
+  EXPECT_EQ(everything(), before);
+  type("txtPersonalRate", u"9"_s);
+  ok();
+  EXPECT_FALSE(isOpen()) << "what was taken over may be changed and saved";
+  EXPECT_EQ(stored().lists, kept.lists);
+  ASSERT_TRUE(QDir(config()).removeRecursively());
+  close();
+  set();
+  answers.choices = {1};
+  ok();
+  EXPECT_FALSE(isOpen());
+  EXPECT_EQ(stored().lists.value(0).values, QStringList{u"Mine"_s});
+}
+
 TEST_F(Pages, ATornCopyInTheCalendarIsToldAtItsBox) {
   openFilledIn();
   close();
@@ -502,6 +545,29 @@ TEST_F(Pages, ANewDatabaseIsNotMadeWithoutItsCommonSettings) {
   EXPECT_TRUE(isOpen());
   EXPECT_TRUE(message("lblProblem").endsWith(texts::newNeedsCommon)) << qPrintable(message("lblProblem"));
   EXPECT_FALSE(QFileInfo::exists(path(u"new"_s)));
+}
+
+TEST_F(Pages, OfANewDatabaseTheCommonListsAreAskedForBeforeOnesOwnAndGiveThemTheirValues) {
+  write(path(u"calendar/.keep"_s), "");
+  open(true);
+  type("txtPersonName", u"Jane"_s);
+  answers.paths = {path(u"calendar"_s)};
+  press("cmdAddFolder");
+  goTo(texts::targetPage);
+  type("txtFolder", path(u"new"_s));
+  press("chkMakeDatabase");
+  goTo(texts::listsPage);
+  ok();
+  const QString common = control<QListWidget>("lstPages")->item(2)->text();
+  EXPECT_EQ(page(), common);
+  EXPECT_EQ(message("lblProblem"), texts::problemOnPage.arg(common, texts::newNeedsCommon));
+  auto lists = window->session().commonLists();
+  ASSERT_FALSE(lists.isEmpty());
+  lists[0].values = {u"Acme"_s};
+  window->session().commonLists = [lists] { return lists; };
+  goTo(texts::listsPage);
+  EXPECT_EQ(items("lstValues"), QStringList{u"Acme"_s});
+  EXPECT_EQ(window->session().buffer.lists, lists);
 }
 
 // Others
