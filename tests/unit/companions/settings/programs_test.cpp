@@ -35,12 +35,17 @@ class Programs : public SettingsHome {
     variables.insert(u"DISPLAY"_s, u":99"_s);
     for (const char* name : {"HOURBOOK_CONFIG", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "WAYLAND_DISPLAY"})
       variables.remove(QString::fromLatin1(name));
+    if (!configuration.isEmpty()) variables.insert(u"HOURBOOK_CONFIG"_s, configuration);
+    QDir().mkpath(path(u"home"_s));
+    process.setWorkingDirectory(path(u"home"_s));
     process.setProcessEnvironment(variables);
     process.start(u"bash"_s, QStringList{tree + u"/run"_s} + arguments);
     EXPECT_TRUE(process.waitForFinished(patience));
     if (code) *code = process.exitCode();
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed().replace(u'\n', u'|');
   }
+  QString configuration;  // what HOURBOOK_CONFIG names, from the home folder
+
   void haveSettings() { write(path(u"home/.config/hourbook/platform.ini"_s), ""); }
 };
 
@@ -66,6 +71,12 @@ TEST_F(Programs, RunWithoutSettingsEndsWhereNoneWereSaved) {
 TEST_F(Programs, RunOnSettingsAsksNothing) {
   haveSettings();
   EXPECT_EQ(run({}, 1), u"hourbook on .config/hourbook"_s);
+}
+
+TEST_F(Programs, RunFindsANamedConfigurationFromWhereItIsCalled) {
+  write(path(u"home/own/platform.ini"_s), "");
+  configuration = u"own"_s;
+  EXPECT_EQ(run({}, 1), u"hourbook on own"_s);
 }
 
 TEST_F(Programs, RunOpensTheSettingsOnRequest) {
