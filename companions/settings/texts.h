@@ -160,7 +160,7 @@ inline const QString newListName = u"List %1"_s;
 inline const QString noLists = u"Without a list no appointment can be marked. Add one."_s;
 inline const QString tooManyLists = u"There are at most three lists."_s;
 inline const QString noValues =
-    u"A list needs a value: without one, no appointment could be marked completely."_s;
+    u"Add a value, or remove the list: without a value, no appointment could be marked completely."_s;
 inline const QString notCommon =
     u"Not in the common list, so appointments marked with it cannot be reported: %1"_s;
 inline const QString otherListName = u"The common list in this place is called \"%1\"."_s;
