@@ -10,5 +10,6 @@ int main(int argc, char** argv) {
   bench::measureReporting();
   bench::measureChart();
   bench::measureWindow();
+  bench::measureEditing();
   return 0;
 }

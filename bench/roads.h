@@ -11,5 +11,7 @@ void measureChart();
 
 /// Scrolling through 199 rows of the list, against a bare table with the same texts.
 void measureWindow();
+/// Typing hours from the key to the saved file, against a bare table that replaces the same file.
+void measureEditing();
 
 }  // namespace bench
