@@ -44,19 +44,19 @@ bool holdsSeparator(const QString& name) {
 
 }  // namespace
 
-NameProblem fncFindNameProblem(const QString& name, const QStringList& others, NameKind kind) {
+NameProblem fncFindNameProblem(const QString& name, const QStringList& others) {
   if (name.trimmed().isEmpty()) return NameProblem::Empty;
   if (holdsUnprinted(name)) return NameProblem::Unprinted;
   if (name.front().isSpace() || name.back().isSpace()) return NameProblem::Blank;
-  if (kind == NameKind::Value && name.contains(u';')) return NameProblem::Semicolon;
-  if (kind == NameKind::Value && holdsSeparator(name)) return NameProblem::Separator;
-  if (kind == NameKind::List && name.contains(u':')) return NameProblem::Colon;
+  if (name.contains(u';')) return NameProblem::Semicolon;
+  if (holdsSeparator(name)) return NameProblem::Separator;
+  if (name.contains(u':')) return NameProblem::Colon;
   if (name.size() > longestName) return NameProblem::TooLong;
   return isAmong(name, others) ? NameProblem::Double : NameProblem::None;
 }
 
-QString fncNameProblem(const QString& name, const QStringList& others, NameKind kind) {
-  return fncNameProblemText(fncFindNameProblem(name, others, kind));
+QString fncNameProblem(const QString& name, const QStringList& others) {
+  return fncNameProblemText(fncFindNameProblem(name, others));
 }
 
 QString fncNameProblemText(NameProblem problem) {
@@ -73,9 +73,9 @@ QString fncNameProblemText(NameProblem problem) {
       return u"A name must not hold \"%1\", which separates the values of an appointment on this system."_s
           .arg(shellValues().gListSeparator);
     case NameProblem::Semicolon:
-      return u"A name must not hold \";\", which separates the values of a list."_s;
+      return u"A name must not hold \";\", which separates values where they are stored."_s;
     case NameProblem::Colon:
-      return u"The name of a list must not hold \":\", which ends it where it is stored."_s;
+      return u"A name must not hold \":\", which ends the name of a list where it is stored."_s;
     case NameProblem::TooLong:
       return u"A name must not be longer than %1 characters."_s.arg(longestName);
     case NameProblem::Double:

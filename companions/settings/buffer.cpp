@@ -121,7 +121,7 @@ QString serverTextProblem(const QString& text) {
 QString listNameProblem(const QList<NamedList>& lists, qsizetype index) {
   QStringList names;
   for (const NamedList& list : lists) names.append(list.name);
-  return fncNameProblem(lists[index].name, without(names, index), NameKind::List);
+  return fncNameProblem(lists[index].name, without(names, index));
 }
 
 QString valueProblem(const NamedList& list, const QString& value) {

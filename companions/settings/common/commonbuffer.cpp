@@ -169,7 +169,7 @@ QString CommonBuffer::captionProblem(int list) const {
   for (int earlier = 0; earlier < list; ++earlier)
     if (foldedKey(edited.lists[earlier].caption) == foldedKey(caption))
       return texts::captionTwice.arg(earlier + 1);
-  return caption == stored.lists[list].caption ? QString() : fncNameProblem(caption, NameKind::List);
+  return caption == stored.lists[list].caption ? QString() : fncNameProblem(caption);
 }
 
 QString CommonBuffer::billingHint() const {

@@ -83,7 +83,7 @@ TEST_F(Buffer, IsUnchangedAgainWhenARemovedValueIsTypedAgain) {
 
 TEST_F(Buffer, RefusesNamesThatTheStoredFormsCannotHold) {
   EXPECT_EQ(buffer.addValue(0, u"A;B"_s),
-            u"A name must not hold \";\", which separates the values of a list."_s);
+            u"A name must not hold \";\", which separates values where they are stored."_s);
   EXPECT_EQ(buffer.addValue(0, u"A,B"_s),
             u"A name must not hold \",\", which separates the values of an appointment on this system."_s);
   EXPECT_EQ(buffer.addValue(0, u" "_s), u"A name must not be empty."_s);
@@ -91,7 +91,7 @@ TEST_F(Buffer, RefusesNamesThatTheStoredFormsCannotHold) {
             u"A name must not hold line breaks, tabs or other signs without a picture."_s);
   EXPECT_EQ(buffer.addValue(0, QString(256, u'x')), u"A name must not be longer than 255 characters."_s);
   EXPECT_EQ(buffer.renameValue(0, 0, u"A;B"_s),
-            u"A name must not hold \";\", which separates the values of a list."_s);
+            u"A name must not hold \";\", which separates values where they are stored."_s);
   EXPECT_FALSE(buffer.isChanged());
 }
 
@@ -118,17 +118,18 @@ TEST_F(Buffer, LeavesNamesAloneThatAnotherProgramStoredWithAFault) {
   edited().costCarrier = 1;
   EXPECT_EQ(problems(), QStringList());
   EXPECT_EQ(buffer.renameValue(0, 0, u"A;C"_s),
-            u"A name must not hold \";\", which separates the values of a list."_s);
+            u"A name must not hold \";\", which separates values where they are stored."_s);
 }
 
 TEST_F(Buffer, FindsFaultyValuesHoweverTheyCameIn) {
   edited().lists[0].values[0].name = u"A;B"_s;
   edited().lists[0].values.append(valueOf(u"ZETA"_s));
   edited().lists[1].values[0].category = QString(256, u'x');
-  EXPECT_EQ(problems(),
-            (QStringList{u"\"A;B\": A name must not hold \";\", which separates the values of a list."_s,
-                         u"\"ZETA\": The list has this value already."_s,
-                         u"\"Support\": This must not be longer than 255 characters."_s}));
+  EXPECT_EQ(
+      problems(),
+      (QStringList{u"\"A;B\": A name must not hold \";\", which separates values where they are stored."_s,
+                   u"\"ZETA\": The list has this value already."_s,
+                   u"\"Support\": This must not be longer than 255 characters."_s}));
   EXPECT_EQ(buffer.problems()[1].row, 2);
   EXPECT_EQ(buffer.problems()[2].list, 1);
 }
@@ -170,7 +171,7 @@ TEST_F(Buffer, RefusesTwoListsOfOneName) {
 TEST_F(Buffer, RefusesCaptionsThatTheStoredFormsCannotHold) {
   edited().lists[0].caption = u"A:B"_s;
   EXPECT_EQ(problems(),
-            QStringList{u"The name of a list must not hold \":\", which ends it where it is stored."_s});
+            QStringList{u"A name must not hold \":\", which ends the name of a list where it is stored."_s});
   edited().lists[0].caption = QString(256, u'x');
   EXPECT_EQ(problems(), QStringList{u"A name must not be longer than 255 characters."_s});
 }

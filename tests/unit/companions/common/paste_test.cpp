@@ -37,7 +37,8 @@ TEST_F(Pasting, ReadsRatesInTheFormatOfTheSystem) {
 
 TEST_F(Pasting, TakesNoLineWhenOneCannotBeTaken) {
   EXPECT_EQ(problem(u"Beta\nGa;mma\nDelta\t\t\tx"_s),
-            u"Nothing was pasted. Line 2: A name must not hold \";\", which separates the values of a list. "
+            u"Nothing was pasted. Line 2: A name must not hold \";\", which separates values where they are "
+            u"stored. "
             "Line 3: A rate is a number such as 450.50."_s);
   EXPECT_EQ(names(), QStringList{u"Acme"_s});
 }

@@ -89,7 +89,7 @@ TEST_P(CommonPictures, ShowProblemsInAColourThatCanBeRead) {
   tabTo(u"txtNewValue"_s);
   type(u"A;B"_s);
   picture(u"problem"_s);
-  const QString reason = u"A name must not hold \";\", which separates the values of a list."_s;
+  const QString reason = u"A name must not hold \";\", which separates values where they are stored."_s;
   for (const QLabel* label : page->findChildren<QLabel*>())
     if (label->text() == reason) {
       EXPECT_GT(
