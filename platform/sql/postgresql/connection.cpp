@@ -2,6 +2,7 @@
 
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
+#include "platform/sql/oledbkeys.h"
 #include "platform/sql/postgresql/failures.h"
 
 #include <QDeadlineTimer>
@@ -15,29 +16,10 @@ namespace platform::sql::postgresql {
 
 namespace {
 
-constexpr int longestTimeoutSeconds = 600;
 const QString maintenanceDatabase = QStringLiteral("postgres");
 
-QString valueOf(const ConnectionString& connection, std::initializer_list<const char*> keys) {
-  for (const char* key : keys) {
-    const QString value = connection.value(QString::fromLatin1(key));
-    if (!value.isEmpty()) return value;
-  }
-  return {};
-}
-
-bool isYes(const QString& value) {
-  for (const char* yes : {"yes", "true", "sspi", "1", "mandatory", "strict"})
-    if (value.compare(QLatin1String(yes), Qt::CaseInsensitive) == 0) return true;
-  return false;
-}
-
-QString serverOf(const ConnectionString& connection) {
-  return valueOf(connection, {"Data Source", "Server", "Address", "Addr", "Network Address"});
-}
-
 QString databaseOf(const ConnectionString& connection) {
-  const QString name = valueOf(connection, {"Initial Catalog", "Database"});
+  const QString name = oledbkeys::database(connection);
   return name.isEmpty() ? maintenanceDatabase : name;
 }
 
@@ -73,7 +55,7 @@ QList<std::pair<QByteArray, QByteArray>> libraryOptions(const ConnectionString& 
   const auto add = [&options](const char* keyword, const QString& value) {
     if (!value.isEmpty()) options.append({keyword, value.toUtf8()});
   };
-  QString host = serverOf(connection), port;
+  QString host = oledbkeys::server(connection), port;
   const qsizetype comma = host.lastIndexOf(u',');
   if (comma >= 0) {
     port = host.mid(comma + 1).trimmed();
@@ -84,17 +66,17 @@ QList<std::pair<QByteArray, QByteArray>> libraryOptions(const ConnectionString& 
   add("host", host);
   add("port", port);
   add("dbname", databaseOf(connection));
-  if (!isYes(valueOf(connection, {"Integrated Security", "Trusted_Connection"}))) {
-    add("user", valueOf(connection, {"User ID", "UID", "User"}));
-    add("password", valueOf(connection, {"Password", "PWD"}));
+  if (!oledbkeys::isYes(oledbkeys::firstValue(connection, {"Integrated Security", "Trusted_Connection"}))) {
+    add("user", oledbkeys::firstValue(connection, {"User ID", "UID", "User"}));
+    add("password", oledbkeys::firstValue(connection, {"Password", "PWD"}));
   }
-  add("application_name", valueOf(connection, {"Application Name", "APP"}));
-  const QString encrypt = valueOf(connection, {"Use Encryption for Data", "Encrypt"});
+  add("application_name", oledbkeys::firstValue(connection, {"Application Name", "APP"}));
+  const QString encrypt = oledbkeys::firstValue(connection, {"Use Encryption for Data", "Encrypt"});
   const QString mode = connection.value(QStringLiteral("SSL Mode"));
   if (!mode.isEmpty())
     add("sslmode", mode);
   else if (!encrypt.isEmpty())
-    add("sslmode", isYes(encrypt) ? QStringLiteral("require") : QStringLiteral("prefer"));
+    add("sslmode", oledbkeys::isYes(encrypt) ? QStringLiteral("require") : QStringLiteral("prefer"));
   add("client_encoding", QStringLiteral("UTF8"));
   // a server that is gone is noticed within half a minute, and not after the system's two hours
   add("tcp_user_timeout", QStringLiteral("30000"));
@@ -103,15 +85,15 @@ QList<std::pair<QByteArray, QByteArray>> libraryOptions(const ConnectionString& 
 }
 
 int connectTimeout(const ConnectionString& connection) {
-  const int seconds = valueOf(connection, {"Connect Timeout", "Connection Timeout"}).toInt();
-  return seconds > 0 && seconds <= longestTimeoutSeconds ? seconds : connectTimeoutSeconds;
+  const int seconds = oledbkeys::firstValue(connection, {"Connect Timeout", "Connection Timeout"}).toInt();
+  return seconds > 0 && seconds <= oledbkeys::longestTimeoutSeconds ? seconds : connectTimeoutSeconds;
 }
 
 Connection::Connection(const ConnectionString& connection, int lockTimeout) {
-  if (serverOf(connection).isEmpty())
+  if (oledbkeys::server(connection).isEmpty())
     throw Failure(errors::connectionFailed,
                   QStringLiteral("The connection string names no server (Data Source)."));
-  label_ = databaseOf(connection) + u" on "_qs + serverOf(connection);
+  label_ = databaseOf(connection) + u" on "_qs + oledbkeys::server(connection);
   open(connection);
   setUp(connection, lockTimeout);
 }
