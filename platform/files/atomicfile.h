@@ -16,6 +16,13 @@ struct Fingerprint {
   bool operator==(const Fingerprint&) const = default;
 };
 
+/// A stretch of a file that is to be replaced, or was. Offsets count in the file as it was before.
+struct Splice {
+  qint64 offset = 0;
+  QByteArray was;
+  QByteArray with;
+};
+
 struct ReadResult {
   bool ok = false;
   QByteArray bytes;

@@ -30,8 +30,12 @@ struct Event {
   qint64 latest() const;
 };
 
+/// A file as it was read, or a part of it: a document of its own made of the calendar's head (its own
+/// properties and the definitions of zones that are used) and one event.
 struct CalendarFile {
-  QString name;  // within its folder
+  QString name;      // within its folder
+  qint64 base = 0;   // of a part: an event's offset in `document` plus this is its offset in the file
+  int baseLine = 0;  // likewise for lines
   Document document;
   std::vector<Event> events;
   QList<Problem> problems;

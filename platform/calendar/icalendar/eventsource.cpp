@@ -1,7 +1,7 @@
 #include "platform/calendar/icalendar/eventsource.h"
 
 #include "platform/basic/failure.h"
-#include "platform/files/atomicfile.h"
+#include "platform/calendar/icalendar/editor.h"
 
 #include <QCryptographicHash>
 #include <QFileInfo>
@@ -169,7 +169,29 @@ std::shared_ptr<const CalendarFile> FileCache::parsed(const QString& name, const
   return calendarFile(name, bytes);
 }
 
-void FileCache::forget(const QString& name) {
+Snapshot FileCache::snapshot(const QString& name, const QString& uid) {
+  const QString path = pathOf(name);
+  const files::ReadResult result = files::readFile(path);
+  if (!result.ok)
+    fail(result.missing  ? errNotFound
+         : result.denied ? errAccessDenied
+                         : errStoreBroken,
+         label_, result.error);
+  Snapshot snapshot;
+  snapshot.name = name;
+  snapshot.fingerprint = result.fingerprint;
+  snapshot.whole = parsed(name, result.bytes);
+  const Document& document = snapshot.whole->document;
+  for (const Event& event : snapshot.whole->events)
+    if (event.uid == uid) snapshot.events.append({snapshot.whole, &event});
+  for (const Component& component : document.components)
+    if (component.name == "VCALENDAR") snapshot.newEventAt = component.bodyEnd;
+  snapshot.lineEnd = lineEndOf(document.bytes);
+  snapshot.isEmpty = document.bytes.trimmed().isEmpty();
+  return snapshot;
+}
+
+void FileCache::written(const QString& name, const QList<files::Splice>&, const files::Fingerprint&) {
   entries_.remove(name);
   grouped_ = false;
 }
@@ -180,7 +202,7 @@ void FileCache::sweep() {
   files::sweepLitter(isFolder() ? path_ : QFileInfo(path_).path());
 }
 
-QString FileCache::changeTag() const {
+QString FileCache::changeTag() {
   QCryptographicHash hash(QCryptographicHash::Sha1);
   const QMap<QString, Stamp> now = stamps();
   for (auto found = now.begin(); found != now.end(); ++found)

@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/calendar/icalendar/expansion.h"
+#include "platform/files/atomicfile.h"
 
 #include <QHash>
 
@@ -7,6 +8,19 @@ namespace platform::calendar::icalendar {
 
 /// Where the events of one calendar come from. A query knows only this; an index that outlives the process
 /// can take the place of the cache below.
+/// What a write has to know of a file at the moment of writing.
+struct Snapshot {
+  QString name;
+  files::Fingerprint fingerprint;  // of the whole file; the hash is empty where only a part of it was read
+  QList<EventRef> events;          // those asked for, as they are on the disk now
+  std::shared_ptr<const CalendarFile> whole;  // null when only a part was read
+  /// Where a new event goes: the offset in the file of the END line of its last calendar; -1 without a
+  /// calendar.
+  qint64 newEventAt = -1;
+  QByteArray lineEnd;
+  bool isEmpty = false;  // nothing but white space
+};
+
 class EventSource {
  public:
   virtual ~EventSource() = default;
@@ -15,8 +29,21 @@ class EventSource {
   virtual QList<Group> between(qint64 from, qint64 to) = 0;
   virtual Group withUid(const QString& uid) = 0;
   virtual QList<Problem> problems() = 0;
-  /// A file that was just written: to be read again whatever its times say.
-  virtual void forget(const QString& name) = 0;
+  /// The events with that UID in one file (none: all that the file has no UID for is left out as well), read
+  /// anew.
+  virtual Snapshot snapshot(const QString& name, const QString& uid) = 0;
+  /// A file was written by us: what stands in it now is what stood there before, with these stretches
+  /// replaced. `after` is the file's fingerprint since then. Without splices: to be read again whatever its
+  /// times say.
+  virtual void written(const QString& name, const QList<files::Splice>& splices,
+                       const files::Fingerprint& after) = 0;
+
+  virtual bool isFolder() const = 0;
+  virtual QString pathOf(const QString& name) const = 0;
+  virtual QString changeTag() = 0;
+  /// Takes away what a crash in the middle of a save has left here, once, before the first save: whoever only
+  /// reads a calendar leaves no trace in its folder.
+  virtual void sweep() = 0;
 };
 
 /// The files of a calendar, each read once and kept until its time or size differs.
@@ -27,16 +54,16 @@ class FileCache : public EventSource {
   QList<Group> between(qint64 from, qint64 to) override;
   Group withUid(const QString& uid) override;
   QList<Problem> problems() override;
-  void forget(const QString& name) override;
+  Snapshot snapshot(const QString& name, const QString& uid) override;
+  void written(const QString& name, const QList<files::Splice>& splices,
+               const files::Fingerprint& after) override;
 
   /// A file with this content, not taken apart again where it is known.
   std::shared_ptr<const CalendarFile> parsed(const QString& name, const QByteArray& bytes) const;
-  bool isFolder() const;
-  QString pathOf(const QString& name) const;
-  QString changeTag() const;
-  /// Takes away what a crash in the middle of a save has left here, once, before the first save: whoever only
-  /// reads a calendar leaves no trace in its folder.
-  void sweep();
+  bool isFolder() const override;
+  QString pathOf(const QString& name) const override;
+  QString changeTag() override;
+  void sweep() override;
 
  private:
   struct Stamp {

@@ -124,7 +124,7 @@ void Transaction::rewrite(const QString& name, const Edit& edit) {
     if (!bytes || *bytes == snapshot.file->document.bytes) return;
     bool again = false;
     write(name, snapshot, *bytes, &again);
-    cache_.forget(name);
+    cache_.written(name, {}, {});
     if (!again) return;
   }
   fail(errChangedMeanwhile,
@@ -276,7 +276,7 @@ Item Transaction::create(const Change& change) {
     bool again = false;
     write(name, {}, calendarAround(made("\r\n"), "\r\n"), &again);
     if (again) fail(errChangedMeanwhile, QStringLiteral("\"%1\" is there already.").arg(cache_.pathOf(name)));
-    cache_.forget(name);
+    cache_.written(name, {}, {});
   } else {
     rewrite(name, [&](const Snapshot& snapshot) -> std::optional<QByteArray> {
       const Document& document = snapshot.file->document;
