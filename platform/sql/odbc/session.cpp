@@ -3,6 +3,7 @@
 #include "platform/sql/errors.h"
 #include "platform/sql/literals.h"
 #include "platform/sql/odbc/connectstring.h"
+#include "platform/sql/odbc/driver.h"
 #include "platform/sql/odbc/parameters.h"
 #include "platform/sql/odbc/reader.h"
 
@@ -267,6 +268,10 @@ QString fromAccess(const QString& sql) {
 
 std::unique_ptr<Session> OdbcDriver::connect(const ConnectionString& connection) {
   return std::make_unique<OdbcSession>(connection, driver_);
+}
+
+std::shared_ptr<Driver> makeDriver() {
+  return std::make_shared<OdbcDriver>();
 }
 
 }  // namespace platform::sql::odbc

@@ -3,6 +3,7 @@
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
 #include "platform/sql/postgresql/dialect.h"
+#include "platform/sql/postgresql/driver.h"
 #include "platform/sql/postgresql/failures.h"
 #include "platform/sql/postgresql/values.h"
 
@@ -176,6 +177,10 @@ void PostgresqlEngine::setCaption(Session& session, const QString& table, const 
                                   const QString& caption) {
   const QString name = requireTable(session, table);
   comment(session, name, requireColumn(session, name, column).name, caption);
+}
+
+std::shared_ptr<FileEngine> makeEngine() {
+  return std::make_shared<PostgresqlEngine>();
 }
 
 }  // namespace platform::sql::postgresql

@@ -3,6 +3,7 @@
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
 #include "platform/sql/literals.h"
+#include "platform/sql/postgresql/driver.h"
 #include "platform/sql/postgresql/values.h"
 
 #include <QRegularExpression>
@@ -252,6 +253,10 @@ QList<Column> PostgresqlSession::columns(const QString& table) {
 
 std::unique_ptr<Session> PostgresqlDriver::connect(const ConnectionString& connection) {
   return std::make_unique<PostgresqlSession>(connection, lockTimeout_);
+}
+
+std::shared_ptr<Driver> makeDriver() {
+  return std::make_shared<PostgresqlDriver>();
 }
 
 }  // namespace platform::sql::postgresql
