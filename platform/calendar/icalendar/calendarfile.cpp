@@ -6,12 +6,8 @@
 #include <QCryptographicHash>
 #include <QSet>
 
-#include <limits>
-
 namespace platform::calendar::icalendar {
 namespace {
-
-constexpr qint64 widestOffset = 26 * hourMs;
 
 class EventReader {
  public:
@@ -30,6 +26,7 @@ class EventReader {
     if (!event.start)
       complain(component.line,
                QStringLiteral("An event has no start that can be read; it stands in no period."));
+    event.bounds = boundsOf(event);
     return event;
   }
 
@@ -133,22 +130,6 @@ void collectEvents(CalendarFile& file, const std::vector<Component>& components,
 }
 
 }  // namespace
-
-qint64 Event::earliest() const {
-  if (!start) return std::numeric_limits<qint64>::max();
-  if (thisAndFuture) return std::numeric_limits<qint64>::min();
-  qint64 earliest = start->wall();
-  for (const Period& period : moreStarts) earliest = qMin(earliest, period.start.wall());
-  return earliest - widestOffset;
-}
-
-qint64 Event::latest() const {
-  if (!start) return std::numeric_limits<qint64>::min();
-  if (thisAndFuture || !rules.isEmpty()) return std::numeric_limits<qint64>::max();
-  qint64 latest = start->wall();
-  for (const Period& period : moreStarts) latest = qMax(latest, period.start.wall() + dayMs);
-  return latest + widestOffset;
-}
 
 QString CalendarFile::tagOf(const QByteArray& component) {
   return QString::fromLatin1(QCryptographicHash::hash(component, QCryptographicHash::Sha1).toHex());

@@ -1,4 +1,5 @@
 #pragma once
+#include "platform/calendar/icalendar/bounds.h"
 #include "platform/calendar/icalendar/values.h"
 
 #include <QHash>
@@ -23,11 +24,13 @@ struct Event {
   QList<Period> moreStarts;
   QList<DateValue> excluded;
 
+  Bounds bounds;  // of its own occurrences; its overrides have theirs
+
   bool isOverride() const { return recurrenceId.has_value(); }
   bool isSeries() const { return !recurrenceId && (!rules.isEmpty() || !moreStarts.isEmpty()); }
-  /// Bounds of its starts in milliseconds, wide enough for every zone.
-  qint64 earliest() const;
-  qint64 latest() const;
+  qint64 earliest() const { return bounds.earliest; }
+  qint64 latest() const { return bounds.latest; }
+  qint64 latestEnd() const { return bounds.latestEnd; }
 };
 
 /// A file as it was read, or a part of it: a document of its own made of the calendar's head (its own

@@ -117,11 +117,7 @@ QString Expansion::overrideId(const Group& group, const EventRef& override) {
 void Expansion::apply(const Rule& rule, const EventRef& master, const Timing& timing, qint64 from, qint64 to,
                       Starts& starts, bool excludes) {
   Rule plain = rule;
-  if (timing.allDay) {
-    plain.byHour.clear();
-    plain.byMinute.clear();
-    plain.bySecond.clear();
-  }
+  if (timing.allDay) plain.clearTimes();
   const qint64 until =
       plain.until ? reader_.untilOn(timing, *plain.until) : std::numeric_limits<qint64>::max();
   bool tooMany = false;
@@ -246,7 +242,11 @@ Item Expansion::itemOf(const EventRef& ref, Kind kind, const QString& recurrence
 
 Item Expansion::itemOf(const Occurrence& occurrence, const Event& master, const QString& masterPlace,
                        const QString& id) {
-  Item item = itemOf(occurrence.from, Kind::Occurrence, id);
+  if (read_.event != occurrence.from.event) {  // the occurrences of a series have them in common
+    texts_ = itemOf(occurrence.from, Kind::Occurrence, id);
+    read_ = occurrence.from;
+  }
+  Item item = texts_;
   item.key = {masterPlace, master.uid, id};
   const Timing& timing = occurrence.timing;
   item.start = seen(timing.startInstant(occurrence.start), query_.zone);

@@ -61,6 +61,8 @@ class Expansion {
   Reader reader_;
   Query query_;
   QList<Problem>* problems_;
+  EventRef read_;  // the event whose texts were read for the last occurrence
+  Item texts_;
 };
 
 /// The texts of an event, without its times and identity.

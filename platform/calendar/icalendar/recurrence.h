@@ -23,6 +23,14 @@ struct Rule {
   int weekStart = 1;
 
   bool isSubDaily() const { return frequency <= Frequency::Hourly; }
+  /// The rule with what it leaves to its start put in: the weekday, the day of the month, the month.
+  Rule completed(qint64 start) const;
+  /// Of days alone, as an all-day series counts.
+  void clearTimes() {
+    byHour.clear();
+    byMinute.clear();
+    bySecond.clear();
+  }
 };
 
 /// Nothing when the rule cannot be understood; `why` then says it.
@@ -33,6 +41,6 @@ std::optional<Rule> ruleOf(const QByteArray& text, QString* why);
 /// counts in COUNT. `take` gives false to stop. The result is false when the walk became too long and was
 /// broken off.
 bool walk(const Rule& rule, qint64 start, qint64 until, qint64 from, qint64 to,
-          const std::function<bool(qint64)>& take);
+          const std::function<bool(qint64)>& take, int maxSteps = maxRuleSteps);
 
 }  // namespace platform::calendar::icalendar

@@ -61,12 +61,12 @@ bool suitsDay(const Rule& rule, const QDate& date) {
 class Counter {
  public:
   Counter(const Rule& rule, qint64 start, qint64 until, qint64 from, qint64 to,
-          const std::function<bool(qint64)>& take)
-      : rule_(rule), start_(start), last_(qMin(until, to)), from_(from), take_(take) {}
+          const std::function<bool(qint64)>& take, int maxSteps)
+      : rule_(rule), start_(start), last_(qMin(until, to)), from_(from), take_(take), maxSteps_(maxSteps) {}
 
   /// False when the walk is at its end.
   bool offer(qint64 wall) {
-    if (++steps_ > maxRuleSteps) {
+    if (++steps_ > maxSteps_) {
       brokenOff_ = true;
       return false;
     }
@@ -79,7 +79,7 @@ class Counter {
     return wall < from_ || take_(wall);
   }
   bool pass() {  // a step that made nothing
-    brokenOff_ = ++steps_ > maxRuleSteps;
+    brokenOff_ = ++steps_ > maxSteps_;
     return !brokenOff_;
   }
   bool whole() const { return !brokenOff_; }
@@ -88,6 +88,7 @@ class Counter {
   const Rule& rule_;
   qint64 start_, last_, from_;
   const std::function<bool(qint64)>& take_;
+  int maxSteps_;
   int counted_ = 0;
   int steps_ = 0;
   bool brokenOff_ = false;
@@ -143,21 +144,6 @@ bool walkSubDaily(const Rule& rule, qint64 start, qint64 from, qint64 to, Counte
     step += stride;
   }
   return counter.whole();
-}
-
-/// The rule with what it leaves to its start put in: the weekday, the day of the month, the month.
-Rule completed(Rule rule, qint64 start) {
-  const QDate first = dateOfWall(start);
-  const QList<QPair<int, int>> ownWeekday{{0, first.dayOfWeek() % daysOfWeek}};
-  const bool namesDays = !rule.byDay.isEmpty() || !rule.byMonthDay.isEmpty() || !rule.byYearDay.isEmpty();
-  if (namesDays || rule.frequency == Frequency::Daily) return rule;
-  if (rule.frequency == Frequency::Weekly || !rule.byWeekNo.isEmpty()) {
-    rule.byDay = ownWeekday;
-    return rule;
-  }
-  rule.byMonthDay = {first.day()};
-  if (rule.frequency == Frequency::Yearly && rule.byMonth.isEmpty()) rule.byMonth = {first.month()};
-  return rule;
 }
 
 /// The times of a day, in order, as milliseconds behind its midnight.
@@ -248,12 +234,27 @@ bool walkPeriods(const Rule& rule, qint64 start, qint64 from, qint64 last, Count
 
 }  // namespace
 
+Rule Rule::completed(qint64 start) const {
+  Rule rule = *this;
+  const QDate first = dateOfWall(start);
+  const QList<QPair<int, int>> ownWeekday{{0, first.dayOfWeek() % daysOfWeek}};
+  const bool namesDays = !byDay.isEmpty() || !byMonthDay.isEmpty() || !byYearDay.isEmpty();
+  if (namesDays || frequency <= Frequency::Daily) return rule;
+  if (frequency == Frequency::Weekly || !byWeekNo.isEmpty()) {
+    rule.byDay = ownWeekday;
+    return rule;
+  }
+  rule.byMonthDay = {first.day()};
+  if (frequency == Frequency::Yearly && byMonth.isEmpty()) rule.byMonth = {first.month()};
+  return rule;
+}
+
 bool walk(const Rule& rule, qint64 start, qint64 until, qint64 from, qint64 to,
-          const std::function<bool(qint64)>& take) {
-  Counter counter(rule, start, until, from, to, take);
+          const std::function<bool(qint64)>& take, int maxSteps) {
+  Counter counter(rule, start, until, from, to, take, maxSteps);
   if (start > to || until < start) return true;
   if (rule.isSubDaily()) return walkSubDaily(rule, start, from, to, counter);
-  return walkPeriods(completed(rule, start), start, from, qMin(until, to), counter);
+  return walkPeriods(rule.completed(start), start, from, qMin(until, to), counter);
 }
 
 }  // namespace platform::calendar::icalendar
