@@ -1,7 +1,7 @@
 #include "platform/sql/postgresql/catalogue.h"
 
-#include "platform/sql/postgresql/failures.h"
 #include "platform/sql/postgresql/values.h"
+#include "platform/sql/servererrors.h"
 
 #include <libpq-fe.h>
 

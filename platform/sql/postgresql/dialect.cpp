@@ -3,7 +3,8 @@
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
 #include "platform/sql/literals.h"
-#include "platform/sql/postgresql/tokens.h"
+#include "platform/sql/schema.h"
+#include "platform/sql/tokens.h"
 
 #include <QSet>
 
@@ -58,23 +59,11 @@ class Translator {
  private:
   using Kind = Token::Kind;
 
-  qsizetype next(qsizetype at) const {
-    do ++at;
-    while (at < tokens_.size() && tokens_[at].kind == Kind::Blank);
-    return at;
-  }
-  qsizetype previous(qsizetype at) const {
-    do --at;
-    while (at >= 0 && tokens_[at].kind == Kind::Blank);
-    return at;
-  }
-  bool is(qsizetype at, Kind kind) const {
-    return at >= 0 && at < tokens_.size() && tokens_[at].kind == kind;
-  }
-  bool isWord(qsizetype at, QStringView word) const {
-    return is(at, Kind::Word) && tokens_[at].text.compare(word, Qt::CaseInsensitive) == 0;
-  }
-  bool isMark(qsizetype at, QChar mark) const { return is(at, Kind::Mark) && tokens_[at].text == mark; }
+  qsizetype next(qsizetype at) const { return tokens_.next(at); }
+  qsizetype previous(qsizetype at) const { return tokens_.previous(at); }
+  bool is(qsizetype at, Kind kind) const { return tokens_.is(at, kind); }
+  bool isWord(qsizetype at, QStringView word) const { return tokens_.isWord(at, word); }
+  bool isMark(qsizetype at, QChar mark) const { return tokens_.isMark(at, mark); }
   bool isName(qsizetype at) const {
     return is(at, Kind::Name) || (is(at, Kind::Word) && !isReserved(tokens_[at].text));
   }
@@ -233,7 +222,7 @@ class Translator {
     at_ = value;
   }
 
-  const QList<Token> tokens_;
+  const Tokens tokens_;
   const Catalogue& catalogue_;
   const qint64 lastIdentity_;
   QList<const CatalogueTable*> tables_;  // that the statement names
@@ -271,16 +260,7 @@ QString withNumberedParameters(const QString& sql) {
 }
 
 QString quotedName(const QString& name) {
-  bool valid = !name.isEmpty() && name.toUtf8().size() <= longestName;
-  for (const QChar c : name)
-    if (c == u'[' || c == u']' || c == u'.' || c == u'!' || c == u'`' || c == u'"' || c.unicode() < 32)
-      valid = false;
-  if (!valid)
-    throw Failure(
-        errors::invalidName,
-        QStringLiteral("'%1' is not a valid name. Make sure that it does not include invalid characters or "
-                       "punctuation and that it is not too long.")
-            .arg(name));
+  schema::requireName(name, name.toUtf8().size() <= longestName);
   return inQuotes(name);
 }
 

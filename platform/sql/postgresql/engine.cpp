@@ -1,11 +1,10 @@
 #include "platform/sql/postgresql/engine.h"
 
-#include "platform/basic/failure.h"
-#include "platform/sql/errors.h"
 #include "platform/sql/postgresql/dialect.h"
 #include "platform/sql/postgresql/driver.h"
-#include "platform/sql/postgresql/failures.h"
 #include "platform/sql/postgresql/values.h"
+#include "platform/sql/schema.h"
+#include "platform/sql/servererrors.h"
 
 namespace platform::sql::postgresql {
 
@@ -44,69 +43,25 @@ void requireOrder(Session& session, const QList<Column>& columns) {
                   u"\" (provider = icu, locale = 'und-u-ks-level2', deterministic = false)"_qs);
 }
 
-/// A table's own name by any spelling of it; empty when there is none.
-QString spelled(Session& session, const QString& table) {
-  QString found;
-  for (const QString& name : session.tables()) {
-    if (name == table) return name;
-    if (found.isEmpty() && name.compare(table, Qt::CaseInsensitive) == 0) found = name;
-  }
-  return found;
-}
-
-QString requireTable(Session& session, const QString& table) {
-  const QString name = spelled(session, table);
-  if (name.isEmpty())
-    throw Failure(
-        errors::tableNotFound,
-        QStringLiteral("The database engine cannot find the input table or query '%1'.").arg(table));
-  return name;
-}
-
-const Column* findColumn(const QList<Column>& columns, const QString& name) {
-  for (const Column& column : columns)
-    if (column.name.compare(name, Qt::CaseInsensitive) == 0) return &column;
-  return nullptr;
-}
-
-Column requireColumn(Session& session, const QString& table, const QString& name) {
-  const QList<Column> columns = session.columns(table);
-  if (const Column* found = findColumn(columns, name)) return *found;
-  throw Failure(errors::itemNotFound,
-                QStringLiteral("Item not found in this collection: the field '%1' of the table '%2'.")
-                    .arg(name, table));
-}
-
 void comment(Session& session, const QString& table, const QString& column, const QString& caption) {
   session.execute(QStringLiteral("COMMENT ON COLUMN %1.%2 IS %3")
                       .arg(quotedName(table), quotedName(column),
                            caption.isEmpty() ? QStringLiteral("NULL") : quotedText(caption)));
 }
 
-[[noreturn]] void refuse(const QString& text) {
-  throw Failure(errors::statementFailed, text);
-}
-
 }  // namespace
 
 void PostgresqlEngine::createDatabase(const QString& path) {
-  refuse(
-      QStringLiteral("A database of a server is made by the statement CREATE DATABASE, not as the file '%1'.")
-          .arg(path));
+  schema::refuseFile(path);
 }
 
 std::shared_ptr<CompactedSource> PostgresqlEngine::compact(const QString& source, const QString&) {
-  refuse(QStringLiteral("The database '%1' of a server is not compacted; the server does so by itself.")
-             .arg(source));
+  schema::refuseCompaction(source);
 }
 
 void PostgresqlEngine::createTable(Session& session, const QString& table, const QList<Column>& columns) {
   const QString name = quotedName(table);
-  if (columns.isEmpty())
-    throw Failure(errors::noFieldDefined,
-                  QStringLiteral("No field defined--cannot append TableDef or Index."));
-  if (!spelled(session, table).isEmpty())
-    throw Failure(errors::tableExists, QStringLiteral("Table '%1' already exists.").arg(table));
+  schema::requireNewTable(session, table, columns);
   QStringList parts, keys;
   bool counted = false;
   for (const Column& column : columns) {
@@ -124,13 +79,7 @@ void PostgresqlEngine::createTable(Session& session, const QString& table, const
 }
 
 void PostgresqlEngine::addColumn(Session& session, const QString& table, const Column& column) {
-  const QString name = requireTable(session, table);
-  if (findColumn(session.columns(name), column.name))
-    throw Failure(errors::duplicateField,
-                  QStringLiteral("Cannot define field '%1' more than once.").arg(column.name));
-  if (column.autoIncrement || column.primaryKey)
-    throw Failure(errors::primaryKeyExists,
-                  QStringLiteral("A key column can only be given to a new table: '%1'.").arg(column.name));
+  const QString name = schema::requireNewColumn(session, table, column);
   const QString added = definition(column);
   Transaction transaction(session);
   requireOrder(session, {column});
@@ -140,21 +89,11 @@ void PostgresqlEngine::addColumn(Session& session, const QString& table, const C
 }
 
 void PostgresqlEngine::addRelation(Session& session, const Relation& relation) {
-  const QString table = requireTable(session, relation.table);
-  const QString foreignTable = requireTable(session, relation.foreignTable);
-  const Column key = requireColumn(session, table, relation.field);
-  const Column foreignKey = requireColumn(session, foreignTable, relation.field);
-  if (!key.primaryKey)
-    throw Failure(
-        errors::noUniqueIndex,
-        QStringLiteral("No unique index found for the referenced field '%1' of the primary table '%2'.")
-            .arg(relation.field, relation.table));
-  for (const Relation& other : relations(session))
-    if (other.name.compare(relation.name, Qt::CaseInsensitive) == 0)
-      throw Failure(errors::objectExists, QStringLiteral("Object '%1' already exists.").arg(relation.name));
+  const schema::Ends ends = schema::requireNewRelation(session, relation, relations(session));
   session.execute(QStringLiteral("ALTER TABLE %1 ADD CONSTRAINT %2 FOREIGN KEY (%3) REFERENCES %4 (%5)")
-                      .arg(quotedName(foreignTable), quotedName(relation.name), quotedName(foreignKey.name),
-                           quotedName(table), quotedName(key.name)));
+                      .arg(quotedName(ends.foreignTable), quotedName(relation.name),
+                           quotedName(ends.foreignKey.name), quotedName(ends.table),
+                           quotedName(ends.key.name)));
 }
 
 QList<Relation> PostgresqlEngine::relations(Session& session) {
@@ -175,8 +114,8 @@ QList<Relation> PostgresqlEngine::relations(Session& session) {
 
 void PostgresqlEngine::setCaption(Session& session, const QString& table, const QString& column,
                                   const QString& caption) {
-  const QString name = requireTable(session, table);
-  comment(session, name, requireColumn(session, name, column).name, caption);
+  const QString name = schema::requireTable(session, table);
+  comment(session, name, schema::requireColumn(session, name, column).name, caption);
 }
 
 std::shared_ptr<FileEngine> makeEngine() {

@@ -14,9 +14,6 @@ struct ServerError {
   QString word;  // of the statement, where the server stopped
 };
 
-/// How the name of the constraint ends by which a column refuses empty texts.
-inline constexpr QLatin1String zeroLengthSuffix(" zero-length");
-
 /// The word that begins at this character of a statement, counted from 1; empty for 0.
 QString wordAt(const QString& statement, int position);
 

@@ -5,6 +5,7 @@
 #include "platform/sql/literals.h"
 #include "platform/sql/postgresql/driver.h"
 #include "platform/sql/postgresql/values.h"
+#include "platform/sql/schema.h"
 
 #include <QRegularExpression>
 
@@ -236,10 +237,7 @@ QStringList PostgresqlSession::tables() {
   QStringList names;
   for (const CatalogueTable& table : catalogue_->tables())
     if (!table.isView) names.append(table.name);
-  std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
-    const int order = a.compare(b, Qt::CaseInsensitive);
-    return order != 0 ? order < 0 : a < b;
-  });
+  schema::sortNames(names);
   return names;
 }
 

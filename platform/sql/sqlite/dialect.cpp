@@ -8,8 +8,6 @@ namespace platform::sql::sqlite {
 
 namespace {
 
-constexpr int longestName = 64;
-
 /// Walks over a statement and writes SQLite's form of it.
 class Translator {
  public:
@@ -91,20 +89,6 @@ QString fromAccess(const QString& sql) {
   QString statement = Translator(withoutDeleteStar(sql)).run();
   const auto top = takeTop(statement);
   return top ? statement + u" LIMIT "_qs + *top : statement;
-}
-
-QString bracketed(const QString& name) {
-  bool valid = !name.isEmpty() && name.size() <= longestName;
-  for (const QChar c : name)
-    if (c == u'[' || c == u']' || c == u'.' || c == u'!' || c == u'`' || c == u'"' || c.unicode() < 32)
-      valid = false;
-  if (!valid)
-    throw Failure(
-        errors::invalidName,
-        QStringLiteral("'%1' is not a valid name. Make sure that it does not include invalid characters or "
-                       "punctuation and that it is not too long.")
-            .arg(name));
-  return u'[' + name + u']';
 }
 
 }  // namespace platform::sql::sqlite

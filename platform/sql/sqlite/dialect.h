@@ -16,8 +16,4 @@ namespace platform::sql::sqlite {
 /// Failure 3075 for a date that cannot be read and a literal that is not closed.
 QString fromAccess(const QString& sql);
 
-/// A name in brackets. Failure 3125 for what can be none: empty, over 64 characters, with brackets or control
-/// signs.
-QString bracketed(const QString& name);
-
 }  // namespace platform::sql::sqlite

@@ -2,11 +2,13 @@
 
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
+#include "platform/sql/schema.h"
 #include "platform/sql/sqlite/databasefile.h"
-#include "platform/sql/sqlite/dialect.h"
 #include "platform/sql/sqlite/values.h"
 
 namespace platform::sql::sqlite {
+
+using schema::bracketed;
 
 namespace {
 
@@ -48,31 +50,6 @@ QString definition(const Column& column) {
   if (!column.allowZeroLength)
     text += QStringLiteral(" CONSTRAINT [%1 zero-length] CHECK (%2 <> '')").arg(column.name, name);
   return text;
-}
-
-bool hasTable(Session& session, const QString& table) {
-  return !session.columns(table).isEmpty();
-}
-
-void requireTable(Session& session, const QString& table) {
-  if (!hasTable(session, table))
-    throw Failure(
-        errors::tableNotFound,
-        QStringLiteral("The database engine cannot find the input table or query '%1'.").arg(table));
-}
-
-const Column* findColumn(const QList<Column>& columns, const QString& name) {
-  for (const Column& column : columns)
-    if (column.name.compare(name, Qt::CaseInsensitive) == 0) return &column;
-  return nullptr;
-}
-
-Column requireColumn(Session& session, const QString& table, const QString& name) {
-  const QList<Column> columns = session.columns(table);
-  if (const Column* found = findColumn(columns, name)) return *found;
-  throw Failure(errors::itemNotFound,
-                QStringLiteral("Item not found in this collection: the field '%1' of the table '%2'.")
-                    .arg(name, table));
 }
 
 void keepProperties(Session& session, const QString& table, const Column& column) {
@@ -185,11 +162,7 @@ void SqliteEngine::createDatabase(const QString& path) {
 
 void SqliteEngine::createTable(Session& session, const QString& table, const QList<Column>& columns) {
   const QString name = bracketed(table);
-  if (columns.isEmpty())
-    throw Failure(errors::noFieldDefined,
-                  QStringLiteral("No field defined--cannot append TableDef or Index."));
-  if (hasTable(session, table))
-    throw Failure(errors::tableExists, QStringLiteral("Table '%1' already exists.").arg(table));
+  schema::requireNewTable(session, table, columns);
   QStringList parts, keys;
   bool counted = false;
   for (const Column& column : columns) {
@@ -207,14 +180,7 @@ void SqliteEngine::createTable(Session& session, const QString& table, const QLi
 
 void SqliteEngine::addColumn(Session& session, const QString& table, const Column& column) {
   const QString name = bracketed(table);
-  requireTable(session, table);
-  const QList<Column> present = session.columns(table);
-  if (findColumn(present, column.name))
-    throw Failure(errors::duplicateField,
-                  QStringLiteral("Cannot define field '%1' more than once.").arg(column.name));
-  if (column.autoIncrement || column.primaryKey)
-    throw Failure(errors::primaryKeyExists,
-                  QStringLiteral("A key column can only be given to a new table: '%1'.").arg(column.name));
+  schema::requireNewColumn(session, table, column);
   Transaction transaction(session);
   session.execute(u"ALTER TABLE "_qs + name + u" ADD COLUMN "_qs + definition(column));
   keepProperties(session, table, column);
@@ -222,18 +188,7 @@ void SqliteEngine::addColumn(Session& session, const QString& table, const Colum
 }
 
 void SqliteEngine::addRelation(Session& session, const Relation& relation) {
-  requireTable(session, relation.table);
-  requireTable(session, relation.foreignTable);
-  const Column key = requireColumn(session, relation.table, relation.field);
-  requireColumn(session, relation.foreignTable, relation.field);
-  if (!key.primaryKey)
-    throw Failure(
-        errors::noUniqueIndex,
-        QStringLiteral("No unique index found for the referenced field '%1' of the primary table '%2'.")
-            .arg(relation.field, relation.table));
-  for (const Relation& other : relations(session))
-    if (other.name.compare(relation.name, Qt::CaseInsensitive) == 0)
-      throw Failure(errors::objectExists, QStringLiteral("Object '%1' already exists.").arg(relation.name));
+  schema::requireNewRelation(session, relation, relations(session));
   const QString constraint =
       QStringLiteral("CONSTRAINT %1 FOREIGN KEY (%2) REFERENCES %3 (%2)")
           .arg(bracketed(relation.name), bracketed(relation.field), bracketed(relation.table));
@@ -259,7 +214,7 @@ void SqliteEngine::addRelation(Session& session, const Relation& relation) {
 }
 
 QList<Relation> SqliteEngine::relations(Session& session) {
-  if (!hasTable(session, QLatin1String(relationCatalogue))) return {};
+  if (session.columns(QLatin1String(relationCatalogue)).isEmpty()) return {};
   QList<Relation> list;
   const Result result = session.execute(QStringLiteral(
       "SELECT [Name], [TableName], [ForeignTable], [FieldName] FROM [MSysRelationships] ORDER BY rowid"));
@@ -271,7 +226,7 @@ QList<Relation> SqliteEngine::relations(Session& session) {
 
 void SqliteEngine::setCaption(Session& session, const QString& table, const QString& column,
                               const QString& caption) {
-  Column present = requireColumn(session, table, column);
+  Column present = schema::requireColumn(session, table, column);
   present.caption = caption;
   Transaction transaction(session);
   keepProperties(session, table, present);
