@@ -130,8 +130,8 @@ TEST(Architecture, OnlyFormsAndViewsKnowWidgets) {
       u"QMessageBox|"
       u"QLineEdit|QCheckBox|QHBoxLayout|QVBoxLayout|QGridLayout|QTabBar|QDateEdit|QPainter|QPixmap|QIcon|QFont)"_s);
   static const QRegularExpression home(
-      u"^(workspace/(frm|ReportWindow|[A-Z][a-z]+Part\\.|RowDropDown|FlowLayout)|billing/frm|database/"
-      u"frm|settings/"
+      u"^(workspace/(frm|ReportWindow|[A-Z][a-z]+Part\\.|RowDropDown|FlowLayout)|billing/frm|database/forms/"
+      u"|settings/"
       u"frm|app/"
       u"|companions/|platform/forms/widgets/|"
       u"platform/owc/view/|platform/owc/chartview/|platform/dialogs/qt/)"_s);

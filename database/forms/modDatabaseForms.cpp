@@ -1,0 +1,40 @@
+#include "database/forms/modDatabaseForms.h"
+
+#include "database/forms/frmChooseConnectionWindow.h"
+#include "database/forms/frmSQLLogonWindow.h"
+
+#include <QApplication>
+
+namespace hourbook {
+
+namespace {
+
+ConnectionChoice askWhichDatabase(const QString& strSQLScriptFileName) {
+  frmChooseConnection form;
+  form.strSQLScriptFileName = strSQLScriptFileName;
+  // the program has no example data to load into a database
+  form.blnHideExampleDataOption = true;
+  subShowChooseConnection(form);
+  return {form.intConnectionOption, form.blnLoadExampleData};
+}
+
+}  // namespace
+
+void subShowChooseConnection(frmChooseConnection& form) {
+  frmChooseConnectionWindow window(form, QApplication::activeWindow());
+  window.exec();
+}
+
+void subShowSQLLogon(frmSQLLogon& form) {
+  form.Show([](frmSQLLogon& shown) {
+    frmSQLLogonWindow window(shown, QApplication::activeWindow());
+    window.exec();
+  });
+}
+
+void subUseDatabaseForms(DatabaseValues& values) {
+  values.blnMayCreateDatabase = true;
+  values.frmChooseConnection = askWhichDatabase;
+}
+
+}  // namespace hourbook
