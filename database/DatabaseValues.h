@@ -9,9 +9,12 @@
 
 namespace hourbook {
 
+class frmSQLLogon;
+
 /// What the user chose in the dialog for a new database.
 struct ConnectionChoice {
-  qint16 intConnectionOption = 1;  // 1 new Access database, 2 new and 3 existing SQL Server database
+  // 1 new Access database, 2 new and 3 existing SQL Server database, 0 when the dialog was closed without one
+  qint16 intConnectionOption = 1;
   bool blnLoadExampleData = false;
 };
 
@@ -26,6 +29,9 @@ struct DatabaseValues {
   /// Shows `frmChooseConnection`, given the name of the creation script. Filled by who has the dialog; empty:
   /// a missing database cannot be made.
   std::function<ConnectionChoice(const QString& strSQLScriptFileName)> frmChooseConnection;
+  /// Shows the logon dialog until it is hidden. The caller keeps the form, so that its fields stand when it is
+  /// shown again. Filled by who has the window; empty: no server can be chosen.
+  std::function<void(hourbook::frmSQLLogon& form)> frmSQLLogon;
   /// True while the upgrade looks for the newest column: a failing recordset is then only logged.
   bool blnProbing = false;
   /// What the question failed with, inside or after the newest ProbeScope.

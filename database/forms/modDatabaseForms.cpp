@@ -35,6 +35,7 @@ void subShowSQLLogon(frmSQLLogon& form) {
 void subUseDatabaseForms(DatabaseValues& values) {
   values.blnMayCreateDatabase = true;
   values.frmChooseConnection = askWhichDatabase;
+  values.frmSQLLogon = subShowSQLLogon;
 }
 
 }  // namespace hourbook
