@@ -142,7 +142,7 @@ void CommonListPane::removeSelected() {
     next = std::min(next, cell.row());
   }
   if (rows.isEmpty()) return;
-  model_->removeRows(rows);
+  model_->removeValues(rows);
   const int last = shown_->rowCount() - 1;
   if (last >= 0) tblValues->setCurrentIndex(shown_->index(std::min(next, last), ValuesModel::Name));
 }

@@ -148,7 +148,7 @@ int ValuesModel::addValue(const QString& name, QString& reason) {
   return row;
 }
 
-void ValuesModel::removeRows(const QList<int>& rows) {
+void ValuesModel::removeValues(const QList<int>& rows) {
   beginResetModel();
   buffer_.removeValues(list_, rows);
   endResetModel();

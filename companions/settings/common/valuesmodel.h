@@ -31,7 +31,7 @@ class ValuesModel : public QAbstractTableModel {
 
   /// Adds a value by its name and returns its row, or -1 with the reason.
   int addValue(const QString& name, QString& reason);
-  void removeRows(const QList<int>& rows);
+  void removeValues(const QList<int>& rows);
   /// What the buffer holds has been replaced.
   void reload();
   /// The headings have changed.
