@@ -176,11 +176,9 @@ TEST_F(SamplesTest, OneEditOfAnyItemOfAnyFileChangesTheLinesOfThatItemAlone) {
       EXPECT_EQ(saved.billingInformation, *change.billingInformation);
       const QByteArray now = readOne();
       const QByteArrayList before = bytes.split('\n'), after = now.split('\n');
-      int gone = 0;
       QByteArrayList rest = after;
       for (const QByteArray& line : before)
         if (!rest.removeOne(line)) {
-          ++gone;
           const QByteArray text = line.trimmed().toUpper();
           const bool own = text.startsWith("SUMMARY") || text.startsWith("CATEGORIES") ||
                            text.startsWith("DTSTAMP") || text.startsWith("LAST-MODIFIED") ||
