@@ -43,6 +43,8 @@ inline constexpr qint32 badConnectionString = -2147217805;
 inline constexpr qint32 providerNotFound = 3706;
 /// A server that cannot be reached, does not know the database, or is lost in between.
 inline constexpr qint32 connectionFailed = -2147467259;
+/// A statement that the server did not answer in time.
+inline constexpr qint32 timeout = -2147217871;
 /// A server that refuses the user or the password.
 inline constexpr qint32 loginFailed = -2147217843;
 }  // namespace platform::sql::errors

@@ -38,6 +38,14 @@ bool isAccessStatement(const QString& sql) {
   return ours.match(sql).hasMatch();
 }
 
+bool isSelectStatement(const QString& sql) {
+  static const QRegularExpression ours(QStringLiteral("^\\s*select\\b"),
+                                       QRegularExpression::CaseInsensitiveOption);
+  static const QRegularExpression into(QStringLiteral("\\binto\\b"),
+                                       QRegularExpression::CaseInsensitiveOption);
+  return ours.match(sql).hasMatch() && !into.match(sql).hasMatch();
+}
+
 std::optional<QString> takeTop(QString& sql) {
   static const QRegularExpression top(
       QStringLiteral("^\\s*(select(?:\\s+distinct)?)\\s+top\\s+(\\d+)(\\s+percent)?(?=\\W)"),

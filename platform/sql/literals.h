@@ -11,6 +11,9 @@ namespace platform::sql {
 /// Select, insert, update and delete. All else is the engine's own language and passes as it stands.
 bool isAccessStatement(const QString& sql);
 
+/// A select, which changes nothing (but for one into a new table).
+bool isSelectStatement(const QString& sql);
+
 /// Takes the "top n" out of a select, together with blanks and ";" at its end; nothing, and the statement
 /// untouched, when it has none. Failure 3075 for a percentage.
 std::optional<QString> takeTop(QString& sql);

@@ -30,6 +30,7 @@ constexpr Meaning meanings[] = {
     {errors::diskError, "Disk or network error"},
     {errors::damaged, "The database is damaged"},
     {errors::connectionFailed, "The connection is broken"},
+    {errors::timeout, "The server did not answer in time"},
     {errors::duplicateKey,
      "The changes you requested to the table were not successful because they would create duplicate values "
      "in the index, primary key, or relationship"},

@@ -14,5 +14,7 @@ inline QStringList providers() {
 
 /// Takes nothing and connects to nothing before it is asked to; see session.h for what it does.
 std::shared_ptr<Driver> makeDriver();
+/// Making and changing tables on any session of it.
+std::shared_ptr<FileEngine> makeEngine();
 
 }  // namespace platform::sql::odbc

@@ -1,6 +1,5 @@
 #pragma once
-#include "platform/basic/failure.h"
-#include "platform/sql/driver.h"
+#include <QString>
 
 #include <sql.h>
 #include <sqlext.h>
@@ -22,16 +21,6 @@ class Handle {
   SQLSMALLINT kind_;
   SQLHANDLE handle_ = SQL_NULL_HANDLE;
 };
-
-/// What the driver manager, the driver or the server says of a call.
-struct Diagnosis {
-  QString state;   // of the first record
-  int number = 0;  // the server's, of the first record that has one
-  QString text;    // of all records
-};
-Diagnosis diagnosisOf(const Handle& handle);
-
-Failure failureOf(const Diagnosis& diagnosis, const QString& statement, const QString& label);
 
 /// A text as the driver manager takes it; lives as long as its owner.
 inline SQLWCHAR* wide(const QString& text) {

@@ -1,4 +1,5 @@
 #pragma once
+#include "platform/basic/value.h"
 #include "platform/sql/odbc/handles.h"
 
 #include <vector>

@@ -1,5 +1,6 @@
 #include "platform/sql/odbc/reader.h"
 
+#include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
 #include "platform/sql/literals.h"
 
@@ -14,7 +15,6 @@ constexpr qint64 longestText = 8000;  // characters; a column of more holds text
 constexpr qint64 currencyDigits = 19;
 constexpr qint64 currencyDecimals = 4;
 constexpr int chunk = 2048;  // characters
-constexpr int catalogueType = 4, catalogueSize = 6, catalogueDecimals = 8;
 
 Column columnOf(int type, qint64 size, qint64 decimals) {
   Column column;
@@ -59,13 +59,6 @@ Column columnOf(int type, qint64 size, qint64 decimals) {
   return column;
 }
 
-qint64 wholeIn(const QList<basic::Value>& row, int at) {
-  if (at >= row.size()) return 0;
-  if (const auto* small = std::get_if<qint16>(&row[at])) return *small;
-  if (const auto* middle = std::get_if<qint32>(&row[at])) return *middle;
-  return 0;
-}
-
 basic::Value whole(qint64 number, Type type) {
   const auto fits = [number](auto smallest, auto largest) { return number >= smallest && number <= largest; };
   if (type == Type::Integer && fits(std::numeric_limits<qint16>::min(), std::numeric_limits<qint16>::max()))
@@ -73,6 +66,16 @@ basic::Value whole(qint64 number, Type type) {
   if (fits(std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()))
     return static_cast<qint32>(number);
   return number;
+}
+
+/// To the second, as dates are shown: the server's own steps of 1/300 s, and what other programs have stored
+/// a hair before the full hour, mean the next one.
+basic::Date dateOf(const SQL_TIMESTAMP_STRUCT& stamp) {
+  constexpr SQLUINTEGER nanosecondsOfOne = 1000000;
+  const basic::Date exact = basic::Date::of(QDate(stamp.year, stamp.month, stamp.day),
+                                            QTime(stamp.hour, stamp.minute, qMin<int>(stamp.second, 59),
+                                                  static_cast<int>(stamp.fraction / nanosecondsOfOne)));
+  return basic::Date::of(exact.date(), exact.time());
 }
 
 /// A decimal number of at most four places, exactly.
@@ -90,24 +93,9 @@ std::optional<basic::Currency> amountOf(const QString& text) {
 
 }  // namespace
 
-Column columnOfCatalogue(const QList<basic::Value>& row) {
-  return columnOf(static_cast<int>(wholeIn(row, catalogueType)), wholeIn(row, catalogueSize),
-                  wholeIn(row, catalogueDecimals));
-}
-
-Reader::Reader(const Handle& statement, SQLSMALLINT width, const QString& label)
-    : statement_(statement), label_(label) {
+Reader::Reader(const Handle& statement, SQLSMALLINT width, QString label, Require require)
+    : statement_(statement), label_(std::move(label)), require_(std::move(require)) {
   describe(width);
-}
-
-Reader::Reader(const Handle& statement, const QString& label) : statement_(statement), label_(label) {
-  SQLSMALLINT width = 0;
-  require(SQLNumResultCols(statement.get(), &width));
-  describe(width);
-}
-
-void Reader::require(SQLRETURN code) const {
-  if (!SQL_SUCCEEDED(code)) throw failureOf(diagnosisOf(statement_), {}, label_);
 }
 
 void Reader::describe(SQLSMALLINT width) {
@@ -116,8 +104,8 @@ void Reader::describe(SQLSMALLINT width) {
     SQLSMALLINT length = 0, type = 0, decimals = 0, nullable = 0;
     SQLULEN size = 0;
     constexpr SQLSMALLINT room = static_cast<SQLSMALLINT>(std::size(name));
-    require(SQLDescribeColW(statement_.get(), static_cast<SQLUSMALLINT>(number), name, room, &length, &type,
-                            &size, &decimals, &nullable));
+    require_(SQLDescribeColW(statement_.get(), static_cast<SQLUSMALLINT>(number), name, room, &length, &type,
+                             &size, &decimals, &nullable));
     const qint64 characters = size > static_cast<SQLULEN>(longestText) ? 0 : static_cast<qint64>(size);
     Column column = columnOf(type, characters, decimals);
     column.name = fromWide(name, qBound(0, int{length}, room - 1));
@@ -128,7 +116,7 @@ void Reader::describe(SQLSMALLINT width) {
 QList<QList<basic::Value>> Reader::rows() {
   QList<QList<basic::Value>> rows;
   for (SQLRETURN code = SQLFetch(statement_.get()); code != SQL_NO_DATA; code = SQLFetch(statement_.get())) {
-    require(code);
+    require_(code);
     QList<basic::Value> row;
     for (qsizetype i = 0; i < columns_.size(); ++i)
       row.append(value(static_cast<SQLUSMALLINT>(i + 1), columns_[i].type));
@@ -145,7 +133,7 @@ QString Reader::text(SQLUSMALLINT column, bool* isNull) {
     SQLLEN bytes = 0;
     const SQLRETURN code = SQLGetData(statement_.get(), column, SQL_C_WCHAR, piece, sizeof piece, &bytes);
     if (code == SQL_NO_DATA) return text;
-    require(code);
+    require_(code);
     *isNull = bytes == SQL_NULL_DATA;
     if (*isNull) return {};
     const bool more = bytes == SQL_NO_TOTAL || bytes >= static_cast<SQLLEN>(sizeof piece);
@@ -157,7 +145,7 @@ QString Reader::text(SQLUSMALLINT column, bool* isNull) {
 basic::Value Reader::value(SQLUSMALLINT column, Type type) {
   SQLLEN bytes = 0;
   const auto get = [&](SQLSMALLINT as, auto& into) {
-    require(SQLGetData(statement_.get(), column, as, &into, sizeof into, &bytes));
+    require_(SQLGetData(statement_.get(), column, as, &into, sizeof into, &bytes));
     return bytes != SQL_NULL_DATA;
   };
   switch (type) {
@@ -185,8 +173,7 @@ basic::Value Reader::value(SQLUSMALLINT column, Type type) {
     case Type::Date: {
       SQL_TIMESTAMP_STRUCT stamp{};
       if (!get(SQL_C_TYPE_TIMESTAMP, stamp)) return basic::Null{};
-      return basic::Date::of(QDate(stamp.year, stamp.month, stamp.day),
-                             QTime(stamp.hour, stamp.minute, qMin<int>(stamp.second, 59)));
+      return dateOf(stamp);
     }
     case Type::Currency:
     case Type::Text:

@@ -1,13 +1,16 @@
 #pragma once
+#include "platform/sql/driver.h"
 #include "platform/sql/odbc/handles.h"
+
+#include <functional>
 
 namespace platform::sql::odbc {
 
-/// Reads the rows that a statement has given.
+/// Reads the rows that a statement has given. `require` throws for a call that has failed.
 class Reader {
  public:
-  Reader(const Handle& statement, SQLSMALLINT width, const QString& label);
-  Reader(const Handle& statement, const QString& label);  // of as many columns as there are
+  using Require = std::function<void(SQLRETURN)>;
+  Reader(const Handle& statement, SQLSMALLINT width, QString label, Require require);
   const QList<Column>& columns() const { return columns_; }
   QList<QList<basic::Value>> rows();
 
@@ -15,14 +18,11 @@ class Reader {
   void describe(SQLSMALLINT width);
   basic::Value value(SQLUSMALLINT column, Type type);
   QString text(SQLUSMALLINT column, bool* isNull);
-  void require(SQLRETURN code) const;
 
   const Handle& statement_;
   QString label_;
+  Require require_;
   QList<Column> columns_;
 };
-
-/// Type and size of a column in the answer of SQLColumns.
-Column columnOfCatalogue(const QList<basic::Value>& row);
 
 }  // namespace platform::sql::odbc

@@ -1,30 +1,67 @@
 #pragma once
 #include "platform/sql/driver.h"
+#include "platform/sql/odbc/connection.h"
+#include "platform/sql/odbc/dialect.h"
 
 namespace platform::sql::odbc {
 
-/// How long a statement waits for a row or table that another program holds.
-inline constexpr int lockTimeoutMs = 5000;
-
-/// The driver for SQL Server through ODBC: "Provider=SQLOLEDB.1;Data Source=server;Initial Catalog=database"
-/// with "Integrated Security=SSPI" or "User ID" and "Password". `driver` is the driver manager's name for a
-/// driver, or its file.
+/// A database of an SQL Server (2008 or later). Statements of the Access kind are turned where they are not
+/// the server's own (see dialect.h); all others pass as they stand and may be in the server's whole language.
 ///
-/// Statements are the server's own, since that is what the product sends to it; only dates in number signs
-/// and the star of "delete * from" are turned. A value of the counter comes from the server's scope of the
-/// insert. Failures carry the server's number in square brackets, and its text.
+/// A statement that fails leaves the transaction around it as it was, unless the server itself gives the
+/// whole transaction up (as it does after a deadlock, or a value that cannot be converted): then every
+/// further statement and the commit fail until `rollback`, so that no half of it is stored.
+class OdbcSession : public Session {
+ public:
+  OdbcSession(const ConnectionString& connection, const Options& options);
+  Result execute(const QString& sql, const QList<basic::Value>& parameters = {}) override;
+  void begin() override;
+  void commit() override;
+  void rollback() override;
+  QStringList tables() override;  // views are not among them
+  QList<Column> columns(const QString& table) override;
+
+ private:
+  Result executeNative(const QString& sql, const QList<basic::Value>& parameters);
+  Result executeAccess(const QString& sql, const QList<basic::Value>& parameters);
+  QList<YesNoColumn> yesNoColumns(const QString& table);
+  void control(const QString& statement);
+  void requireTransaction() const;
+  void noteGivenUp() noexcept;
+
+  Connection connection_;
+  const Options options_;
+  const bool readOnly_;
+  QHash<QString, QList<YesNoColumn>> yesNoColumns_;  // by table; another program may have changed it since
+  int depth_ = 0;                                    // of transactions
+  bool givenUp_ = false;                             // the transaction, by the server
+};
+
+/// The driver for SQL Server through ODBC. Keys of its connection strings, without regard to case:
+///
+///   Data Source              the server, see connectstring.h; also Server, Address, Addr, Network Address.
+///                            Required.
+///   Initial Catalog          the database; also Database. Without it the user's default one.
+///   User ID, Password        also UID, User, User Name; PWD. DOMAIN\user for a Windows user.
+///   Integrated Security      SSPI, Yes or True: the user's Kerberos ticket; also Trusted_Connection
+///   Connect Timeout          seconds to wait for the server, 1 to 600, else 15; also Connection Timeout,
+///                            Timeout
+///   Use Encryption for Data  Yes or Mandatory: nothing without encryption; Strict; else where the server
+///                            offers it. Also Encrypt.
+///   Application Name         what the server's administrator sees, else this program's; also APP
+///   Mode                     Read: nothing is changed
+///   Workstation ID, Packet Size, Current Language, Initial File Name, Application Intent, Server SPN
+///
+/// All others are left out, Persist Security Info among them.
 class OdbcDriver : public Driver {
  public:
-  explicit OdbcDriver(QString driver = QStringLiteral("FreeTDS")) : driver_(std::move(driver)) {}
+  explicit OdbcDriver(Options options = {}) : options_(std::move(options)) {}
   /// Failure 3706 without such a driver, -2147217843 when user or password are refused, -2147467259 when the
-  /// server cannot be reached or does not have the database.
+  /// server cannot be reached or does not have the database; never with the password.
   std::unique_ptr<Session> connect(const ConnectionString& connection) override;
 
  private:
-  QString driver_;
+  Options options_;
 };
-
-/// What of a statement is turned. Failure 3075 for a date that cannot be read.
-QString fromAccess(const QString& sql);
 
 }  // namespace platform::sql::odbc

@@ -1,10 +1,12 @@
-// Connection strings for ODBC, statements, and servers that cannot be reached.
+// Failures of SQL Server, and servers that cannot be reached.
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
-#include "platform/sql/odbc/connectstring.h"
-#include "platform/sql/odbc/handles.h"
+#include "platform/sql/odbc/driver.h"
+#include "platform/sql/odbc/engine.h"
+#include "platform/sql/odbc/failures.h"
 #include "platform/sql/odbc/session.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -13,86 +15,97 @@ using platform::Failure;
 using namespace platform::sql;
 using namespace platform::sql::odbc;
 
-/// Without what stands in all of them.
-QString turned(const QString& connection) {
-  QString text = connectString(ConnectionString(connection), u"FreeTDS"_qs);
-  EXPECT_TRUE(text.startsWith(u"DRIVER=FreeTDS;"_qs)) << qPrintable(text);
-  const QString end = u";TDS_Version=7.4;ClientCharset=UTF-8"_qs;
-  EXPECT_TRUE(text.endsWith(end)) << qPrintable(text);
-  return text.mid(15).chopped(end.size());
-}
-
-Failure failureOf(const QString& connection, const QString& driver = u"FreeTDS"_qs) {
+Failure failureOf(const std::function<void()>& statements) {
   try {
-    OdbcDriver(driver).connect(ConnectionString(connection));
+    statements();
   } catch (const Failure& failure) {
     return failure;
   }
   return {0, {}};
 }
 
+Failure failureOf(const QString& connection, const odbc::Options& options = {}) {
+  return failureOf([&] { OdbcDriver(options).connect(ConnectionString(connection)); });
+}
+
 }  // namespace
 
-TEST(OdbcConnectString, TurnsTheFormsOfTheProduct) {
-  EXPECT_EQ(turned(u"Provider=SQLOLEDB.1;Persist Security Info=True;Integrated Security=SSPI;Data Source=srv;"
-                   u"Initial Catalog=Hourbook3SQL"_qs),
-            u"SERVER=srv;PORT=1433;DATABASE=Hourbook3SQL;Trusted_Connection=Yes"_qs);
-  EXPECT_EQ(turned(u"Provider=SQLOLEDB.1;Persist Security Info=True;User ID=u;Password=p;Data Source=srv"_qs),
-            u"SERVER=srv;PORT=1433;UID=u;PWD=p"_qs);
+namespace {
+
+Failure told(int number, const QString& text = u"text of the server"_qs, const QString& statement = {}) {
+  return odbc::failureOf({u"42000"_qs, number, text, true}, statement, u"base on host"_qs);
 }
 
-TEST(OdbcConnectString, KnowsAllNamesOfAKey) {
-  EXPECT_EQ(turned(u"Server=s;Database=d;UID=u;PWD=p"_qs), u"SERVER=s;PORT=1433;DATABASE=d;UID=u;PWD=p"_qs);
-  EXPECT_EQ(turned(u"Network Address=tcp:s,1500;Trusted_Connection=yes;UID=u"_qs),
-            u"SERVER=s;PORT=1500;Trusted_Connection=Yes"_qs);
-  EXPECT_EQ(turned(u"Addr=(local)"_qs), u"SERVER=localhost;PORT=1433"_qs);
-  EXPECT_EQ(turned(u"Address=."_qs), u"SERVER=localhost;PORT=1433"_qs);
-  EXPECT_EQ(turned(u"Data Source=s\\SQLEXPRESS"_qs), u"SERVER=s\\SQLEXPRESS"_qs)
-      << "which tells its own port";
-  EXPECT_EQ(
-      turned(u"Data Source=s;Application Name=a;Workstation ID=w;Packet Size=4096;Current Language=Svenska;"
-             u"Initial File Name=f.mdf;Encrypt=yes;Network Library=DBMSSOCN;Auto Translate=True"_qs),
-      u"SERVER=s;PORT=1433;APP=a;WSID=w;Encryption=require;PacketSize=4096;Language=Svenska;"
-      u"AttachDbFilename=f.mdf"_qs);
-  EXPECT_EQ(turned(u"Data Source=s;Use Encryption for Data=False"_qs),
-            u"SERVER=s;PORT=1433;Encryption=request"_qs);
-}
-
-TEST(OdbcConnectString, ShieldsAValueThatWouldEndEarly) {
-  EXPECT_EQ(turned(u"Data Source=s;Password=\"p;w}d\""_qs), u"SERVER=s;PORT=1433;PWD={p;w}}d}"_qs);
-  EXPECT_EQ(turned(u"Data Source=s;Password=\" p\""_qs), u"SERVER=s;PORT=1433;PWD={ p}"_qs);
-}
-
-TEST(OdbcConnectString, BoundsTheTimeThatIsWaitedForTheServer) {
-  EXPECT_EQ(connectTimeout(ConnectionString(u"Connect Timeout=3"_qs)), 3);
-  for (const QString& other : {u"0"_qs, u"601"_qs, u"x"_qs})
-    EXPECT_EQ(connectTimeout(ConnectionString(u"Connection Timeout="_qs + other)), 15);
-}
-
-TEST(OdbcStatement, DatesInNumberSignsAreTheDriversOwnAndATemporaryTableStays) {
-  EXPECT_EQ(fromAccess(u"select * from t where d < #2/5/2024# and e = '#1/1/2024#'"_qs),
-            u"select * from t where d < {ts '2024-02-05 00:00:00'} and e = '#1/1/2024#'"_qs);
-  EXPECT_EQ(fromAccess(u"select [a#1] from #temporary"_qs), u"select [a#1] from #temporary"_qs);
-  EXPECT_EQ(fromAccess(u"delete * from t"_qs), u"delete from t"_qs);
-  EXPECT_EQ(fromAccess(u"CREATE TABLE #x (a int)"_qs), u"CREATE TABLE #x (a int)"_qs);
-}
+}  // namespace
 
 TEST(OdbcFailure, CarriesTheServersNumberAndText) {
-  const auto told = [](int number, const QString& statement = {}) {
-    return odbc::failureOf({u"42000"_qs, number, u"text of the server"_qs}, statement, u"base on host"_qs);
+  EXPECT_EQ(told(50000).description(), u"text of the server [50000] (base on host)"_qs);
+  EXPECT_EQ(told(50000).number(), errors::statementFailed);
+  EXPECT_EQ(
+      told(208).description(),
+      u"The database engine cannot find the input table or query: text of the server [208] (base on host)"_qs);
+  const QList<std::pair<int, qint32>> known{
+      {208, errors::tableNotFound},    {207, errors::noSuchColumn},      {2627, errors::duplicateKey},
+      {2601, errors::duplicateKey},    {515, errors::valueRequired},     {8152, errors::fieldTooSmall},
+      {2628, errors::fieldTooSmall},   {1222, errors::locked},           {1205, errors::locked},
+      {18456, errors::loginFailed},    {4060, errors::connectionFailed}, {257, errors::unreadableValue},
+      {8114, errors::unreadableValue}, {2714, errors::tableExists},      {8115, platform::failure::overflow}};
+  for (const auto& [number, ours] : known) EXPECT_EQ(told(number).number(), ours) << number;
+}
+
+TEST(OdbcFailure, TellsTheSidesOfARelationApartInAllLanguages) {
+  const auto number = [](const QString& text, const QString& statement) {
+    return told(547, text, statement).number();
   };
-  EXPECT_EQ(told(208).description(), u"text of the server [208] (base on host)"_qs);
-  EXPECT_EQ(told(208).number(), errors::tableNotFound);
-  EXPECT_EQ(told(207).number(), errors::noSuchColumn);
-  EXPECT_EQ(told(2627).number(), errors::duplicateKey);
-  EXPECT_EQ(told(515).number(), errors::valueRequired);
-  EXPECT_EQ(told(8152).number(), errors::fieldTooSmall);
-  EXPECT_EQ(told(547, u"Delete from t"_qs).number(), errors::relatedRecords);
-  EXPECT_EQ(told(547, u"insert into t"_qs).number(), errors::relatedRecordRequired);
-  EXPECT_EQ(told(1222).number(), errors::locked);
-  EXPECT_EQ(told(18456).number(), errors::loginFailed);
-  EXPECT_EQ(told(4060).number(), errors::connectionFailed);
-  EXPECT_EQ(told(99999).number(), errors::statementFailed);
+  EXPECT_EQ(
+      number(u"The DELETE statement conflicted with the REFERENCE constraint \"PersonReports\"."_qs, u"x"_qs),
+      errors::relatedRecords);
+  EXPECT_EQ(
+      number(u"Die UPDATE-Anweisung steht in Konflikt mit der FOREIGN KEY-Einschränkung 'R'."_qs, u"x"_qs),
+      errors::relatedRecordRequired);
+  EXPECT_EQ(number(u"The INSERT statement conflicted with the CHECK constraint \"own\"."_qs, u"x"_qs),
+            errors::statementFailed);
+  EXPECT_EQ(number(u"?"_qs, u"Delete from t"_qs), errors::relatedRecords);
+  EXPECT_EQ(number(u"?"_qs, u"insert into t"_qs), errors::relatedRecordRequired);
+}
+
+TEST(OdbcFailure, NamesTheFieldThatTakesNoEmptyText) {
+  const Failure failure = told(
+      547,
+      u"The INSERT statement conflicted with the CHECK constraint \"tblStrict.strCode zero-length\"."_qs);
+  EXPECT_EQ(failure.number(), errors::zeroLength);
+  EXPECT_EQ(failure.description(),
+            u"Field 'tblStrict.strCode' cannot be a zero-length string. (base on host)"_qs);
+}
+
+TEST(OdbcFailure, ALostConnectionIsToldFromAStatementThatFails) {
+  const auto diagnosis = [](const QString& state, int number, bool server) {
+    return odbc::Diagnosis{state, number, u"x"_qs, server};
+  };
+  EXPECT_TRUE(odbc::isLost(diagnosis(u"08S01"_qs, 0, false)));
+  EXPECT_TRUE(odbc::isLost(diagnosis(u"HY000"_qs, 20004, false)));
+  EXPECT_FALSE(odbc::isLost(diagnosis(u"08S01"_qs, 4060, true)));
+  EXPECT_FALSE(odbc::isLost(diagnosis(u"42000"_qs, 208, true)));
+  EXPECT_TRUE(odbc::isTimeout(diagnosis(u"HYT00"_qs, 0, false)));
+  EXPECT_TRUE(odbc::isTimeout(diagnosis(u"S1000"_qs, 20003, false)));
+}
+
+TEST(OdbcEngine, MakesNoFilesAndSaysSo) {
+  OdbcEngine engine;
+  for (const auto& [refused, text] :
+       {std::pair{failureOf([&] { engine.createDatabase(u"/x.mdb"_qs); }), u"/x.mdb"_qs},
+        std::pair{failureOf([&] { engine.compact(u"a.mdb"_qs, u"b"_qs); }), u"a.mdb"_qs}}) {
+    EXPECT_EQ(refused.number(), errors::statementFailed);
+    EXPECT_TRUE(refused.description().contains(text)) << qPrintable(refused.description());
+  }
+}
+
+TEST(OdbcDriverNames, AreThoseOfAllProvidersForTheServer) {
+  for (const QString& name :
+       {u"SQLOLEDB.1"_qs, u"SQLOLEDB"_qs, u"SQLNCLI11"_qs, u"MSOLEDBSQL"_qs, u"MSOLEDBSQL19"_qs})
+    EXPECT_TRUE(odbc::providers().contains(name));
+  EXPECT_TRUE(odbc::makeDriver());
+  EXPECT_TRUE(odbc::makeEngine());
 }
 
 TEST(OdbcConnection, WithoutAServerIsRefused) {
@@ -113,7 +126,7 @@ TEST(OdbcConnection, ToAServerThatIsNotThereFailsWithItsNameAndWithoutThePasswor
 
 TEST(OdbcConnection, WithoutTheDriverNamesIt) {
   for (const QString& driver : {u"No Such Driver"_qs, u"/nowhere/driver.so"_qs}) {
-    const Failure failure = failureOf(u"Data Source=127.0.0.1,1"_qs, driver);
+    const Failure failure = failureOf(u"Data Source=127.0.0.1,1"_qs, odbc::Options{driver});
     EXPECT_EQ(failure.number(), errors::providerNotFound) << qPrintable(failure.description());
     EXPECT_TRUE(failure.description().contains(driver)) << qPrintable(failure.description());
   }
