@@ -172,7 +172,9 @@ void Expansion::removeExcluded(const EventRef& master, const Timing& timing, Sta
       starts.walls.erase(starts.walls.lower_bound(midnight), starts.walls.lower_bound(midnight + dayMs));
       continue;
     }
-    starts.walls.erase(reader_.wallOn(timing, *master.file, *master.event, value));
+    const qint64 wall = reader_.wallOn(timing, *master.file, *master.event, value);
+    starts.walls.erase(wall);
+    if (value.form == DateValue::Form::Utc) starts.walls.erase(timing.shownAs(wall));
   }
 }
 
@@ -202,6 +204,8 @@ QList<Occurrence> Expansion::occurrences(const Group& group, const EventRef& mas
   QList<Occurrence> result;
   for (const qint64 wall : starts.walls) {
     if (replaced.contains(wall)) continue;
+    const qint64 shownAs = timing.shownAs(wall);
+    if (shownAs != wall && starts.walls.count(shownAs) && !replaced.contains(shownAs)) continue;
     Occurrence occurrence{master, wall, wall, timing.length, timing};
     const auto length = starts.lengths.find(wall);
     if (length != starts.lengths.end()) occurrence.length = length->second;

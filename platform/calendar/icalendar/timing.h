@@ -19,6 +19,9 @@ struct Timing {
 
   qint64 startInstant(qint64 wall) const { return (allDay ? viewer : zone).toInstant(wall); }
   qint64 endInstant(qint64 wall, const Span& span) const;
+  /// The reading that the clocks show at that occurrence: another one where they skip its own. A series that
+  /// has both would show the same moment twice.
+  qint64 shownAs(qint64 wall) const { return (allDay ? viewer : zone).toWall(startInstant(wall)); }
 };
 
 class Reader {
