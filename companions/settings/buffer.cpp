@@ -142,6 +142,46 @@ QList<FieldText> calendarProblems(const SettingsBuffer& buffer, const QString& f
   return problems;
 }
 
+QString noDriverText(const QString& provider) {
+  return provider.compare(sqlServerProvider, Qt::CaseInsensitive) == 0 ? texts::noServerDriver
+                                                                       : texts::noDriverFor.arg(provider);
+}
+
+QString connectionText(const SettingsBuffer& buffer) {
+  return buffer.serverByText ? buffer.serverText.trimmed()
+                             : withLogin(buffer.storedServerText, buffer.sqlServer);
+}
+
+void takeServerText(SettingsBuffer& buffer, const QString& text) {
+  buffer.serverByText = !fieldsShow(text);
+  if (buffer.serverByText) {
+    buffer.serverText = text.trimmed();
+  } else {
+    buffer.storedServerText = text;
+    buffer.sqlServer = loginOf(text);
+  }
+}
+
+namespace {
+
+/// A login as it was read is left alone, whatever a login typed here may not hold.
+QList<FieldText> loginProblems(const SettingsBuffer& buffer) {
+  QList<FieldText> problems;
+  const SqlServerLogin& login = buffer.sqlServer;
+  if (!buffer.storedServerText.isEmpty() && login == loginOf(buffer.storedServerText)) return problems;
+  const auto needed = [&](Field field, const QString& text, const QString& missing) {
+    add(problems, field, text.trimmed().isEmpty() ? missing : serverTextProblem(text));
+  };
+  needed(Field::Server, login.server, texts::serverMissing);
+  needed(Field::ServerDatabase, login.database, texts::serverDatabaseMissing);
+  if (login.trusted) return problems;
+  needed(Field::User, login.user, texts::userMissing);
+  add(problems, Field::Password, serverTextProblem(login.password));
+  return problems;
+}
+
+}  // namespace
+
 QList<FieldText> targetProblems(const SettingsBuffer& buffer, bool hasServerDriver) {
   QList<FieldText> problems;
   if (buffer.reportChoice == reportToAccess)
@@ -150,17 +190,13 @@ QList<FieldText> targetProblems(const SettingsBuffer& buffer, bool hasServerDriv
             ? texts::controlSign
             : lookAtDatabase(buffer.databaseFolder, buffer.makeDatabase).problem);
   if (buffer.reportChoice != reportToSqlServer) return problems;
-  const SqlServerLogin& login = buffer.sqlServer;
-  const auto needed = [&](Field field, const QString& text, const QString& missing) {
-    add(problems, field, text.trimmed().isEmpty() ? missing : serverTextProblem(text));
-  };
-  if (!hasServerDriver) add(problems, Field::ReportChoice, texts::noServerDriver);
-  needed(Field::Server, login.server, texts::serverMissing);
-  needed(Field::ServerDatabase, login.database, texts::serverDatabaseMissing);
-  if (login.trusted) return problems;
-  needed(Field::User, login.user, texts::userMissing);
-  add(problems, Field::Password, serverTextProblem(login.password));
-  return problems;
+  const QString text = connectionText(buffer);
+  if (buffer.serverByText) {
+    add(problems, Field::ConnectionText, connectionTextProblem(text));
+    if (!problems.isEmpty()) return problems;  // whose driver it asks for is not known yet
+  }
+  if (!hasServerDriver) add(problems, Field::ReportChoice, noDriverText(providerOf(text)));
+  return buffer.serverByText ? problems : problems + loginProblems(buffer);
 }
 
 QList<FieldText> listProblems(const QList<NamedList>& lists) {

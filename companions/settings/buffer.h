@@ -1,6 +1,7 @@
 #pragma once
 #include "app/ConfigurationText.h"
 #include "companions/settings/namedlist.h"
+#include "companions/settings/servertext.h"
 
 #include <QMap>
 
@@ -12,14 +13,6 @@ inline constexpr qint32 reportToAccess = 2;
 inline constexpr qint32 reportToSqlServer = 3;
 inline constexpr qint32 reportToBilling = 4;
 inline constexpr qsizetype mostLists = 3;
-
-/// What a connection text for the server is made of.
-struct SqlServerLogin {
-  QString server, database;
-  bool trusted = true;
-  QString user, password;
-  bool operator==(const SqlServerLogin&) const = default;
-};
 
 /// Everything that the personal part of the settings holds, as the user types it: decimals are texts in the
 /// system's form, paths the system's own. Nothing here is stored before SettingsStore::save.
@@ -33,6 +26,9 @@ struct SettingsBuffer {
   QString databaseFolder;     // of Hourbook3.mdb, without a separator at its end
   bool makeDatabase = false;  // it is to be made there
   SqlServerLogin sqlServer;
+  QString storedServerText;   // that the login was read from: what else stands in it is kept
+  bool serverByText = false;  // the text below counts, and not the login
+  QString serverText;
   QString otherTarget;  // the stored text of a target that this version only keeps
 
   bool filterPrivate = false, filterRecurring = false, filterEvents = false;
@@ -61,6 +57,7 @@ enum class Field {
   ServerDatabase,
   User,
   Password,
+  ConnectionText,
   Filters,
   Convert24Hours,
   RemoveLunchHours,
@@ -82,8 +79,14 @@ struct FieldText {
 /// The settings of someone who has none.
 SettingsBuffer defaultSettings();
 
+/// The whole connection text for the server.
+QString connectionText(const SettingsBuffer& buffer);
+/// Puts a connection text into the buffer: into the fields where they can show it.
+void takeServerText(SettingsBuffer& buffer, const QString& text);
+
 /// What keeps the buffer from being saved, in the order of the pages; empty: it may be. `folder` is the
-/// configuration's. Looks at the disk, for the calendars and the database.
+/// configuration's; `hasServerDriver`: there is a driver for the provider of its connection text. Looks at
+/// the disk, for the calendars and the database.
 QList<FieldText> problemsOf(const SettingsBuffer& buffer, const QString& folder, bool hasServerDriver);
 
 // The same by field: empty texts mean that all is well.
@@ -94,6 +97,8 @@ QString rateProblem(const QString& rate);
 QString listNameProblem(const QList<NamedList>& lists, qsizetype index);
 QString valueProblem(const NamedList& list, const QString& value);
 QString serverTextProblem(const QString& text);
+/// That there is no driver for the provider.
+QString noDriverText(const QString& provider);
 QList<FieldText> targetProblems(const SettingsBuffer& buffer, bool hasServerDriver);
 QList<FieldText> listProblems(const QList<NamedList>& lists);
 QList<FieldText> calendarProblems(const SettingsBuffer& buffer, const QString& folder);

@@ -1,5 +1,6 @@
 #include "companions/settings/connectiontest.h"
 
+#include "companions/settings/buffer.h"
 #include "companions/settings/places.h"
 #include "companions/settings/texts.h"
 #include "platform/ado/connection.h"
@@ -73,9 +74,10 @@ void ConnectionTest::start(Work work) {
 
 namespace {
 
-QString reasonOf(const Failure& failure) {
-  return failure.number() == platform::sql::errors::providerNotFound ? texts::noServerDriver
-                                                                     : failure.description();
+QString reasonOf(const Failure& failure, const QString& connectionText) {
+  return failure.number() == platform::sql::errors::providerNotFound
+             ? noDriverText(providerOf(connectionText))
+             : failure.description();
 }
 
 }  // namespace
@@ -97,15 +99,15 @@ ConnectionTest::Work connectionWork(const QString& connectionText, const QString
       const auto count = result.rows.value(0).value(0);
       return {true, succeeded + texts::testReports.arg(platform::basic::CLng(count))};
     } catch (const Failure& failure) {
-      return {false, failed + reasonOf(failure)};
+      return {false, failed + reasonOf(failure, connectionText)};
     }
   };
 }
 
 /// A text without a server never gets as far as one, but it does find out who would have to try.
-bool hasServerDriver() {
+bool hasDriver(const QString& provider) {
   const auto connection = platform::automation::CreateObject<Connection>(QStringLiteral("ADODB.Connection"));
-  connection->setConnectionString(QStringLiteral("Provider=SQLOLEDB.1"));
+  connection->setConnectionString(QStringLiteral("Provider=") + provider);
   const auto failure = tolerate([&] { connection->Open(); });
   return !failure || failure->number() != platform::sql::errors::providerNotFound;
 }

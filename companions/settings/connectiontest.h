@@ -46,7 +46,7 @@ ConnectionTest::Work connectionWork(const QString& connectionText, const QString
 /// Whether the folder would take a new database.
 ConnectionTest::Work newDatabaseWork(const QString& databaseFolder);
 
-/// Whether a connection text for SQL Server finds a driver.
-bool hasServerDriver();
+/// Whether a connection text of this provider finds a driver.
+bool hasDriver(const QString& provider);
 
 }  // namespace hourbook

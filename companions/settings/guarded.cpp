@@ -74,7 +74,7 @@ void guarded(const std::function<void()>& work) {
     const bool wasReport = values.gInErrorReport;
     values.gInErrorReport = false;
     if (wasReport) throw reported();
-    throw platform::Failure(0, u"The step was ended: "_s + values.gLastLogText);
+    throw StepEnded(0, u"The step was ended: "_s + values.gLastLogText);
   }
 }
 

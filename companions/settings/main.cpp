@@ -67,7 +67,7 @@ int show(bool isFirstStart) {
   if (isFirstStart)
     if (const int answer = askFirst(); answer != saved) return answer;
   SettingsStore store(folder);
-  SettingsWindow window(store, desktopQuestions(), hasServerDriver(), [](std::function<ReportPlace()> place) {
+  SettingsWindow window(store, desktopQuestions(), hasDriver, [](std::function<ReportPlace()> place) {
     return makeCommonSettingsPage(std::move(place));
   });
   return window.exec() == QDialog::Accepted ? saved : cancelled;

@@ -63,6 +63,10 @@ PlaceLook lookAtNewPlace(const QString& folder) {
   return {{}, texts::willBeMade};
 }
 
+bool leadsToServer(const QString& folder) {
+  return !holdsDatabase(folder) && QFileInfo::exists(QDir(folder).filePath(connectionFileName));
+}
+
 /// What the first bytes tell. An empty file is one that a failed creation left.
 QString kindProblem(const QString& file) {
   const QByteArray first = beginning(file, 20);
@@ -95,6 +99,13 @@ PlaceLook lookAtCalendar(const QString& path, bool readOnly) {
   return info.isDir() ? lookAtFolder(path) : lookAtFile(path);
 }
 
+QString setUpProblem(const QString& folder) {
+  if (folder.isEmpty()) return texts::folderMissing;
+  if (QDir::isRelativePath(folder)) return texts::folderRelative;
+  if (leadsToServer(folder)) return {};
+  return lookAtNewPlace(folder).problem;
+}
+
 PlaceLook lookAtDatabase(const QString& folder, bool make) {
   if (folder.isEmpty()) return problem(texts::folderMissing);
   if (QDir::isRelativePath(folder)) return problem(texts::folderRelative);
@@ -103,7 +114,8 @@ PlaceLook lookAtDatabase(const QString& folder, bool make) {
   if (!place.exists()) return problem(texts::folderNotThere.arg(folder));
   if (!place.isDir()) return problem(texts::folderIsFile.arg(folder));
   if (!place.isExecutable()) return problem(texts::databaseNotReadable.arg(folder));
-  if (!holdsDatabase(folder)) return problem(texts::databaseNotThere);
+  if (!holdsDatabase(folder))
+    return problem(leadsToServer(folder) ? texts::folderLeadsToServer : texts::databaseNotThere);
   const QString file = databaseIn(folder);
   const QFileInfo database(file);
   if (!database.isFile()) return problem(texts::databaseIsNone.arg(file));

@@ -16,6 +16,9 @@ PlaceLook lookAtCalendar(const QString& path, bool readOnly);
 /// that does not exist yet can be made where the one around it can be written to.
 PlaceLook lookAtDatabase(const QString& folder, bool make);
 
+/// What keeps a database from being set up from this folder by the dialogs; empty: nothing.
+QString setUpProblem(const QString& folder);
+
 /// Does the folder hold a file of the database's name?
 bool holdsDatabase(const QString& folder);
 QString databaseIn(const QString& folder);

@@ -2,6 +2,7 @@
 
 #include "companions/settings/personalpage.h"
 #include "companions/settings/texts.h"
+#include "database/forms/modDatabaseForms.h"
 #include "platform/forms/widgets/mnemonics.h"
 #include "shell/ShellValues.h"
 
@@ -44,14 +45,13 @@ SettingsQuestions desktopQuestions() {
           [](QWidget* parent, const QString& title, const QString& start) {
             return QFileDialog::getOpenFileName(parent, title, start, texts::calendarFilter);
           },
-          ask};
+          subUseDatabaseForms, ask};
 }
 
 ReportPlace SettingsSession::place() const {
   // the whole connection text, with a password that is not stored like that
-  const QString value = buffer.reportChoice == reportToSqlServer
-                            ? SettingsStore::connectionText(buffer.sqlServer)
-                            : store.reportValue(buffer);
+  const QString value =
+      buffer.reportChoice == reportToSqlServer ? connectionText(buffer) : store.reportValue(buffer);
   return {buffer.reportChoice, value, buffer.reportChoice == reportToAccess && buffer.makeDatabase};
 }
 

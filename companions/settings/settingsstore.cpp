@@ -10,7 +10,6 @@
 #include "platform/basic/text.h"
 #include "platform/process/process.h"
 #include "platform/scripting/filesystem.h"
-#include "platform/sql/driver.h"
 #include "settings/cPersonalSettings.h"
 #include "shell/modFileHandling.h"
 #include "shell/Tolerate.h"
@@ -118,6 +117,7 @@ QString SettingsStore::keptTagOf(const SettingsBuffer& buffer) const {
 ReadSettings SettingsStore::read() {
   read_ = {};
   takenFrom_.clear();
+  storedValue_.clear();
   overwrite_ = false;
   read_.buffer = defaultSettings();
   outside_.configuration = readOrMissing(configurationFile());
@@ -149,7 +149,7 @@ void SettingsStore::readConfiguration(ReadSettings& read) {
   }
 }
 
-void SettingsStore::readRegistry(ReadSettings& read) const {
+void SettingsStore::readRegistry(ReadSettings& read) {
   const RegistryText registry(outside_.registry.bytes, registryFile());
   read.hasSettings = registry.has(u"ReportChoice"_s);
   const auto product = freshSettings();
@@ -179,7 +179,9 @@ void SettingsStore::readRegistry(ReadSettings& read) const {
   buffer.removeLunchHours = number(u"RemoveLunchHours"_s, Field::RemoveLunchHours, buffer.removeLunchHours);
   buffer.reportChoice = CLng(number(u"ReportChoice"_s, Field::ReportChoice, QString::number(reportToAccess)));
   usual.ReportChoice = buffer.reportChoice;
-  readTarget(read, registry.text(u"ReportValue"_s, usual.ReportValue));
+  const QString value = registry.text(u"ReportValue"_s, usual.ReportValue);
+  readTarget(read, value);
+  if (buffer.reportChoice == reportToSqlServer) storedValue_ = value;
   const QString lists = registry.text(u"MetadataList"_s, {});
   guarded([&] { usual.subPopulateMetadataList(lists); });
   buffer.lists = namedLists(usual.MetaDataLists);
@@ -207,16 +209,10 @@ void SettingsStore::readTarget(ReadSettings& read, const QString& value) const {
 }
 
 void SettingsStore::readServer(ReadSettings& read, const QString& text) const {
-  const auto failure = tolerate([&] {
-    const platform::sql::ConnectionString connection(text);
-    SqlServerLogin& login = read.buffer.sqlServer;
-    login.server = connection.value(u"Data Source"_s);
-    login.database = connection.value(u"Initial Catalog"_s);
-    login.trusted = connection.has(u"Integrated Security"_s);
-    login.user = connection.value(u"User ID"_s);
-    login.password = connection.value(u"Password"_s);
-  });
-  if (failure) read.notes.append({Field::Server, failure->description()});
+  takeServerText(read.buffer, text);
+  if (!read.buffer.serverByText) return;
+  const QString problem = connectionTextProblem(text);
+  if (!problem.isEmpty()) read.notes.append({Field::ConnectionText, problem});
 }
 
 /// Where the registry has no settings, those that the calendar has brought along count.
@@ -313,6 +309,7 @@ void SettingsStore::save(const SettingsBuffer& buffer, const std::function<void(
   // what was written is what the next save begins with
   SettingsBuffer saved = buffer;
   saved.makeDatabase = false;
+  storedValue_ = buffer.reportChoice == reportToSqlServer ? reportValue(buffer) : QString();
   read_ = {saved, {}, true, true, read_.kept};
   overwrite_ = false;
   tolerate([this] { outside_ = look(); });
@@ -345,22 +342,27 @@ void SettingsStore::writeConfiguration(Undo& undo, const SettingsBuffer& buffer)
                 files::FileMode::Usual);
 }
 
-QString SettingsStore::connectionText(const SqlServerLogin& login) {
-  const QString place =
-      u"Data Source="_s + login.server.trimmed() + u";Initial Catalog="_s + login.database.trimmed();
-  const QString provider = u"Provider=SQLOLEDB.1;Persist Security Info=True;"_s;
-  if (login.trusted) return provider + u"Integrated Security=SSPI;"_s + place;
-  return provider + u"User ID="_s + login.user.trimmed() + u";Password="_s + login.password + u';' + place;
+/// A connection that nobody has changed here stays where it stands and as it is written there; but for a
+/// password among the settings.
+bool SettingsStore::isServerAsStored(const SettingsBuffer& buffer) const {
+  const SettingsBuffer& read = read_.buffer;
+  if (storedValue_.isEmpty() || buffer.reportChoice != reportToSqlServer ||
+      read.reportChoice != reportToSqlServer || connectionText(buffer) != connectionText(read))
+    return false;
+  return !storedValue_.startsWith(connectionBeginning) || !holdsPassword(storedValue_);
 }
 
 /// A password stands in the connection file alone, and the settings name its folder: the copy in the calendar
 /// may travel to other machines.
 QString SettingsStore::reportValue(const SettingsBuffer& buffer) const {
+  if (isServerAsStored(buffer)) return storedValue_;
   switch (buffer.reportChoice) {
     case reportToAccess:
       return buffer.databaseFolder.isEmpty() ? QString() : QDir::cleanPath(buffer.databaseFolder) + u'\\';
-    case reportToSqlServer:
-      return buffer.sqlServer.trusted ? connectionText(buffer.sqlServer) : connectionFolder() + u'\\';
+    case reportToSqlServer: {
+      const QString text = connectionText(buffer);
+      return holdsPassword(text) ? connectionFolder() + u'\\' : text;
+    }
     default:
       return buffer.otherTarget;
   }
@@ -368,12 +370,13 @@ QString SettingsStore::reportValue(const SettingsBuffer& buffer) const {
 
 void SettingsStore::writeConnectionFile(Undo& undo, const SettingsBuffer& buffer) const {
   const QString file = QDir(connectionFolder()).filePath(connectionFileName);
-  if (buffer.reportChoice != reportToSqlServer || buffer.sqlServer.trusted) {
+  if (buffer.reportChoice != reportToSqlServer || reportValue(buffer) != connectionFolder() + u'\\') {
     stepRemoveFile(undo, file);
     return;
   }
+  if (isServerAsStored(buffer)) return;
   stepMakeFolder(undo, connectionFolder(), true);
-  stepWriteFile(undo, file, connectionText(buffer.sqlServer).toUtf8(), readOrMissing(file).fingerprint,
+  stepWriteFile(undo, file, connectionText(buffer).toUtf8(), readOrMissing(file).fingerprint,
                 files::FileMode::OwnerOnly);
 }
 

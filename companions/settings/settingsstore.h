@@ -43,8 +43,6 @@ class SettingsStore {
   std::optional<CalendarEntry> replacedCopy(const SettingsBuffer& buffer) const;
   /// As the report program would get the target.
   QString reportValue(const SettingsBuffer& buffer) const;
-  /// The whole connection text for the server.
-  static QString connectionText(const SqlServerLogin& login);
 
   QString folder() const { return folder_; }
   /// Where the connection file stands.
@@ -59,10 +57,11 @@ class SettingsStore {
   Outside look();
   QString keptTagOf(const SettingsBuffer& buffer) const;
   void readConfiguration(ReadSettings& read);
-  void readRegistry(ReadSettings& read) const;
+  void readRegistry(ReadSettings& read);
   void readTarget(ReadSettings& read, const QString& value) const;
   void readServer(ReadSettings& read, const QString& text) const;
   void readKept(ReadSettings& read);
+  bool isServerAsStored(const SettingsBuffer& buffer) const;
   void steps(Undo& undo, const SettingsBuffer& buffer);
   void writeConfiguration(Undo& undo, const SettingsBuffer& buffer) const;
   void writeConnectionFile(Undo& undo, const SettingsBuffer& buffer) const;
@@ -76,6 +75,7 @@ class SettingsStore {
   QString folder_;
   Outside outside_;
   ReadSettings read_;
+  QString storedValue_;     // ReportValue of the registry, for a server
   QString takenFrom_;       // path of the calendar whose settings were taken over last
   bool overwrite_ = false;  // what another program has written since is to go
 };

@@ -51,9 +51,10 @@ class PageArea : public QScrollArea {
 
 }  // namespace
 
-SettingsWindow::SettingsWindow(SettingsStore& store, SettingsQuestions questions, bool hasServerDriver,
+SettingsWindow::SettingsWindow(SettingsStore& store, SettingsQuestions questions,
+                               std::function<bool(const QString& provider)> hasDriver,
                                const CommonPage& common)
-    : session_{store, std::move(questions), {}, {}, hasServerDriver} {
+    : session_{store, std::move(questions), {}, {}, std::move(hasDriver)} {
   setObjectName(u"SettingsWindow"_s);
   setWindowTitle(texts::windowTitle);
   session_.load();

@@ -22,9 +22,9 @@ class SettingsWindow : public QDialog {
   using CommonPage = std::function<std::unique_ptr<SettingsPage>(std::function<ReportPlace()> place)>;
 
   /// Reads the settings; throws platform::Failure when that is not possible. Without `common` the window has
-  /// no page for the settings that all share.
-  SettingsWindow(SettingsStore& store, SettingsQuestions questions, bool hasServerDriver,
-                 const CommonPage& common);
+  /// no page for the settings that all share. `hasDriver`: is there one for this provider?
+  SettingsWindow(SettingsStore& store, SettingsQuestions questions,
+                 std::function<bool(const QString& provider)> hasDriver, const CommonPage& common);
 
   SettingsSession& session() { return session_; }
   void accept() override;

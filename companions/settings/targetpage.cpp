@@ -1,6 +1,7 @@
 #include "companions/settings/targetpage.h"
 
 #include "companions/settings/places.h"
+#include "companions/settings/setup.h"
 #include "companions/settings/texts.h"
 #include "database/DatabaseValues.h"
 #include "database/modDBCode.h"
@@ -36,15 +37,16 @@ QString TargetPage::title() const {
 
 void TargetPage::makeControls() {
   optTargets = new QButtonGroup(this);
-  const auto option = [this](const QString& text, const QString& name, qint32 target) {
+  optServerKinds = new QButtonGroup(this);
+  const auto option = [this](QButtonGroup* group, const QString& text, const QString& name, int id) {
     auto* button = named(new QRadioButton(text, this), text, name);
-    optTargets->addButton(button, target);
+    group->addButton(button, id);
     return button;
   };
-  optAccess = option(phrases().LNGREPORTTOACCESS, u"optAccess"_s, reportToAccess);
-  optServer = option(phrases().LNGREPORTTOSQL, u"optServer"_s, reportToSqlServer);
-  optAsp = option(phrases().LNGREPORTTOASP, u"optAsp"_s, reportToAsp);
-  optBilling = option(texts::targetBilling, u"optBilling"_s, reportToBilling);
+  optAccess = option(optTargets, phrases().LNGREPORTTOACCESS, u"optAccess"_s, reportToAccess);
+  optServer = option(optTargets, phrases().LNGREPORTTOSQL, u"optServer"_s, reportToSqlServer);
+  optAsp = option(optTargets, phrases().LNGREPORTTOASP, u"optAsp"_s, reportToAsp);
+  optBilling = option(optTargets, texts::targetBilling, u"optBilling"_s, reportToBilling);
   const auto check = [this](const QString& text, const QString& name) {
     return named(new QCheckBox(text, this), text, name);
   };
@@ -52,16 +54,23 @@ void TargetPage::makeControls() {
   cmdChooseFolder =
       named(new QPushButton(texts::choose, this), phrases().LNGPICKFOLDER, u"cmdChooseFolder"_s);
   chkMakeDatabase = check(texts::makeDatabase, u"chkMakeDatabase"_s);
+  cmdSetUp = named(new QPushButton(texts::setUpDatabase, this), texts::setUpDatabase, u"cmdSetUp"_s);
+  cmdSetUp->setToolTip(texts::setUpDatabaseTip);
+  optByLogin = option(optServerKinds, texts::byLogin, u"optByLogin"_s, 0);
+  optByText = option(optServerKinds, texts::byText, u"optByText"_s, 1);
   txtServer = new QLineEdit(this);
   txtDatabase = new QLineEdit(this);
   chkIntegratedSecurity = check(phrases().LNGINTEGRATEDSECURITY, u"chkIntegratedSecurity"_s);
   txtUserName = new QLineEdit(this);
   txtPassword = new QLineEdit(this);
   txtPassword->setEchoMode(QLineEdit::Password);
+  txtConnection = new QLineEdit(this);
   cmdTest = named(new QPushButton(texts::testConnection, this), texts::testConnection, u"cmdTest"_s);
-  for (QPushButton* button : {cmdChooseFolder, cmdTest}) button->setAutoDefault(false);
+  for (QPushButton* button : {cmdChooseFolder, cmdSetUp, cmdTest}) button->setAutoDefault(false);
   lblResult = new ProblemLabel(cmdTest, this);
   lblResult->setObjectName(u"lblResult"_s);
+  lblFurtherNote = new ProblemLabel(nullptr, this);
+  lblFurtherNote->setObjectName(u"lblFurtherNote"_s);
   lblPasswordNote = new ProblemLabel(nullptr, this);
   lblPasswordNote->setObjectName(u"lblPasswordNote"_s);
 }
@@ -111,22 +120,52 @@ QWidget* TargetPage::accessGroup() {
   row->addWidget(cmdChooseFolder);
   addField(form, texts::databaseFolder, txtFolder, row, u"txtFolder"_s, Field::DatabaseFolder);
   form->addRow(chkMakeDatabase);
+  auto* alone = new QHBoxLayout;  // as wide as its text
+  alone->addWidget(cmdSetUp);
+  alone->addStretch();
+  form->addRow(alone);
   return fraAccess;
 }
 
 QWidget* TargetPage::serverGroup() {
-  const Phrases& p = phrases();
-  fraServer = new QGroupBox(p.LNGSERVER, this);
+  fraServer = new QGroupBox(phrases().LNGSERVER, this);
   fraServer->setObjectName(u"fraServer"_s);
-  auto* form = new QFormLayout(fraServer);
+  auto* column = new QVBoxLayout(fraServer);
+  column->addWidget(optByLogin);
+  column->addWidget(optByText);
+  column->addWidget(loginPanel());
+  column->addWidget(textPanel());
+  column->addWidget(lblPasswordNote);
+  return fraServer;
+}
+
+QWidget* TargetPage::loginPanel() {
+  const Phrases& p = phrases();
+  pnlLogin = new QWidget(this);
+  auto* form = new QFormLayout(pnlLogin);
+  form->setContentsMargins({});
   form->setRowWrapPolicy(QFormLayout::WrapLongRows);
   addField(form, p.LNGSERVER, txtServer, u"txtServer"_s, Field::Server);
   addField(form, p.LNGDATABASE, txtDatabase, u"txtDatabase"_s, Field::ServerDatabase);
   form->addRow(chkIntegratedSecurity);
   addField(form, p.LNGUSERNAME, txtUserName, u"txtUserName"_s, Field::User);
   addField(form, p.LNGPASSWORD, txtPassword, u"txtPassword"_s, Field::Password);
-  form->addRow(lblPasswordNote);
-  return fraServer;
+  form->addRow(lblFurtherNote);
+  return pnlLogin;
+}
+
+QWidget* TargetPage::textPanel() {
+  pnlText = new QWidget(this);
+  auto* form = new QFormLayout(pnlText);
+  form->setContentsMargins({});
+  form->setRowWrapPolicy(QFormLayout::WrapAllRows);
+  addField(form, texts::connectionText, txtConnection, u"txtConnection"_s, Field::ConnectionText);
+  auto* hint = new ProblemLabel(nullptr, this);
+  hint->setObjectName(u"lblConnectionHint"_s);
+  hint->show(texts::connectionTextHint, ProblemLabel::Kind::Note);
+  hint->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  form->addRow(hint);
+  return pnlText;
 }
 
 void TargetPage::follow(QLineEdit* edit, QString SqlServerLogin::*member, Field field) {
@@ -140,6 +179,14 @@ void TargetPage::follow(QLineEdit* edit, QString SqlServerLogin::*member, Field 
 
 void TargetPage::connectControls() {
   connect(optTargets, &QButtonGroup::idClicked, this, &TargetPage::choose);
+  connect(optServerKinds, &QButtonGroup::idClicked, this, &TargetPage::chooseServerKind);
+  connect(txtConnection, &QLineEdit::textEdited, this, [this](const QString& text) {
+    session_.buffer.serverText = text;
+    tell(Field::ConnectionText, text.trimmed().isEmpty() ? QString() : connectionTextProblem(text));
+    showTest({}, false);
+    showChoice();
+    edited();
+  });
   follow(txtServer, &SqlServerLogin::server, Field::Server);
   follow(txtDatabase, &SqlServerLogin::database, Field::ServerDatabase);
   follow(txtUserName, &SqlServerLogin::user, Field::User);
@@ -162,6 +209,7 @@ void TargetPage::connectControls() {
     showChoice();
     edited();
   });
+  connect(cmdSetUp, &QPushButton::clicked, this, &TargetPage::setUp);
   connect(cmdTest, &QPushButton::clicked, this, &TargetPage::startTest);
   connect(&test_, &ConnectionTest::finished, this,
           [this](bool succeeded, const QString& text) { showTest(text, !succeeded); });
@@ -175,6 +223,18 @@ void TargetPage::choose(int target) {
   edited();
 }
 
+/// A text begins as what the fields say, so that it only needs what they have no place for.
+void TargetPage::chooseServerKind(bool byText) {
+  SettingsBuffer& buffer = session_.buffer;
+  if (byText && buffer.serverText.isEmpty() && !buffer.sqlServer.server.isEmpty())
+    buffer.serverText = connectionText(buffer);
+  buffer.serverByText = byText;
+  txtConnection->setText(buffer.serverText);
+  showTest({}, false);
+  showChoice();
+  edited();
+}
+
 void TargetPage::chooseFolder() {
   const QString chosen =
       session_.questions.folder(this, texts::databaseFolder, session_.buffer.databaseFolder);
@@ -182,6 +242,35 @@ void TargetPage::chooseFolder() {
   txtFolder->setText(chosen);
   session_.buffer.databaseFolder = chosen;
   lookAtFolder();
+  edited();
+}
+
+/// What is made here stays, even when the window is cancelled: it was asked for by a dialog of its own.
+void TargetPage::setUp() {
+  const QString folder = session_.buffer.databaseFolder;
+  if (const QString problem = setUpProblem(folder); !problem.isEmpty()) {
+    tell(Field::DatabaseFolder, problem);
+    return;
+  }
+  std::optional<ReportTarget> target;
+  const auto failed = tolerate([&] { target = setUpDatabase(folder, session_.questions.databaseForms); });
+  if (failed)
+    showTest(failed->description(), true);
+  else if (target)
+    take(*target);
+  else
+    showTest(texts::setUpCancelled, false);
+}
+
+void TargetPage::take(const ReportTarget& target) {
+  SettingsBuffer& buffer = session_.buffer;
+  const QString folder = buffer.databaseFolder;
+  buffer.makeDatabase = false;
+  buffer.reportChoice = target.ReportTo;
+  if (target.ReportTo == reportToSqlServer) takeServerText(buffer, target.ReportToValue);
+  reload();
+  lookAtFolder();
+  showTest(target.ReportTo == reportToSqlServer ? texts::serverChosen.arg(folder) : texts::accessMade, false);
   edited();
 }
 
@@ -218,15 +307,21 @@ void TargetPage::showChoice() {
   fraAccess->setVisible(buffer.reportChoice == reportToAccess);
   fraServer->setVisible(buffer.reportChoice == reportToSqlServer);
   cmdTest->setEnabled(buffer.reportChoice == reportToAccess || buffer.reportChoice == reportToSqlServer);
-  const bool password = !buffer.sqlServer.trusted;
-  txtUserName->setEnabled(password);
-  txtPassword->setEnabled(password);
+  pnlLogin->setVisible(!buffer.serverByText);
+  pnlText->setVisible(buffer.serverByText);
+  txtUserName->setEnabled(!buffer.sqlServer.trusted);
+  txtPassword->setEnabled(!buffer.sqlServer.trusted);
+  const QString further = furtherParts(buffer.storedServerText);
+  lblFurtherNote->show(further.isEmpty() ? further : texts::furtherParts.arg(further),
+                       ProblemLabel::Kind::Note);
+  const bool password = buffer.serverByText ? holdsPassword(buffer.serverText) : !buffer.sqlServer.trusted;
   lblPasswordNote->show(
       password ? texts::passwordNote.arg(QDir(session_.store.connectionFolder()).filePath(connectionFileName))
                : QString(),
       ProblemLabel::Kind::Note);
-  const bool serverMissing = buffer.reportChoice == reportToSqlServer && !session_.hasServerDriver;
-  tell(Field::ReportChoice, serverMissing ? texts::noServerDriver : QString());
+  const QString provider = providerOf(connectionText(buffer));
+  const bool isAsked = buffer.reportChoice == reportToSqlServer && !provider.isEmpty();
+  tell(Field::ReportChoice, isAsked && !session_.hasServerDriver() ? noDriverText(provider) : QString());
 }
 
 void TargetPage::startTest() {
@@ -234,7 +329,7 @@ void TargetPage::startTest() {
   const SettingsBuffer& buffer = session_.buffer;
   const auto failed = tolerate([&] {
     if (buffer.reportChoice == reportToSqlServer)
-      test_.start(connectionWork(SettingsStore::connectionText(buffer.sqlServer), {}));
+      test_.start(connectionWork(connectionText(buffer), {}));
     else if (buffer.makeDatabase)
       test_.start(newDatabaseWork(buffer.databaseFolder));
     else
@@ -256,7 +351,8 @@ void TargetPage::reload() {
   const SettingsBuffer buffer = session_.buffer;
   if (QAbstractButton* button = optTargets->button(buffer.reportChoice)) button->setChecked(true);
   // Tab leads to the chosen one from the start, as it does once the user has chosen
-  for (QAbstractButton* button : optTargets->buttons())
+  optServerKinds->button(buffer.serverByText ? 1 : 0)->setChecked(true);
+  for (QAbstractButton* button : optTargets->buttons() + optServerKinds->buttons())
     button->setFocusPolicy(button->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
   txtFolder->setText(buffer.databaseFolder);
   chkMakeDatabase->setChecked(buffer.makeDatabase);
@@ -265,6 +361,7 @@ void TargetPage::reload() {
   chkIntegratedSecurity->setChecked(buffer.sqlServer.trusted);
   txtUserName->setText(buffer.sqlServer.user);
   txtPassword->setText(buffer.sqlServer.password);
+  txtConnection->setText(buffer.serverText);
   loading_ = false;
   showNotes();
   showTest({}, false);
@@ -272,7 +369,7 @@ void TargetPage::reload() {
 }
 
 QList<FieldText> TargetPage::problems() {
-  return targetProblems(session_.buffer, session_.hasServerDriver);
+  return targetProblems(session_.buffer, session_.hasServerDriver());
 }
 
 }  // namespace hourbook

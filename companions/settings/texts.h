@@ -104,8 +104,22 @@ inline const QString notMadeYet = u"The database is only made with OK. The folde
 inline const QString onlyReadable = u"%1 may only be read, so nothing could be reported into it."_s;
 inline const QString noServerDriver =
     u"This installation has no driver for SQL Server (SQLOLEDB.1). Choose the Access database."_s;
+inline const QString noDriverFor = u"This installation has no driver for \"%1\". Choose another database."_s;
 inline const QString passwordNote =
     u"The password stands in plain text in %1, which only you can read: the connection text leaves no other way."_s;
+inline const QString byLogin = u"MS SQL Server, by its name"_s;
+inline const QString byText = u"Any server, by a connection text"_s;
+inline const QString connectionText = u"Connection text"_s;
+inline const QString connectionTextHint =
+    u"As the driver takes it, for instance for PostgreSQL: Provider=PostgreSQL;Data Source=server;Initial "
+    u"Catalog=database;User ID=user;Password=password"_s;
+inline const QString furtherParts = u"Kept from the stored connection text: %1"_s;
+inline const QString setUpDatabase = u"Set up a database …"_s;
+inline const QString setUpDatabaseTip =
+    u"Asks which kind of database is to be used from this folder, and makes it or logs on to it at once."_s;
+inline const QString setUpCancelled = u"No database was chosen."_s;
+inline const QString accessMade = u"The database was made in this folder."_s;
+inline const QString serverChosen = u"The folder %1 leads to this server now (HourbookConnection.txt)."_s;
 
 inline const QString folderMissing = u"Choose the folder of the database."_s;
 inline const QString folderRelative = u"Give the whole path, beginning with \"/\"."_s;
@@ -115,7 +129,9 @@ inline const QString pagesTip = u"Ctrl+Page Up and Ctrl+Page Down go through the
 inline const QString folderNotWritable = u"You may not write to the folder %1."_s;
 inline const QString folderIsFile = u"%1 is a file and no folder."_s;
 inline const QString databaseNotThere =
-    u"There is no Hourbook3.mdb in this folder. Choose another, or tick \"Make a new database in this folder\"."_s;
+    u"There is no Hourbook3.mdb in this folder. Choose another, tick \"Make a new database in this folder\", or set one up."_s;
+inline const QString folderLeadsToServer =
+    u"This folder leads to a database on a server (HourbookConnection.txt). Press \"Set up a database …\" to use it."_s;
 inline const QString databaseExists =
     u"This folder holds a database already, which is left alone. Choose another folder, or use the one that is there."_s;
 inline const QString databaseIsAccess =
@@ -126,6 +142,13 @@ inline const QString databaseNotReadable = u"You may not read %1."_s;
 inline const QString serverMissing = u"Name the server."_s;
 inline const QString serverDatabaseMissing = u"Name the database on the server."_s;
 inline const QString userMissing = u"Name the user, or tick the trusted connection."_s;
+inline const QString connectionTextMissing = u"Type the connection text."_s;
+inline const QString connectionTextBeginning = u"A connection text begins with \"Provider=\"."_s;
+inline const QString connectionTextForm =
+    u"A connection text is made of pairs like \"Data Source=server\", with \";\" between them."_s;
+inline const QString connectionTextServer = u"The connection text names no server (\"Data Source=\")."_s;
+inline const QString connectionTextIsAccess =
+    u"This is the text of an Access database. Choose \"Report to Access database\", and its folder."_s;
 inline const QString connectionSign = u"\";\", \"=\" and quotes cannot stand in a connection text."_s;
 
 // Appointments

@@ -53,6 +53,9 @@ QLineEdit* frmSQLLogonWindow::addField(QFormLayout* fields, forms::Label& label,
   forms::bind(label, caption);
   forms::bind(field, edit, label.Caption());
   mnemonics_.add(label, caption);
+  const auto follow = [&field, caption] { caption->setEnabled(field.Enabled()); };
+  connect(&field, &forms::Control::propertyChanged, caption, follow);
+  follow();
   fields->addRow(caption, edit);
   return edit;
 }

@@ -36,6 +36,7 @@ void subUseDatabaseForms(DatabaseValues& values) {
   values.blnMayCreateDatabase = true;
   values.frmChooseConnection = askWhichDatabase;
   values.frmSQLLogon = subShowSQLLogon;
+  values.frmSQLLogon = subShowSQLLogon;
 }
 
 }  // namespace hourbook

@@ -1,6 +1,7 @@
 // From a machine on which nothing is set up, through the settings program's window, to the first report.
 #include "app/components.h"
 #include "companions/settings/common/commonpage.h"
+#include "companions/settings/connectiontest.h"
 #include "companions/settings/settingswindow.h"
 #include "companions/settings/texts.h"
 #include "database/DatabaseValues.h"
@@ -34,7 +35,7 @@ class Settings {
     SettingsQuestions questions;
     questions.folder = [this](QWidget*, const QString&, const QString&) { return folderAnswer; };
     window_ = std::make_unique<SettingsWindow>(
-        store_, questions, false,
+        store_, questions, hasDriver,
         [](std::function<ReportPlace()> place) { return makeCommonSettingsPage(std::move(place)); });
     window_->show();
     window_->activateWindow();

@@ -82,14 +82,14 @@ class UnnamedServer : public platform::sql::Driver {
 };
 
 TEST_F(TryingAConnection, FindsOutWhetherThereIsADriverForTheServer) {
-  EXPECT_FALSE(hasServerDriver());
+  EXPECT_FALSE(hasDriver(u"None"_s));
   useDrivers({{u"SQLOLEDB.1"_s, std::make_shared<UnnamedServer>()}});
-  EXPECT_TRUE(hasServerDriver());
+  EXPECT_TRUE(hasDriver(u"SQLOLEDB.1"_s));
 }
 
 TEST_F(TryingAConnection, TellsWhatTheServerSays) {
   useDrivers({{u"SQLOLEDB.1"_s, std::make_shared<UnnamedServer>()}});
-  test.start(connectionWork(SettingsStore::connectionText({u"box"_s, u"Hours"_s, true, {}, {}}), {}));
+  test.start(connectionWork(withLogin({}, {u"box"_s, u"Hours"_s, true, {}, {}}), {}));
   wait(1);
   EXPECT_EQ(answers, QStringList{u"no: "_s + phrases().LNGCONNECTIONFAILED + u"\nNo server was named."_s});
 }

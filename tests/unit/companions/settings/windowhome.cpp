@@ -18,11 +18,13 @@ void WindowHome::open(bool withCommon, bool hasServerDriver) {
     EXPECT_FALSE(answers.choices.isEmpty()) << qPrintable(text);
     return answers.choices.isEmpty() ? -1 : answers.choices.takeFirst();
   };
+  questions.databaseForms = databaseForms;
   store = std::make_unique<SettingsStore>(config());
   SettingsWindow::CommonPage common;
   if (withCommon)
     common = [](std::function<ReportPlace()> place) { return makeCommonSettingsPage(std::move(place)); };
-  window = std::make_unique<SettingsWindow>(*store, questions, hasServerDriver, common);
+  window = std::make_unique<SettingsWindow>(
+      *store, questions, [hasServerDriver](const QString&) { return hasServerDriver; }, common);
   window->show();
   window->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));

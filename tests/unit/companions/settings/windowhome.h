@@ -53,6 +53,10 @@ class WindowHome : public SettingsHome {
   bool isOpen() const { return window && window->isVisible(); }
 
   Answers answers;
+  /// What asks for a database; nobody may, unless a test says so.
+  std::function<void(DatabaseValues&)> databaseForms = [](DatabaseValues&) {
+    ADD_FAILURE() << "not announced";
+  };
   std::unique_ptr<SettingsStore> store;
   std::unique_ptr<SettingsWindow> window;
 };

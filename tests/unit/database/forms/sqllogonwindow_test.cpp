@@ -122,6 +122,28 @@ TEST_F(SQLLogonWindow, WhileAConnectionIsTriedThePointerSaysSo) {
   EXPECT_TRUE(waits);
 }
 
+TEST_F(SQLLogonWindow, IsWhatTheDatabaseCodeShows) {
+  subUseDatabaseForms(*database);
+  use([this] { database->frmSQLLogon(form); },
+      [](QDialog& window) {
+        QTest::keyClicks(part<QLineEdit>(window, "txtServer"), u"box"_s);
+        part<QPushButton>(window, "cmdOK")->click();
+      });
+  EXPECT_TRUE(form.strConnection.endsWith(u"Data Source=box;Initial Catalog="_s));
+}
+
+TEST_F(SQLLogonWindow, TheNamesOfFieldsThatAreOffAreGrey) {
+  show([](QDialog& window) {
+    for (const auto* label : window.findChildren<QLabel*>()) {
+      const bool off = label->buddy()->objectName() == u"txtUserName"_s ||
+                       label->buddy()->objectName() == u"txtPassword"_s;
+      EXPECT_EQ(label->isEnabled(), !off) << qPrintable(label->text());
+    }
+    part<QCheckBox>(window, "chkIntegratedSecurity")->click();
+    for (const auto* label : window.findChildren<QLabel*>()) EXPECT_TRUE(label->isEnabled());
+  });
+}
+
 TEST_F(SQLLogonWindow, EveryTextFitsInEveryLanguageAndInLargeLetters) {
   const QFont usual = QApplication::font();
   for (const int size : {9, 20}) {
