@@ -75,7 +75,7 @@ void ComponentEditor::set(const char* name, const QByteArray& head, const QByteA
   const Line* line = find(name);
   const QByteArray wanted = head + ':' + value;
   if (!line) return append(head, value);
-  if (unfolded(document_.raw(*line)) != wanted) {
+  if (unfolded(document_.raw(*line), document_.bareCr) != wanted) {
     if (wanted.size() > maxPropertyBytes)
       throw Failure(errStoreBroken, QStringLiteral("The text is longer than %1 bytes.").arg(maxPropertyBytes),
                     QStringLiteral("IcalendarStore"));

@@ -187,10 +187,9 @@ Document scan(QByteArray bytes, const QString& place) {
   return document;
 }
 
-QByteArray unfolded(QByteArrayView raw) {
+QByteArray unfolded(QByteArrayView raw, bool bareCr) {
   qsizetype end = raw.size();
   while (end > 0 && (raw[end - 1] == '\n' || raw[end - 1] == '\r')) --end;
-  const bool bareCr = !raw.contains('\n');
   QByteArray result;
   result.reserve(end);
   for (qsizetype i = 0; i < end;) {
@@ -274,7 +273,7 @@ Property parsed(const QByteArray& logicalLine, int number) {
 }
 
 Property parsed(const Document& document, const Line& line) {
-  return parsed(unfolded(document.raw(line)), line.number);
+  return parsed(unfolded(document.raw(line), document.bareCr), line.number);
 }
 
 QList<Property> propertiesOf(const Document& document, const Component& component, const char* name) {

@@ -51,8 +51,9 @@ struct Document {
 /// Reads whatever can be read; `place` names the file in the problems.
 Document scan(QByteArray bytes, const QString& place);
 
-/// The bytes of a property on one line: without folds and line end.
-QByteArray unfolded(QByteArrayView raw);
+/// The bytes of a property on one line: without folds and line end. `bareCr` as its document has it: whether
+/// the last line of a file has its line end must not change what a CR within it means.
+QByteArray unfolded(QByteArrayView raw, bool bareCr);
 
 struct Parameter {
   QByteArray name;   // upper case

@@ -145,6 +145,15 @@ TEST(Scan, AFileThatIsNoCalendarIsNamed) {
   EXPECT_TRUE(scan("\r\n", {}).problems.isEmpty());
 }
 
+TEST(Scan, ACrWithinALineMeansTheSameWhetherOrNotTheLineIsTheLastOfItsFile) {
+  const auto lastValue = [](const QByteArray& bytes) {
+    const Document document = scan(bytes, {});
+    return parsed(document, document.components.front().lines.back()).value;
+  };
+  EXPECT_EQ(lastValue("BEGIN:X\r\nA:b\rc\r\n"), "b\rc");
+  EXPECT_EQ(lastValue("BEGIN:X\r\nA:b\rc"), "b\rc");
+}
+
 TEST(Properties, QuotesHideColonsAndSemicolons) {
   const Property property = parsed("ATTENDEE;CN=\"a;b:c\";ROLE=CHAIR:mailto:x");
   EXPECT_EQ(property.name, "ATTENDEE");
