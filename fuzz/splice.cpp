@@ -99,8 +99,10 @@ bool sameTimes(const Item& a, const Item& b) {
   return a.start == b.start && a.end == b.end && a.allDay == b.allDay && a.zoneUnknown == b.zoneUnknown;
 }
 
-bool same(const Item& a, const Item& b) {
-  return a.key == b.key && a.tag == b.tag && a.kind == b.kind && sameTexts(a, b) && sameTimes(a, b);
+/// `tags`: whether the bytes of both must be the same, too.
+bool same(const Item& a, const Item& b, bool tags = true) {
+  return a.key == b.key && (!tags || a.tag == b.tag) && a.kind == b.kind && sameTexts(a, b) &&
+         sameTimes(a, b);
 }
 
 QString described(const Item& item) {
@@ -199,7 +201,7 @@ bool sameChildren(const ical::Document& old, const ical::Component& component, c
   const ical::Component& edited = now.components.front();
   bool same = component.children.size() == edited.children.size();
   for (size_t i = 0; same && i < component.children.size(); ++i)
-    same = old.raw(component.children[i]) == now.raw(edited.children[i]);
+    same = old.raw(component.children[i]).trimmed() == now.raw(edited.children[i]).trimmed();
   return same;
 }
 
@@ -241,11 +243,12 @@ void checkBytes(const QByteArray& before, const QByteArray& after, const Item& i
 }
 
 /// The others as they were, `gone` missing, `added` new. Tags tell events apart, places may move on.
-void checkOthers(QList<Item> before, QList<Item> after, const std::function<bool(const Item&)>& edited) {
+void checkOthers(QList<Item> before, QList<Item> after, bool tags,
+                 const std::function<bool(const Item&)>& edited) {
   before.removeIf(edited);
   after.removeIf(edited);
   bool alike = before.size() == after.size();
-  for (qsizetype i = 0; alike && i < before.size(); ++i) alike = same(before[i], after[i]);
+  for (qsizetype i = 0; alike && i < before.size(); ++i) alike = same(before[i], after[i], tags);
   if (alike) return;
   QString details = QStringLiteral("%1 items before, %2 after\n").arg(before.size()).arg(after.size());
   for (qsizetype i = 0; i < qMax(before.size(), after.size()); ++i) {
@@ -274,6 +277,10 @@ bool isAmbiguous(const Listed& listed, const Item& item) {
 struct State {
   QByteArray bytes;
   Listed listed;
+  /// What follows on the last line of a file gives it the line end that it lacked.
+  bool endsWithLine() const {
+    return bytes.isEmpty() || bytes.endsWith('\n') || (bytes.endsWith('\r') && !bytes.contains('\n'));
+  }
 };
 
 State look(bool folder) {
@@ -297,8 +304,8 @@ void change(Store& store, const State& before, const Item& item, const Change& c
     return other.key.uid == item.key.uid &&
            (item.key.recurrenceId.isEmpty() || other.key.recurrenceId == item.key.recurrenceId);
   };
-  checkOthers(before.listed.stored, after.listed.stored, touched);
-  checkOthers(before.listed.year, after.listed.year, touched);
+  checkOthers(before.listed.stored, after.listed.stored, before.endsWithLine(), touched);
+  checkOthers(before.listed.year, after.listed.year, before.endsWithLine(), touched);
 }
 
 void remove(Store& store, const State& before, const Item& item, bool folder) {
@@ -316,8 +323,8 @@ void remove(Store& store, const State& before, const Item& item, bool folder) {
            (item.key.recurrenceId.isEmpty() || other.key.recurrenceId == item.key.recurrenceId ||
             other.kind == Kind::Master || other.kind == Kind::Occurrence);
   };
-  checkOthers(before.listed.stored, after.listed.stored, touched);
-  checkOthers(before.listed.year, after.listed.year, touched);
+  checkOthers(before.listed.stored, after.listed.stored, before.endsWithLine(), touched);
+  checkOthers(before.listed.year, after.listed.year, before.endsWithLine(), touched);
 }
 
 void make(Store& store, const State& before, const Change& change, bool folder) {
@@ -334,8 +341,8 @@ void make(Store& store, const State& before, const Change& change, bool folder) 
   const auto touched = [&](const Item& other) { return other.key.uid == saved.key.uid; };
   PROMISED(std::count_if(after.listed.stored.begin(), after.listed.stored.end(), touched) == 1,
            described(saved));
-  checkOthers(before.listed.stored, after.listed.stored, touched);
-  checkOthers(before.listed.year, after.listed.year, touched);
+  checkOthers(before.listed.stored, after.listed.stored, before.endsWithLine(), touched);
+  checkOthers(before.listed.year, after.listed.year, before.endsWithLine(), touched);
 }
 
 /// Another program adds something at the end.
