@@ -2,6 +2,7 @@
 
 #include "platform/calendar/icalendar/recurrence.h"
 #include "platform/calendar/icalendar/text.h"
+#include "platform/calendar/icalendar/zones.h"
 
 #include <QCryptographicHash>
 #include <QSet>
@@ -104,7 +105,7 @@ class EventReader {
     if (event.recurrenceId)
       which += u'\n' + QString::fromLatin1(dateTimeText(event.recurrenceId->date, event.recurrenceId->time));
     const int number = ++seen_[which];
-    event.place = number == 1 ? name_ : QStringLiteral("%1#%2").arg(name_).arg(number);
+    event.place = placeOf(name_, number);
     if (!event.hasUid) event.uid = QStringLiteral("no-uid:") + event.place;
   }
 
@@ -129,25 +130,59 @@ void collectEvents(CalendarFile& file, const std::vector<Component>& components,
   }
 }
 
+void moveLines(Component& component, int by) {
+  component.line += by;
+  for (Line& line : component.lines) line.number += by;
+  for (Component& child : component.children) moveLines(child, by);
+}
+
+/// The event itself, by where it begins.
+Component* componentAt(std::vector<Component>& components, int offset) {
+  for (Component& component : components) {
+    if (component.offset == offset) return &component;
+    if (component.offset < offset && offset < component.end) return componentAt(component.children, offset);
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 QString CalendarFile::tagOf(const QByteArray& component) {
   return QString::fromLatin1(QCryptographicHash::hash(component, QCryptographicHash::Sha1).toHex());
 }
 
-QList<const Component*> CalendarFile::zoneScope(const Event& event) const {
-  QList<const Component*> scope;
-  if (event.calendar) scope.append(event.calendar);
-  for (const Component& component : document.components)
-    if (&component != event.calendar) scope.append(&component);
-  return scope;
+QString placeOf(const QString& name, int number) {
+  return number == 1 ? name : QStringLiteral("%1#%2").arg(name).arg(number);
 }
 
-Event eventOf(const Document& document, const Component& component, const Component* calendar) {
+Event eventOf(const Document& document, const Component& component, const Component* calendar,
+              QList<Problem>* problems) {
   QList<Problem> unread;
-  Event event = EventReader(document, {}, unread).read(component, nullptr);
+  Event event = EventReader(document, {}, problems ? *problems : unread).read(component, nullptr);
   event.calendar = calendar;  // stands in another document
   return event;
+}
+
+std::shared_ptr<const CalendarFile> calendarPart(const PartPlace& place, const QByteArray& head,
+                                                 const QByteArray& event, const QByteArray& tail) {
+  auto part = std::make_shared<CalendarFile>();
+  part->name = place.name;
+  part->base = place.offset - head.size();
+  part->document = scan(head + event + tail, place.name);
+  Component* component = componentAt(part->document.components, static_cast<int>(head.size()));
+  if (!component || component->name != "VEVENT" || component->end != head.size() + event.size())
+    return nullptr;
+  moveLines(*component, place.line - component->line);
+  QList<Problem> known;  // since the file was taken in
+  EventReader reader(part->document, place.name, known);
+  part->zones = std::make_shared<ZoneIndex>(part->document);
+  collectEvents(*part, part->document.components, nullptr, reader);
+  if (part->events.size() != 1) return nullptr;
+  Event& own = part->events.front();
+  own.place = placeOf(place.name, place.number);
+  if (!own.hasUid) own.uid = QStringLiteral("no-uid:") + own.place;
+  part->document.problems.clear();
+  return part;
 }
 
 std::shared_ptr<const CalendarFile> calendarFile(const QString& name, QByteArray bytes) {
@@ -156,6 +191,7 @@ std::shared_ptr<const CalendarFile> calendarFile(const QString& name, QByteArray
   file->document = scan(std::move(bytes), name);
   file->problems = file->document.problems;
   EventReader reader(file->document, name, file->problems);
+  file->zones = std::make_shared<ZoneIndex>(file->document);
   collectEvents(*file, file->document.components, nullptr, reader);
   return file;
 }

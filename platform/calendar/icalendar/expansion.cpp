@@ -90,9 +90,10 @@ const EventRef* Expansion::masterOf(const Group& group, const EventRef& override
   int bestScore = 0;
   for (const EventRef& master : group.masters) {
     const Event& event = *master.event;
-    const bool here = master.file == override.file;
+    const bool here = master.file->name == override.file->name;
     if (!event.start || (!here && !event.isSeries())) continue;
-    const bool ahead = here && event.component->offset < override.event->component->offset;
+    const bool ahead = here && master.file->base + event.component->offset <
+                                   override.file->base + override.event->component->offset;
     const int score = (here ? 8 : 1) + (event.isSeries() ? 4 : 0) + (ahead ? 1 : 0) +
                       (isDay(*event.start) == isDay(*override.event->recurrenceId) ? 2 : 0);
     if (score < bestScore || (score == bestScore && !ahead)) continue;  // of equals the nearest one ahead
@@ -192,7 +193,7 @@ QList<Occurrence> Expansion::occurrences(const Group& group, const EventRef& mas
   qint64 widest = 0;
   for (const EventRef& override : group.overrides) {
     const EventRef* owner = masterOf(group, override);
-    if (!owner || (owner->file != master.file && owner->event != master.event)) continue;
+    if (!owner || (owner->file->name != master.file->name && owner->event != master.event)) continue;
     const qint64 id = reader_.wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
     replaced.insert(id);
     if (!override.event->thisAndFuture || !override.event->start) continue;
@@ -265,10 +266,7 @@ bool Expansion::inRange(const Item& item) const {
 
 void Expansion::addItem(const EventRef& ref, Item item, QList<Item>& items) {
   if (!inRange(item) || (query_.subject && item.subject != *query_.subject)) return;
-  if (item.zoneUnknown)
-    note(ref,
-         QStringLiteral("The time zone \"%1\" is defined nowhere; the times are taken in the viewer's zone.")
-             .arg(ref.event->start->tzid));
+  if (item.zoneUnknown) note(ref, reader_.whyUnknown(ref.event->start->tzid));
   items.append(std::move(item));
 }
 

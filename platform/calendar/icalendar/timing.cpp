@@ -10,6 +10,8 @@ namespace {
 using Form = DateValue::Form;
 
 constexpr qint64 longestDays = 36600;
+constexpr int maxNamedLength = 100;  // of a zone's name in a text
+constexpr int maxHomes = 8;          // definitions among which the calendar's home is looked for
 
 /// The day that a value names. A moment in UTC is a day where the calendar was kept; midnight and the last
 /// second in UTC are how some programs write the day itself.
@@ -29,7 +31,8 @@ qint64 Timing::endInstant(qint64 wall, const Span& span) const {
 Zone Reader::zoneOf(const CalendarFile& file, const Event& event, const DateValue& value, bool* unknown) {
   if (value.form == Form::Utc) return Zone(QTimeZone::utc());
   if (value.form == Form::Zoned) {
-    if (const auto zone = book_.find(file.document, file.zoneScope(event), value.tzid)) return *zone;
+    if (const auto zone = book_.find(file.document, file.zones.get(), event.calendar, value.tzid))
+      return *zone;
     *unknown = true;
     return viewer_;
   }
@@ -38,10 +41,19 @@ Zone Reader::zoneOf(const CalendarFile& file, const Event& event, const DateValu
     const auto maker = firstOf(file.document, *event.calendar, "PRODID");
     const auto zone = firstOf(file.document, *event.calendar, "X-WR-TIMEZONE");
     if (maker && zone && maker->value.contains("Google"))
-      if (const auto known = book_.find(file.document, file.zoneScope(event), decoded(zone->value).trimmed()))
+      if (const auto known =
+              book_.find(file.document, file.zones.get(), event.calendar, decoded(zone->value).trimmed()))
         return *known;
   }
   return viewer_;
+}
+
+QString Reader::whyUnknown(const QString& tzid) const {
+  const QString text =
+      book_.wasTooMuch(tzid)
+          ? u"The definition of the time zone \"%1\" is too long; the times are taken in the viewer's zone."_qs
+          : u"The time zone \"%1\" is defined nowhere; the times are taken in the viewer's zone."_qs;
+  return text.arg(tzid.left(maxNamedLength));
 }
 
 qint64 Reader::instantOf(const CalendarFile& file, const Event& event, const DateValue& value) {
@@ -52,12 +64,14 @@ qint64 Reader::instantOf(const CalendarFile& file, const Event& event, const Dat
 Zone Reader::homeZone(const CalendarFile& file, const Event& event) {
   if (!event.calendar) return viewer_;
   const auto named = [&](const Property& property) {
-    return book_.find(file.document, file.zoneScope(event), fromText(property.value).trimmed());
+    return book_.find(file.document, file.zones.get(), event.calendar, fromText(property.value).trimmed());
   };
   if (const auto own = firstOf(file.document, *event.calendar, "X-WR-TIMEZONE"))
     if (const auto zone = named(*own)) return *zone;
+  int asked = 0;
   for (const Component& definition : event.calendar->children) {
     if (definition.name != "VTIMEZONE") continue;
+    if (++asked > maxHomes) break;
     const auto id = firstOf(file.document, definition, "TZID");
     if (!id || id->value.trimmed() == "UTC") continue;
     if (const auto zone = named(*id)) return *zone;

@@ -39,6 +39,8 @@ class Reader {
   /// The zone of one date value; the viewer's for dates and floating times.
   Zone zoneOf(const CalendarFile& file, const Event& event, const DateValue& value, bool* unknown);
   const Zone& viewer() const { return viewer_; }
+  /// What is wrong with a zone that was not found.
+  QString whyUnknown(const QString& tzid) const;
 
  private:
   Zone homeZone(const CalendarFile& file, const Event& event);

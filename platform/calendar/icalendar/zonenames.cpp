@@ -283,6 +283,49 @@ constexpr Pair displayNames[] = {
     {u"kiritimati island", u"Pacific/Kiritimati"},
 };
 
+/// Places by which Windows shows its zones, in the languages of Europe.
+constexpr Pair places[] = {
+    {u"amsterdam", u"Europe/Berlin"},    {u"berlin", u"Europe/Berlin"},
+    {u"berlijn", u"Europe/Berlin"},      {u"bern", u"Europe/Berlin"},
+    {u"berne", u"Europe/Berlin"},        {u"berna", u"Europe/Berlin"},
+    {u"berlín", u"Europe/Berlin"},       {u"berlino", u"Europe/Berlin"},
+    {u"rom", u"Europe/Berlin"},          {u"rome", u"Europe/Berlin"},
+    {u"roma", u"Europe/Berlin"},         {u"stockholm", u"Europe/Berlin"},
+    {u"estocolmo", u"Europe/Berlin"},    {u"stoccolma", u"Europe/Berlin"},
+    {u"vienna", u"Europe/Berlin"},       {u"vienne", u"Europe/Berlin"},
+    {u"viena", u"Europe/Berlin"},        {u"wien", u"Europe/Berlin"},
+    {u"wenen", u"Europe/Berlin"},        {u"brussels", u"Europe/Paris"},
+    {u"brüssel", u"Europe/Paris"},       {u"bruxelles", u"Europe/Paris"},
+    {u"bruselas", u"Europe/Paris"},      {u"brussel", u"Europe/Paris"},
+    {u"bryssel", u"Europe/Paris"},       {u"copenhagen", u"Europe/Paris"},
+    {u"kopenhagen", u"Europe/Paris"},    {u"copenhague", u"Europe/Paris"},
+    {u"copenaghen", u"Europe/Paris"},    {u"köpenhamn", u"Europe/Paris"},
+    {u"madrid", u"Europe/Paris"},        {u"paris", u"Europe/Paris"},
+    {u"parís", u"Europe/Paris"},         {u"parigi", u"Europe/Paris"},
+    {u"parijs", u"Europe/Paris"},        {u"belgrade", u"Europe/Budapest"},
+    {u"belgrad", u"Europe/Budapest"},    {u"belgrado", u"Europe/Budapest"},
+    {u"bratislava", u"Europe/Budapest"}, {u"budapest", u"Europe/Budapest"},
+    {u"ljubljana", u"Europe/Budapest"},  {u"prag", u"Europe/Budapest"},
+    {u"prague", u"Europe/Budapest"},     {u"praga", u"Europe/Budapest"},
+    {u"praag", u"Europe/Budapest"},      {u"sarajevo", u"Europe/Warsaw"},
+    {u"skopje", u"Europe/Warsaw"},       {u"warschau", u"Europe/Warsaw"},
+    {u"warszawa", u"Europe/Warsaw"},     {u"varsovie", u"Europe/Warsaw"},
+    {u"varsavia", u"Europe/Warsaw"},     {u"varsovia", u"Europe/Warsaw"},
+    {u"zagreb", u"Europe/Warsaw"},       {u"dublin", u"Europe/London"},
+    {u"dublín", u"Europe/London"},       {u"dublino", u"Europe/London"},
+    {u"edinburgh", u"Europe/London"},    {u"edinburg", u"Europe/London"},
+    {u"édimbourg", u"Europe/London"},    {u"edimburgo", u"Europe/London"},
+    {u"lisbon", u"Europe/London"},       {u"lissabon", u"Europe/London"},
+    {u"lisbonne", u"Europe/London"},     {u"lisbona", u"Europe/London"},
+    {u"lisboa", u"Europe/London"},       {u"london", u"Europe/London"},
+    {u"londres", u"Europe/London"},      {u"londra", u"Europe/London"},
+    {u"londen", u"Europe/London"},       {u"helsinki", u"Europe/Kiev"},
+    {u"helsingfors", u"Europe/Kiev"},    {u"kiev", u"Europe/Kiev"},
+    {u"kiew", u"Europe/Kiev"},           {u"kyiv", u"Europe/Kiev"},
+    {u"riga", u"Europe/Kiev"},           {u"sofia", u"Europe/Kiev"},
+    {u"tallinn", u"Europe/Kiev"},        {u"vilnius", u"Europe/Kiev"},
+};
+
 template <size_t size>
 QHash<QString, QString> hashOf(const Pair (&pairs)[size]) {
   QHash<QString, QString> hash;
@@ -297,6 +340,20 @@ QString windowsNameOf(const QString& name) {
   QString plain = name;
   if (plain.startsWith(u'(') && plain.contains(u')')) plain = plain.mid(plain.indexOf(u')') + 1).trimmed();
   return names.value(names.contains(name) ? name : plain);
+}
+
+QString ianaOfPlaces(const QString& plainLowerCase) {
+  static const QHash<QString, QString> zones = hashOf(places);
+  QString common;
+  int agreeing = 0;
+  for (QString place : QString(plainLowerCase).replace(u'/', u',').split(u',')) {
+    const QString zone = zones.value(place.section(u'(', 0, 0).trimmed());
+    if (zone.isEmpty()) continue;
+    if (!common.isEmpty() && zone != common) return {};
+    common = zone;
+    ++agreeing;
+  }
+  return agreeing >= 2 ? common : QString();
 }
 
 QString ianaOfDisplayName(const QString& plainLowerCase) {

@@ -9,5 +9,8 @@ namespace platform::calendar::icalendar {
 QString windowsNameOf(const QString& name);
 /// The IANA name of a Windows display name without its offset, in lower case and with "&" for "and".
 QString ianaOfDisplayName(const QString& plainLowerCase);
+/// Of one in another language: the zone that two or more of its places have in common; empty when they do
+/// not.
+QString ianaOfPlaces(const QString& plainLowerCase);
 
 }  // namespace platform::calendar::icalendar

@@ -13,8 +13,14 @@
 namespace platform::calendar::icalendar {
 namespace {
 
-constexpr int firstRuleYear = 1900;  // definitions begin in 1601; nobody asks for the years between
-constexpr int lastRuleYear = 2200;
+constexpr int firstRuleYear = 1950;  // definitions begin in 1601; nobody asks for the years between
+constexpr int lastRuleYear = 2100;
+
+// of one definition; the longest of the machine's own zones has 200 parts and 20 kB
+constexpr int maxDefinitionBytes = 64 * 1024;
+constexpr int maxDefinitionParts = 1000;
+constexpr size_t maxChanges = 5000;
+constexpr int maxNameLength = 255;
 
 std::optional<qint64> offsetValue(const Document& document, const Component& part, const char* name) {
   const auto property = firstOf(document, part, name);
@@ -28,6 +34,58 @@ std::optional<qint64> offsetValue(const Document& document, const Component& par
   return match.captured(1) == u"-" ? -size : size;
 }
 
+/// "The last Sunday of March", as nearly all definitions put it, without a walk from day to day.
+std::optional<QDate> nthWeekday(const Rule& rule, int year) {
+  const auto [nth, weekday] = rule.byDay.first();
+  const QDate first(year, rule.byMonth.first(), 1);
+  const int days = first.daysInMonth();
+  const int weekdayOfFirst = first.dayOfWeek() % 7;
+  const int firstDay = 1 + (weekday - weekdayOfFirst + 7) % 7;
+  const int last = firstDay + (days - firstDay) / 7 * 7;
+  const int day = nth > 0 ? firstDay + (nth - 1) * 7 : last + (nth + 1) * 7;
+  return day >= 1 && day <= days ? std::optional(QDate(year, first.month(), day)) : std::nullopt;
+}
+
+bool isNthWeekday(const Rule& rule) {
+  return rule.byMonth.size() == 1 && rule.byDay.size() == 1 && rule.byDay.first().first != 0 &&
+         rule.interval == 1 && rule.count == 0 && rule.byMonthDay.isEmpty() && rule.byYearDay.isEmpty() &&
+         rule.byWeekNo.isEmpty() && rule.bySetPos.isEmpty() && rule.byHour.isEmpty() &&
+         rule.byMinute.isEmpty() && rule.bySecond.isEmpty();
+}
+
+/// Clocks are changed once a year in a month that is named; what else a rule may say is none about clocks.
+bool isAboutClocks(const Rule& rule) {
+  return rule.frequency == Rule::Frequency::Yearly && !rule.byMonth.isEmpty() && rule.byHour.size() <= 1 &&
+         rule.byMinute.size() <= 1 && rule.bySecond.size() <= 1;
+}
+
+void addOnsets(const QByteArray& text, const DateValue& start, qint64 offsetBefore, QList<qint64>& onsets) {
+  QString why;
+  const auto written = ruleOf(text, &why);
+  if (!written) return;
+  const Rule rule = written->completed(start.wall());
+  if (!isAboutClocks(rule)) return;
+  int year = start.date.year();
+  if (rule.count == 0 && rule.interval == 1) year = qMax(year, firstRuleYear);
+  qint64 until = wallOf(QDate(lastRuleYear, 1, 1), QTime(0, 0));
+  if (rule.until)
+    until = qMin(until, rule.until->form == DateValue::Form::Utc    ? rule.until->wall() + offsetBefore
+                        : rule.until->form == DateValue::Form::Date ? rule.until->wall() + dayMs - 1
+                                                                    : rule.until->wall());
+  const auto take = [&](qint64 wall) {
+    if (wall >= start.wall() && wall <= until) onsets.append(wall);
+    return wall <= until;
+  };
+  if (!isNthWeekday(rule)) {
+    const qint64 from = qMax(start.wall(), wallOf(QDate(year, 1, 1), QTime(0, 0)));
+    walk(rule, start.wall(), until, from, until, take, static_cast<int>(maxChanges));
+    return;
+  }
+  for (; year < lastRuleYear; ++year)
+    if (const auto day = nthWeekday(rule, year))
+      if (!take(wallOf(*day, start.time))) return;
+}
+
 /// The wall-clock times (by the clock before) at which one part of a definition comes into force.
 QList<qint64> onsetsOf(const Document& document, const Component& part, qint64 offsetBefore) {
   QList<qint64> onsets;
@@ -35,26 +93,15 @@ QList<qint64> onsetsOf(const Document& document, const Component& part, qint64 o
   const auto start = startLine ? dateValue(startLine->value, *startLine) : std::nullopt;
   if (!start) return onsets;
   onsets.append(start->wall());
-  for (const Property& property : propertiesOf(document, part, "RRULE")) {
-    QString why;
-    const auto rule = ruleOf(property.value, &why);
-    if (!rule) continue;
-    qint64 from = start->wall();
-    if (rule->count == 0 && rule->interval == 1 && start->date.year() < firstRuleYear)
-      from = wallOf(QDate(firstRuleYear, start->date.month(), qMin(start->date.day(), 28)), start->time);
-    qint64 until = std::numeric_limits<qint64>::max();
-    if (rule->until)
-      until = rule->until->form == DateValue::Form::Utc    ? rule->until->wall() + offsetBefore
-              : rule->until->form == DateValue::Form::Date ? rule->until->wall() + dayMs - 1
-                                                           : rule->until->wall();
-    walk(*rule, from, until, from, wallOf(QDate(lastRuleYear, 1, 1), QTime(0, 0)), [&](qint64 wall) {
-      onsets.append(wall);
-      return true;
-    });
-  }
-  for (const Property& property : propertiesOf(document, part, "RDATE")) {
-    int unreadable = 0;
-    for (const Period& period : periodList(property, &unreadable)) onsets.append(period.start.wall());
+  for (const Line& line : part.lines) {
+    if (static_cast<size_t>(onsets.size()) > maxChanges) break;
+    if (document.is(line, "RRULE")) {
+      addOnsets(parsed(document, line).value, *start, offsetBefore, onsets);
+    } else if (document.is(line, "RDATE")) {
+      int unreadable = 0;
+      for (const Period& period : periodList(parsed(document, line), &unreadable))
+        onsets.append(period.start.wall());
+    }
   }
   return onsets;
 }
@@ -117,10 +164,13 @@ qint64 Zone::toInstant(qint64 wall) const {
   return wall - before;  // skipped by the clocks
 }
 
-std::optional<Zone> Zone::defined(const Document& document, const Component& definition) {
+std::optional<Zone> Zone::defined(const Document& document, const Component& definition, bool* tooMuch) {
   auto changes = std::make_shared<Changes>();
-  QList<QPair<qint64, qint64>> befores;  // instant of a change, offset before it
+  QPair<qint64, qint64> first{std::numeric_limits<qint64>::max(), 0};  // the first change, and before it
+  bool all = definition.end - definition.offset <= maxDefinitionBytes &&
+             definition.children.size() <= maxDefinitionParts;
   for (const Component& part : definition.children) {
+    if (!all) break;
     if (part.name != "STANDARD" && part.name != "DAYLIGHT") continue;
     const auto from = offsetValue(document, part, "TZOFFSETFROM"),
                to = offsetValue(document, part, "TZOFFSETTO");
@@ -128,23 +178,30 @@ std::optional<Zone> Zone::defined(const Document& document, const Component& def
     const qint64 before = from.value_or(*to);
     for (const qint64 wall : onsetsOf(document, part, before)) {
       changes->list.push_back({wall - before, *to});
-      befores.append({wall - before, before});
+      first = qMin(first, {wall - before, before});
     }
+    all = changes->list.size() <= maxChanges;
   }
-  if (changes->list.empty()) return std::nullopt;
-  std::sort(changes->list.begin(), changes->list.end(),
-            [](const Change& a, const Change& b) { return a.instant < b.instant; });
-  changes->before = std::min_element(befores.begin(), befores.end())->second;
+  if (tooMuch) *tooMuch = !all;
+  if (!all || changes->list.empty()) return std::nullopt;
+  std::stable_sort(changes->list.begin(), changes->list.end(),
+                   [](const Change& a, const Change& b) { return a.instant < b.instant; });
+  changes->before = first.second;
   Zone zone;
   zone.changes_ = std::move(changes);
   return zone;
+}
+
+bool isAbbreviation(const QString& name) {
+  static const QRegularExpression form(u"^[A-Z]{2,4}$"_qs);
+  return name != u"UTC" && form.match(name).hasMatch();
 }
 
 std::optional<QTimeZone> zoneByName(const QString& written) {
   QString name = written.trimmed();
   if (name.size() > 1 && name.startsWith(u'"') && name.endsWith(u'"')) name = name.mid(1, name.size() - 2);
   name.replace(u"\\,"_qs, u","_qs).replace(u"\\;"_qs, u";"_qs);
-  if (name.isEmpty()) return std::nullopt;
+  if (name.isEmpty() || name.size() > maxNameLength) return std::nullopt;
   if (const auto zone = machineZone(name)) return zone;
   if (const auto zone = zoneByPath(name)) return zone;
   for (const QString& id : {name, windowsNameOf(name)}) {
@@ -153,14 +210,19 @@ std::optional<QTimeZone> zoneByName(const QString& written) {
   }
   const QString known = ianaOfDisplayName(plainDisplayName(name));
   if (!known.isEmpty()) return machineZone(known);
+  if (name.startsWith(u'(')) {
+    const QString common = ianaOfPlaces(plainDisplayName(name));
+    if (!common.isEmpty()) return machineZone(common);
+  }
   if (name.count(u'-') == 1) return machineZone(QString(name).replace(u'-', u'/'));  // "US-Eastern"
   return std::nullopt;
 }
 
 std::optional<QTimeZone> zoneByOffset(const QString& name) {
   static const QRegularExpression form(
-      u"^\\s*\\(?(?:UTC|GMT)\\s*(?:([+-])(\\d{1,2})(?::?(\\d{2}))?)?(?:\\).*|\\s*)$"_qs,
+      u"^\\s*\\(?(?:UTC|GMT)\\s*(?:([+-])(\\d{1,2})(?:[:.]?(\\d{2}))?)?(?:\\).*|\\s*)$"_qs,
       QRegularExpression::CaseInsensitiveOption);
+  if (name.size() > maxNameLength) return std::nullopt;
   const auto match = form.match(name);
   if (!match.hasMatch()) return std::nullopt;
   const int seconds = match.captured(2).toInt() * 3600 + match.captured(3).toInt() * 60;
@@ -168,26 +230,66 @@ std::optional<QTimeZone> zoneByOffset(const QString& name) {
   return QTimeZone(match.captured(1) == u"-" ? -seconds : seconds);
 }
 
-std::optional<Zone> ZoneBook::find(const Document& document, const QList<const Component*>& scope,
-                                   const QString& tzid) {
-  if (!names_.contains(tzid)) names_.insert(tzid, zoneByName(tzid));
-  if (const auto& known = names_[tzid]) return Zone(*known);
-  const QString wanted = tzid.trimmed();
-  for (const Component* calendar : scope) {
-    for (const Component& definition : calendar->children) {
-      if (definition.name != "VTIMEZONE") continue;
-      const auto id = firstOf(document, definition, "TZID");
-      if (!id || (fromText(id->value).trimmed() != wanted && decoded(id->value).trimmed() != wanted))
-        continue;
-      if (const auto location = firstOf(document, definition, "X-LIC-LOCATION"))
-        if (const auto zone = zoneByName(decoded(location->value))) return Zone(*zone);
-      const QByteArray key =
-          tzid.toUtf8() + '\0' +
-          QCryptographicHash::hash(document.raw(definition).toByteArray(), QCryptographicHash::Sha1);
-      if (!definitions_.contains(key)) definitions_.insert(key, Zone::defined(document, definition));
-      if (const auto& zone = definitions_[key]) return zone;
+ZoneIndex::ZoneIndex(const Document& document) {
+  add(document, document.components, nullptr);
+}
+
+void ZoneIndex::add(const Document& document, const std::vector<Component>& components,
+                    const Component* calendar) {
+  for (const Component& component : components) {
+    if (component.name == "VCALENDAR") {
+      add(document, component.children, &component);
+      continue;
     }
+    if (component.name != "VTIMEZONE") {
+      if (component.name != "VEVENT") add(document, component.children, calendar);
+      continue;
+    }
+    const auto id = firstOf(document, component, "TZID");
+    if (!id || (component.children.empty() && !firstOf(document, component, "X-LIC-LOCATION"))) continue;
+    // some write the escapes of a text also where the name is used
+    for (const QString& name : {fromText(id->value).trimmed(), decoded(id->value).trimmed()})
+      for (const Component* home : {calendar, static_cast<const Component*>(nullptr)})
+        if (!definitions_.contains({home, name})) definitions_.insert({home, name}, &component);
   }
+}
+
+const Component* ZoneIndex::own(const Component* calendar, const QString& name) const {
+  return definitions_.value({calendar, name});
+}
+
+const std::optional<QTimeZone>& ZoneBook::named(const QString& tzid) {
+  const auto known = names_.constFind(tzid);
+  return known != names_.cend() ? *known : *names_.insert(tzid, zoneByName(tzid));
+}
+
+std::optional<Zone> ZoneBook::definedBy(const Document& document, const Component* definition,
+                                        const QString& tzid) {
+  if (!definition) return std::nullopt;
+  if (const auto location = firstOf(document, *definition, "X-LIC-LOCATION"))
+    if (const auto& zone = named(decoded(location->value).trimmed())) return Zone(*zone);
+  const QByteArray key =
+      tzid.toUtf8() + '\0' +
+      QCryptographicHash::hash(document.raw(*definition).toByteArray(), QCryptographicHash::Sha1);
+  const auto known = definitions_.constFind(key);
+  if (known != definitions_.cend()) return *known;
+  bool tooMuch = false;
+  const auto zone = Zone::defined(document, *definition, &tooMuch);
+  if (tooMuch) tooMuch_.insert(tzid);
+  definitions_.insert(key, zone);
+  return zone;
+}
+
+std::optional<Zone> ZoneBook::find(const Document& document, const ZoneIndex* index,
+                                   const Component* calendar, const QString& tzid) {
+  const QString wanted = tzid.trimmed();
+  const Component* own = index && calendar ? index->own(calendar, wanted) : nullptr;
+  if (own && isAbbreviation(wanted))
+    if (const auto zone = definedBy(document, own, tzid)) return zone;
+  if (const auto& known = named(tzid)) return Zone(*known);
+  if (const auto zone = definedBy(document, own, tzid)) return zone;
+  if (index)
+    if (const auto zone = definedBy(document, index->first(wanted), tzid)) return zone;
   if (const auto offset = zoneByOffset(wanted)) return Zone(*offset);
   return std::nullopt;
 }

@@ -2,6 +2,7 @@
 #include "platform/calendar/icalendar/syntax.h"
 
 #include <QHash>
+#include <QSet>
 #include <QTimeZone>
 
 // Zones of time by whatever name a calendar program gives them.
@@ -22,8 +23,10 @@ class Zone {
     return a.zone_ == b.zone_ && a.changes_ == b.changes_;
   }
 
-  /// From a VTIMEZONE; nothing when it defines nothing.
-  static std::optional<Zone> defined(const Document& document, const Component& definition);
+  /// From a VTIMEZONE; nothing when it defines nothing, or so much that nobody's zone can be meant
+  /// (`tooMuch`).
+  static std::optional<Zone> defined(const Document& document, const Component& definition,
+                                     bool* tooMuch = nullptr);
 
  private:
   struct Change {
@@ -46,18 +49,42 @@ std::optional<QTimeZone> zoneByName(const QString& name);
 /// "UTC+01", "GMT-0330", and the offset in front of a display name that is in no table.
 std::optional<QTimeZone> zoneByOffset(const QString& name);
 
-/// Resolves the names of a file, each name and each definition once. A name known everywhere comes before the
-/// file's own definition of it: evaluating definitions is what costs time, and the machine's zones know the
-/// past.
-class ZoneBook {
+/// "EST", "CET": says less than a definition of that name that stands beside it.
+bool isAbbreviation(const QString& name);
+
+/// The definitions of zones in a file by their names, so that thousands of them cost no more than a few.
+class ZoneIndex {
  public:
-  /// `scope`: the components among which the definitions stand (those of the item's calendar first).
-  std::optional<Zone> find(const Document& document, const QList<const Component*>& scope,
-                           const QString& tzid);
+  explicit ZoneIndex(const Document& document);
+
+  /// The calendar's own definition, else null.
+  const Component* own(const Component* calendar, const QString& name) const;
+  /// The first one of the file, else null.
+  const Component* first(const QString& name) const { return own(nullptr, name); }
 
  private:
+  void add(const Document& document, const std::vector<Component>& components, const Component* calendar);
+  QHash<QPair<const Component*, QString>, const Component*> definitions_;
+};
+
+/// Resolves the names of a file, each name and each definition once. A name known everywhere comes before the
+/// file's own definition of it: evaluating definitions is what costs time, and the machine's zones know the
+/// past. What a definition means is kept by its name and text, whichever file it stands in.
+class ZoneBook {
+ public:
+  /// `calendar`: the item's, whose definitions come before those of the file's other calendars.
+  std::optional<Zone> find(const Document& document, const ZoneIndex* index, const Component* calendar,
+                           const QString& tzid);
+  /// Whether the name is unknown only because its definition is beyond all measure.
+  bool wasTooMuch(const QString& tzid) const { return tooMuch_.contains(tzid); }
+
+ private:
+  const std::optional<QTimeZone>& named(const QString& tzid);
+  std::optional<Zone> definedBy(const Document& document, const Component* definition, const QString& tzid);
+
   QHash<QString, std::optional<QTimeZone>> names_;
   QHash<QByteArray, std::optional<Zone>> definitions_;  // by name and text
+  QSet<QString> tooMuch_;
 };
 
 }  // namespace platform::calendar::icalendar

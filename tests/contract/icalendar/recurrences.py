@@ -313,7 +313,9 @@ class Case:
                     del self.all[other]
             else:
                 self.lines.append(self.named("EXDATE", wall))
-                del self.all[wall]
+                moment = self.seconds(wall) if self.lines[-1].endswith("Z") else None  # by whatever name
+                for other in [w for w in self.all if w == wall or self.seconds(w) == moment]:
+                    del self.all[other]
             if not self.all:
                 return
 

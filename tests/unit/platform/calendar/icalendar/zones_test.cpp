@@ -28,7 +28,8 @@ double hoursAhead(const Zone& zone, const QString& local) {
 
 std::optional<Zone> found(const QByteArray& definitions, const QString& tzid) {
   const Document document = scan(calendar(definitions), {});
-  return ZoneBook().find(document, {&document.components.at(0)}, tzid);
+  const ZoneIndex index(document);
+  return ZoneBook().find(document, &index, &document.components.at(0), tzid);
 }
 
 }  // namespace
@@ -168,6 +169,158 @@ TEST(ZoneDefinitions, MayNameTheirPlace) {
   placed.replace("TZID:Customized Time Zone\r\n",
                  "TZID:Customized Time Zone\r\nX-LIC-LOCATION:Asia/Tokyo\r\n");
   EXPECT_EQ(hoursAhead(*found(placed, u"Customized Time Zone"_qs), u"2024-07-01 12:00"_qs), 9);
+}
+
+TEST(ZoneNames, InOtherLanguagesAreFoundByTheirPlaces) {
+  EXPECT_EQ(named(u"(GMT+01:00) Amsterdam, Berlin, Bern, Rom, Stockholm, Wien"_qs), u"Europe/Berlin"_qs);
+  EXPECT_EQ(named(u"(UTC+01:00) Amsterdam, Berlin, Berne, Rome, Stockholm, Vienne"_qs), u"Europe/Berlin"_qs);
+  EXPECT_EQ(named(u"(GMT+01.00) Amsterdam / Berlin / Bern / Rom / Stockholm / Wien"_qs), u"Europe/Berlin"_qs);
+  EXPECT_EQ(named(u"(UTC+01:00) Brüssel, Kopenhagen, Madrid, Paris"_qs), u"Europe/Paris"_qs);
+  EXPECT_EQ(named(u"(UTC+01:00) Belgrad, Bratislava (Pressburg), Budapest, Ljubljana, Prag"_qs),
+            u"Europe/Budapest"_qs);
+  EXPECT_EQ(named(u"(UTC+02:00) Helsingfors, Kiev, Riga, Sofia, Tallinn, Vilnius"_qs), u"Europe/Kiev"_qs);
+  EXPECT_EQ(named(u"(UTC) Dublin, Edinburgh, Lissabon, London"_qs), u"Europe/London"_qs);
+  // one place alone, or places of two zones, say too little
+  EXPECT_EQ(named(u"(UTC+01:00) Berlin, somewhere"_qs), QString());
+  EXPECT_EQ(named(u"(UTC+01:00) Berlin, Paris"_qs), QString());
+}
+
+TEST(ZoneNames, ThatAreEndlessCostNothing) {
+  EXPECT_EQ(named(QString(500'000, u'a').replace(u"aa"_qs, u"a/"_qs)), QString());
+}
+
+/// What a file's own definition says, when the name is an abbreviation that means something else elsewhere.
+TEST(ZoneDefinitions, OfAnAbbreviationComeBeforeIt) {
+  QByteArray own = customDefinition;
+  own.replace("Customized Time Zone", "EST");
+  EXPECT_EQ(hoursAhead(*found(own, u"EST"_qs), u"2024-07-01 12:00"_qs), -4);
+  EXPECT_EQ(hoursAhead(*found("", u"EST"_qs), u"2024-07-01 12:00"_qs), -5);
+}
+
+TEST(ZoneDefinitions, ComeAheadOfAnOffsetInTheNameAndBehindEveryNameThatIsKnown) {
+  const auto under = [](const QByteArray& name) {
+    QByteArray definition = customDefinition;
+    definition.replace("Customized Time Zone", name);
+    return hoursAhead(*found(definition, QString::fromUtf8(name)), u"2024-07-01 12:00"_qs);
+  };
+  EXPECT_EQ(under("Europe/Stockholm"), 2);
+  EXPECT_EQ(under("/softwarestudio.org/Olson_20011030_5/Europe/Stockholm"), 2);
+  EXPECT_EQ(under("W. Europe Standard Time"), 2);
+  EXPECT_EQ(under("(UTC+01:00) Amsterdam, Berlin, Bern, Rome, Stockholm, Vienna"), 2);
+  EXPECT_EQ(under("Westeurop\xC3\xA4ische Normalzeit"), 2);
+  EXPECT_EQ(under("tzone://Microsoft/Utc"), 0);
+  EXPECT_EQ(under("tzone://Microsoft/Custom"), -4);
+  EXPECT_EQ(under("(UTC+08:45) A place in no table"), -4);
+  EXPECT_EQ(hoursAhead(*found("", u"(UTC+08:45) A place in no table"_qs), u"2024-07-01 12:00"_qs), 8.75);
+}
+
+TEST(ZoneDefinitions, ByTheDayOfTheMonthOrTheDayOfTheYearAreEvaluatedToo) {
+  const auto at = [](const QByteArray& rule, const QString& local) {
+    QByteArray definition = customDefinition;
+    definition.replace("RRULE:FREQ=YEARLY;INTERVAL=1;BYDAY=2SU;BYMONTH=3", "RRULE:" + rule);
+    return hoursAhead(*found(definition, u"Customized Time Zone"_qs), local);
+  };
+  const QByteArray second = "FREQ=YEARLY;BYMONTH=3;BYDAY=SU;BYMONTHDAY=8,9,10,11,12,13,14";
+  EXPECT_EQ(at(second, u"2024-03-10 01:59"_qs), -5);
+  EXPECT_EQ(at(second, u"2024-03-10 03:00"_qs), -4);
+  EXPECT_EQ(at("FREQ=YEARLY;BYMONTH=3;BYDAY=-1SU", u"2024-03-30 12:00"_qs), -5);
+  EXPECT_EQ(at("FREQ=YEARLY;BYMONTH=3;BYDAY=-1SU", u"2024-03-31 03:00"_qs), -4);
+  EXPECT_EQ(at("FREQ=YEARLY;BYMONTH=3;BYDAY=5SU", u"2023-07-01 12:00"_qs), -5);  // none in 2023
+  EXPECT_EQ(at("FREQ=YEARLY;BYMONTH=3;BYDAY=5SU", u"2024-07-01 12:00"_qs), -4);
+}
+
+TEST(ZoneDefinitions, BeyondAllMeasureAreRefused) {
+  const auto refused = [](const QByteArrayList& lines) {
+    QByteArrayList part{"BEGIN:VTIMEZONE", "TZID:Hostile"};
+    part += lines;
+    part += QByteArray("END:VTIMEZONE");
+    const Document document = scan(calendar(joined(part)), {});
+    const ZoneIndex index(document);
+    ZoneBook book;
+    const bool none = !book.find(document, &index, &document.components.at(0), u"Hostile"_qs);
+    return none && book.wasTooMuch(u"Hostile"_qs);
+  };
+  QByteArray dates = "RDATE:19700101T000000";
+  for (int i = 0; i < 3000; ++i) dates += ",19700101T000000";
+  const QByteArrayList one{"BEGIN:STANDARD", "DTSTART:19700101T000000", "TZOFFSETFROM:+0100",
+                           "TZOFFSETTO:+0200", "END:STANDARD"};
+  QByteArrayList twice{"BEGIN:STANDARD", "DTSTART:19700101T000000", "TZOFFSETFROM:+0100", "TZOFFSETTO:+0200"};
+  for (int i = 0; i < 20; ++i) twice.append("RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=2SU");
+  twice.append("END:STANDARD");
+  QByteArrayList many;
+  for (int i = 0; i < 1001; ++i) many += {"BEGIN:STANDARD", "END:STANDARD"};
+  EXPECT_TRUE(refused(QByteArrayList(one) << "BEGIN:STANDARD" << dates << dates << "END:STANDARD"));
+  EXPECT_TRUE(refused(many + one));
+  EXPECT_TRUE(refused(twice + twice));
+  EXPECT_FALSE(refused(one));
+}
+
+TEST(ZoneDefinitions, WhoseRuleIsNotAboutClocksCountFromTheirStart) {
+  QByteArray odd = customDefinition;
+  odd.replace("RRULE:FREQ=YEARLY;INTERVAL=1;BYDAY=2SU;BYMONTH=3", "RRULE:FREQ=SECONDLY");
+  odd.replace("RRULE:FREQ=YEARLY;INTERVAL=1;BYDAY=1SU;BYMONTH=11", "RRULE:FREQ=YEARLY;BYDAY=1SU");
+  EXPECT_TRUE(found(odd, u"Customized Time Zone"_qs));
+}
+
+class ZonesOfFiles : public IcalendarTest {};
+
+TEST_F(ZonesOfFiles, AZoneBeyondAllMeasureIsNamedAndTheViewersIsTaken) {
+  QByteArrayList lines{"BEGIN:VTIMEZONE",         "TZID:Hostile",       "BEGIN:STANDARD",
+                       "DTSTART:19700101T000000", "TZOFFSETFROM:+0100", "TZOFFSETTO:+0200"};
+  for (int i = 0; i < 40; ++i) lines.append("RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=2SU");
+  lines += {"END:STANDARD", "END:VTIMEZONE"};
+  write(u"a.ics"_qs,
+        calendar(joined(lines) + event({"UID:1", "SUMMARY:x", "DTSTART;TZID=Hostile:20240219T090000"})));
+  EXPECT_EQ(described(plain()), QStringList{u"2024-02-19 09:00 - 09:00 x"_qs});
+  EXPECT_TRUE(single().zoneUnknown);
+  EXPECT_EQ(problemTexts(), QStringList{u"a.ics:52: The definition of the time zone \"Hostile\" is too long; "
+                                        "the times are taken in the viewer's zone."_qs});
+}
+
+TEST_F(ZonesOfFiles, ThousandsOfCalendarsWithDefinitionsOfTheirOwnAreReadAllTheSame) {
+  // each event looks for its own definition and finds it; were all looked through for each, this would not
+  // end
+  QByteArray all;
+  constexpr int many = 2000;
+  for (int i = 0; i < many; ++i) {
+    QByteArray definition = customDefinition;
+    definition.replace("Customized Time Zone", "Own " + QByteArray::number(i));
+    const QByteArray tzid = i % 2 ? "Own " + QByteArray::number(i) : "Nobody's " + QByteArray::number(i);
+    all += calendar(definition +
+                    event({"UID:" + QByteArray::number(i), "DTSTART;TZID=" + tzid + ":20240701T120000"}));
+  }
+  writeOne(all);
+  folder = u"one"_qs;
+  const QList<Item> items = plain("UTC");
+  ASSERT_EQ(items.size(), many);
+  int unknown = 0, atFour = 0;
+  for (const Item& item : items) {
+    unknown += item.zoneUnknown;
+    atFour += item.start.time() == QTime(16, 0);
+  }
+  EXPECT_EQ(unknown, many / 2);
+  EXPECT_EQ(atFour, many / 2);
+}
+
+TEST_F(ZonesOfFiles, AnEditNeverChangesTheNameOfAZone) {
+  Change change;
+  change.start = moment(u"2024-07-02 10:00"_qs);
+  change.durationMinutes = 45;
+  for (const QByteArray& name :
+       {QByteArray("\"(UTC-05:00) Eastern Time (US & Canada)\""), QByteArray("Customized Time Zone"),
+        QByteArray("tzone://Microsoft/Custom"), QByteArray("Nobody knows this"), QByteArray("\"GMT+0530\""),
+        QByteArray("/freeassociation.sourceforge.net/Europe/Berlin")}) {
+    QByteArray definition = customDefinition;
+    write(u"a.ics"_qs, calendar(definition + event({"UID:1", "DTSTART;TZID=" + name + ":20240701T090000",
+                                                    "DTEND;TZID=" + name + ":20240701T100000"})));
+    const Item saved = save(single(), change);
+    EXPECT_EQ(saved.start, *change.start) << name.constData();
+    EXPECT_EQ(saved.durationMinutes(), 45) << name.constData();
+    const QByteArray bytes = read(u"a.ics"_qs);
+    EXPECT_TRUE(bytes.contains("DTSTART;TZID=" + name + ":20240702T")) << bytes.constData();
+    EXPECT_TRUE(bytes.contains("DTEND;TZID=" + name + ":20240702T")) << bytes.constData();
+    EXPECT_TRUE(bytes.contains(definition));
+  }
 }
 
 TEST(ZoneDefinitions, ThatDefineNothingAreNone) {
