@@ -1,5 +1,6 @@
 #pragma once
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 #include <optional>
@@ -50,13 +51,13 @@ enum class FileMode { Usual, OwnerOnly };
 /// most.
 ReadResult readFile(const QString& path, qint64 limit = 1024LL * 1024 * 1024);
 
-/// The one way in which this program writes a user's file: a new file beside it (".name.XXXXXX.tmp", which
-/// never ends in .ics), written, fsynced and its size checked; the target compared with `expected` once more;
-/// renamed over it; the folder fsynced. A symbolic link is followed to its target, mode and (where permitted)
-/// owner and group are kept, access lists and extended attributes are not. On any failure the old content
-/// stands untouched and no file is left beside it. The one exception: when only the folder's fsync failed,
-/// the new content stands there, whole, but might not outlive a power cut; `fingerprint` is then set though
-/// the outcome is `Failed`.
+/// The one way in which this program writes a user's file, shared by spliceFile() below: a new file beside it
+/// (".name.XXXXXX.tmp", which never ends in .ics), written, fsynced and its size checked; the target compared
+/// with `expected` once more; renamed over it; the folder fsynced. A symbolic link is followed to its target,
+/// mode and (where permitted) owner and group are kept, access lists and extended attributes are not. On any
+/// failure the old content stands untouched and no file is left beside it. The one exception: when only the
+/// folder's fsync failed, the new content stands there, whole, but might not outlive a power cut;
+/// `fingerprint` is then set though the outcome is `Failed`.
 ///
 /// `expected` empty: whatever is there is replaced; `expected->exists` false: nothing may be there.
 /// `ChangedMeanwhile`: not written, because the target is no longer what was read. Up to 1 MB the content
@@ -73,6 +74,14 @@ ReadResult readFile(const QString& path, qint64 limit = 1024LL * 1024 * 1024);
 WriteResult replaceFile(const QString& path, const QByteArray& bytes,
                         const std::optional<Fingerprint>& expected = std::nullopt,
                         FileMode mode = FileMode::Usual);
+
+/// As replaceFile(), for a file that is there: some stretches are replaced and every other byte stays.
+/// Nothing of a file above 1 MB is read but those stretches: the system copies the rest. `ChangedMeanwhile`
+/// also where a stretch does not hold what it should; `expected.hash` may be empty, then time, size and inode
+/// decide for small files too. The stretches must not overlap; of two at one offset the first comes first.
+/// The fingerprint of a file above 1 MB comes back without the hash.
+WriteResult spliceFile(const QString& path, const QList<Splice>& splices, const Fingerprint& expected,
+                       FileMode mode = FileMode::Usual);
 
 /// Removes a file that is still what was read; the folder is fsynced. Of a symbolic link the link goes and
 /// what it leads to stays. A read-only file is refused. When only the folder's fsync failed, the file is gone

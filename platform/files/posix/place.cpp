@@ -149,6 +149,21 @@ QByteArray readAll(int file, const QString& path, qint64 size) {
   return bytes;
 }
 
+QByteArray readAt(int file, const QString& path, qint64 offset, qint64 size) {
+  QByteArray bytes(size, Qt::Uninitialized);
+  qint64 done = 0;
+  while (done < size) {
+    const ssize_t got = retried([&] {
+      return calls().pread(file, bytes.data() + done, static_cast<size_t>(size - done), offset + done);
+    });
+    if (got < 0) fail(path, errno);
+    if (got == 0) break;
+    done += got;
+  }
+  bytes.truncate(done);
+  return bytes;
+}
+
 QByteArray hashOf(const QByteArray& bytes) {
   return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
 }

@@ -73,6 +73,8 @@ bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* 
 Descriptor openForReading(int folder, const QByteArray& name, const QString& path);
 /// At most `size` bytes and one more: a file that grows is noticed, and is not run after.
 QByteArray readAll(int file, const QString& path, qint64 size);
+/// Up to `size` bytes from there; fewer where the file ends.
+QByteArray readAt(int file, const QString& path, qint64 offset, qint64 size);
 QByteArray hashOf(const QByteArray& bytes);
 void syncFolder(const Place& place);
 /// Renames within the folder. False, and nothing done, when the new name is taken.

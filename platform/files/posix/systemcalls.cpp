@@ -1,6 +1,8 @@
 #include "platform/files/posix/systemcalls.h"
 
 #include <cstdio>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace platform::files {
@@ -21,7 +23,12 @@ SystemCalls SystemCalls::ofTheSystem() {
   };
   calls.close = ::close;
   calls.read = ::read;
+  calls.pread = ::pread;
   calls.write = ::write;
+  calls.copyFileRange = [](int from, off_t* offset, int to, size_t size) {
+    return ::copy_file_range(from, offset, to, nullptr, size, 0);
+  };
+  calls.clone = [](int to, int from) { return ::ioctl(to, FICLONE, from); };
   calls.fsync = ::fsync;
   calls.fstat = [](int file, struct stat* out) { return ::fstat(file, out); };
   calls.fstatat = [](int folder, const char* name, struct stat* out, int flags) {

@@ -12,7 +12,11 @@ struct SystemCalls {
   std::function<int(int folder, const char* name, int flags, mode_t mode)> openat;
   std::function<int(int file)> close;
   std::function<ssize_t(int file, void* bytes, size_t size)> read;
+  std::function<ssize_t(int file, void* bytes, size_t size, off_t offset)> pread;
   std::function<ssize_t(int file, const void* bytes, size_t size)> write;
+  /// Reads at `*offset`, which it moves on, and writes where `to` stands.
+  std::function<ssize_t(int from, off_t* offset, int to, size_t size)> copyFileRange;
+  std::function<int(int to, int from)> clone;  // of a whole file
   std::function<int(int file)> fsync;
   std::function<int(int file, struct stat* out)> fstat;
   std::function<int(int folder, const char* name, struct stat* out, int flags)> fstatat;
