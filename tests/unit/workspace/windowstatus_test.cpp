@@ -82,15 +82,12 @@ TEST(SecondsText, HasTheDecimalSignOfTheSystem) {
 /// Notes what is painted, and what the line says then.
 class Paints : public QObject {
  public:
-  explicit Paints(QWidget* watched) : watched_(watched) { watched->installEventFilter(this); }
+  explicit Paints(QWidget* watched) { watched->installEventFilter(this); }
   bool eventFilter(QObject*, QEvent* event) override {
     if (event->type() == QEvent::Paint) ++count;
     return false;
   }
   int count = 0;
-
- private:
-  QWidget* watched_;
 };
 
 /// A calendar of a fortnight that takes a second for each item it is asked for.
