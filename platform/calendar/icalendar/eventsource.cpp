@@ -2,6 +2,7 @@
 
 #include "platform/basic/failure.h"
 #include "platform/calendar/icalendar/editor.h"
+#include "platform/calendar/icalendar/limits.h"
 
 #include <QCryptographicHash>
 #include <QFileInfo>
@@ -13,10 +14,6 @@ namespace platform::calendar::icalendar {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr qint64 maxFileBytes = 1024LL * 1024 * 1024;    // of a calendar in one file
-constexpr qint64 maxItemFileBytes = 64LL * 1024 * 1024;  // of one file among many
-constexpr qint64 settlingNs = 100 * 1000 * 1000;         // clocks of file systems are coarse
 
 fs::path native(const QString& path) {
   return fs::path(path.toStdU16String());
@@ -85,7 +82,8 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
 
 void FileCache::read(const QString& name, const Stamp& stamp) {
   const bool one = !isFolder();
-  const files::ReadResult result = files::readFile(pathOf(name), one ? maxFileBytes : maxItemFileBytes);
+  const files::ReadResult result =
+      files::readFile(pathOf(name), one ? maxCalendarFileBytes : maxItemFileBytes);
   if (!result.ok && one)
     fail(result.fingerprint.exists ? errAccessDenied : errNotFound, label_, result.error);
   Entry entry;
@@ -149,6 +147,14 @@ QList<Group> FileCache::between(qint64 from, qint64 to) {
 Group FileCache::withUid(const QString& uid) {
   refresh();
   return groups_.value(uid);
+}
+
+qint64 FileCache::countUpTo(qint64 most) {
+  refresh();
+  qint64 count = 0;
+  for (auto entry = entries_.cbegin(); entry != entries_.cend() && count < most; ++entry)
+    if (entry->file) count += static_cast<qint64>(entry->file->events.size());
+  return qMin(count, most);
 }
 
 QList<Problem> FileCache::problems() {

@@ -4,6 +4,8 @@
 
 #include <QHash>
 
+#include <limits>
+
 namespace platform::calendar::icalendar {
 
 /// Where the events of one calendar come from. A query knows only this; an index that outlives the process
@@ -28,6 +30,13 @@ class EventSource {
   /// regard to zones: more may come than is asked for, never less).
   virtual QList<Group> between(qint64 from, qint64 to) = 0;
   virtual Group withUid(const QString& uid) = 0;
+  /// The groups with an event of exactly this subject; more may come than is asked for.
+  virtual QList<Group> withSubject(const QString& subject) {
+    static_cast<void>(subject);
+    return between(std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max());
+  }
+  /// How many events there are, at most `most`.
+  virtual qint64 countUpTo(qint64 most) = 0;
   virtual QList<Problem> problems() = 0;
   /// The events with that UID in one file (none: all that the file has no UID for is left out as well), read
   /// anew.
@@ -53,6 +62,7 @@ class FileCache : public EventSource {
   FileCache(QString path, QString label);
   QList<Group> between(qint64 from, qint64 to) override;
   Group withUid(const QString& uid) override;
+  qint64 countUpTo(qint64 most) override;
   QList<Problem> problems() override;
   Snapshot snapshot(const QString& name, const QString& uid) override;
   void written(const QString& name, const QList<files::Splice>& splices,

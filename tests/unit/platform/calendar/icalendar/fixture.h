@@ -6,7 +6,8 @@
 
 #include <gtest/gtest.h>
 
-// Calendars in files of a temporary folder, and what they show.
+// Calendars in files of a temporary folder, and what they show. All of it holds with an index as without:
+// HOURBOOK_TEST_INDEX=1 runs these tests on indexed calendars.
 namespace icalendar_tests {
 
 using platform::calendar::Change;

@@ -1,0 +1,69 @@
+#pragma once
+#include "platform/calendar/icalendar/eventsource.h"
+#include "platform/calendar/icalendar/index/diskfile.h"
+#include "platform/calendar/icalendar/index/tables.h"
+
+#include <QCache>
+
+namespace platform::calendar::icalendar::index {
+
+/// A file is not what its rows say.
+struct Stale {
+  QString name;
+};
+
+/// What the parsed events of the last questions may take.
+inline constexpr qsizetype maxKeptBytes = 6 * 1024 * 1024;
+
+/// Reads the events that a question is about, and keeps them for the next.
+class Hits {
+ public:
+  Hits(Database& database, QString root, bool isFolder)
+      : database_(database), root_(std::move(root)), isFolder_(isFolder), kept_(maxKeptBytes) {}
+
+  /// All events of these names, in the order of files and of their places in them. Throws Stale.
+  QList<EventRef> named(const QSet<quint64>& uids);
+  /// All events.
+  QList<EventRef> all();
+  /// Those of a name in one file in parts, and what a write has to know of it. Throws Stale.
+  Snapshot snapshot(const FileRow& file, const QString& uid);
+  void forget();
+
+ private:
+  struct Hit {
+    qint64 segmentStart = 0;
+    int segmentLine = 0;
+    EventPlace place;
+  };
+  struct HitFile {
+    qint64 id = 0;
+    QString name;
+    quint64 stamp = 0, content = 0;
+    Form form = Form::Whole;
+    QList<Hit> hits;
+    QSet<quint64> uids;
+  };
+  using Kept = std::shared_ptr<const CalendarFile>;
+
+  QString pathOf(const QString& name) const { return isFolder_ ? root_ + u'/' + name : root_; }
+  void collect(quint64 uid, QHash<qint64, HitFile>& files);
+  void read(const HitFile& file, QList<EventRef>& into);
+  Kept whole(const HitFile& file);
+  Kept everything(const HitFile& file) const;
+  Kept part(const HitFile& file, const Hit& hit, const DiskFile& disk);
+  QByteArray bytesOf(const HitFile& file, const Hit& hit, const DiskFile& disk) const;
+  Kept built(const HitFile& file, const Hit& hit, const QByteArray& event);
+  QByteArray headOf(qint64 file, qint64 calendar);
+  /// Definitions of zones that the event's own calendar has not, from the others of its file, as calendars.
+  QByteArray zonesElsewhere(qint64 file, qint64 calendar, const CalendarFile& part);
+  bool isDefined(const CalendarFile& part, const QString& tzid);
+
+  Database& database_;
+  QString root_;
+  bool isFolder_;
+  QCache<quint64, Kept> kept_;                          // by content and place
+  QHash<std::pair<qint64, qint64>, QByteArray> heads_;  // by file and calendar
+  QHash<QString, bool> known_;                          // names of zones, whether they tell the zone
+};
+
+}  // namespace platform::calendar::icalendar::index

@@ -1,0 +1,421 @@
+#include "platform/calendar/icalendar/index/indexedsource.h"
+
+#include "platform/calendar/icalendar/index/checksum.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <limits>
+
+namespace platform::calendar::icalendar {
+
+using namespace index;
+
+namespace {
+
+constexpr int maxAttempts = 4;  // against files that change while they are read
+constexpr int maxFailures = 3;  // of the index itself, before this process goes without
+constexpr std::chrono::seconds retryAfter{10};
+constexpr int longestCheckMs = 120'000;
+constexpr qint64 noBoundBelow = std::numeric_limits<qint64>::min();
+constexpr qint64 noBoundAbove = std::numeric_limits<qint64>::max();
+
+}  // namespace
+
+IndexedSource::IndexedSource(QString path, const QString& label, IndexOptions options)
+    : path_(std::move(path)),
+      options_(std::move(options)),
+      cache_(path_, label),
+      file_(options_.cacheFolder, QDir::cleanPath(QFileInfo(path_).absoluteFilePath())),
+      ownName_(QFileInfo(path_).fileName()),
+      nonce_(QString::number(QRandomGenerator::system()->generate64(), 36)) {}
+
+IndexedSource::~IndexedSource() {
+  try {
+    rememberFolder();
+  } catch (const IndexFailure&) {
+    // then the next start looks at every file first
+  }
+}
+
+// --- keeping in step
+
+bool IndexedSource::ready() {
+  const DiskState root = stateOf(path_);
+  if (!root.exists || (!root.folder && !root.regular)) {
+    close();
+    return false;
+  }
+  const bool another =
+      root.folder != isFolder_ || (root.folder && (root.device != rootDevice_ || root.inode != rootInode_));
+  if (database_ && another) close();
+  if (!database_) {
+    isFolder_ = root.folder;
+    rootDevice_ = root.device;
+    rootInode_ = root.inode;
+    return open();
+  }
+  return true;
+}
+
+void IndexedSource::close() {
+  check_.reset();
+  hits_.reset();
+  intake_.reset();
+  database_.reset();
+  watch_.end();
+  pending_.clear();
+  unsureTaken_ = false;
+  changed();
+}
+
+bool IndexedSource::open() {
+  if (failures_ >= maxFailures || (taken_ && Clock::now() - *taken_ < retryAfter)) return false;
+  taken_.reset();
+  // before anything is read: what changes from here on is heard of
+  if (options_.watches) watch_.begin(path_);
+  const DiskState root = stateOf(path_);
+  database_ = file_.open();
+  bool checked = false;
+  if (!database_) {
+    bool readable = true;
+    database_ = file_.make([&](Database& fresh) {
+      if (isFolder_)
+        readable = passAll(fresh);
+      else
+        Intake(fresh, path_, false).take(ownName_, stateOf(path_), false);
+    });
+    if (!readable) {
+      close();
+      file_.remove();
+      return false;
+    }
+    checked = true;
+    unsureTaken_ = watch_.isOn();
+  }
+  intake_.emplace(*database_, path_, isFolder_);
+  hits_.emplace(*database_, path_, isFolder_);
+  if (!isFolder_ || checked) return true;
+  const auto known = database_->number("SELECT stamp FROM calendar").value_or(0);
+  if (!watch_.isOn() || known == 0 || static_cast<quint64>(known) != root.stamp) return passAll(*database_);
+  check_ = std::make_unique<FolderCheck>(path_, file_.path(), file_.identity());
+  check_->start();
+  return true;
+}
+
+bool IndexedSource::refresh(Wait wait) {
+  return isFolder_ ? refreshFolder(wait) : refreshOne();
+}
+
+/// Names of files that the folder does not tell of, or whose times prove nothing.
+QSet<QString> IndexedSource::unsure() const {
+  QSet<QString> names;
+  Rows rows = database_->ask("SELECT name, settled FROM file WHERE settled = 0 OR linked = 1");
+  while (rows.next()) names.insert(rows.text(0));
+  return names;
+}
+
+bool IndexedSource::takeOne(const DiskState& now, bool again) {
+  Change change(*database_);
+  const Intake::Result result = intake_->take(ownName_, now, again);
+  change.commit();
+  if (result != Intake::Result::Same) changed();
+  return result != Intake::Result::Odd && result != Intake::Result::Unread;
+}
+
+bool IndexedSource::refreshOne() {
+  bool again = watch_.take().any;
+  if (again) watch_.begin(path_);  // maybe it is another file now
+  const DiskState now = stateOf(path_);
+  auto row = fileNamed(*database_, ownName_);
+  again = again || (row && !row->settled && !(watch_.isOn() && unsureTaken_));
+  unsureTaken_ = true;
+  if (!row || again || row->stamp != now.stamp) {
+    if (!takeOne(now, again)) return false;
+    row = fileNamed(*database_, ownName_);
+  }
+  return row && row->form != Form::Unread;
+}
+
+bool IndexedSource::refreshFolder(Wait wait) {
+  Watch::News news = watch_.take();
+  if (news.lost) {
+    if (!watch_.begin(path_)) lastPass_ = {};
+    if (!passAll(*database_)) return false;
+  }
+  if (!watch_.isOn() && (options_.checkEveryMs <= 0 ||
+                         Clock::now() - lastPass_ >= std::chrono::milliseconds(options_.checkEveryMs))) {
+    if (!passAll(*database_)) return false;
+    unsureTaken_ = false;
+  }
+  QSet<QString> again = std::exchange(pending_, {}) + news.names, plain;
+  if (!unsureTaken_)
+    again += unsure();
+  else {
+    Rows rows = database_->ask("SELECT name FROM file WHERE linked = 1");
+    while (rows.next()) plain.insert(rows.text(0));
+  }
+  unsureTaken_ = true;
+  if (check_ && wait != Wait::None) {
+    const auto found = check_->take(wait == Wait::Short ? options_.firstAnswerMs : longestCheckMs);
+    if (found) {
+      check_.reset();
+      if (found->failed && !passAll(*database_)) return false;
+      plain += QSet<QString>(found->names.begin(), found->names.end());
+    }
+  } else if (check_) {
+    if (const auto found = check_->take(0)) {
+      check_.reset();
+      if (found->failed && !passAll(*database_)) return false;
+      plain += QSet<QString>(found->names.begin(), found->names.end());
+    }
+  }
+  takeFiles(plain - again, false);
+  takeFiles(again, true);
+  return true;
+}
+
+void IndexedSource::takeFiles(const QSet<QString>& names, bool again) {
+  if (names.isEmpty()) return;
+  bool any = false;
+  Change change(*database_);
+  for (const QString& name : names) {
+    if (name.contains(QChar::ReplacementCharacter)) {
+      if (again) lastPass_ = {};
+      continue;
+    }
+    any = intake_->take(name, stateOf(path_ + u'/' + name), again) != Intake::Result::Same || any;
+  }
+  change.commit();
+  if (any) changed();
+}
+
+/// Looks at every file. False when the folder cannot be read.
+bool IndexedSource::passAll(Database& database) {
+  const DiskState root = stateOf(path_);
+  const bool fresh = &database != database_.get();
+  std::optional<Change> change;
+  if (!fresh) change.emplace(database);
+  Intake intake(database, path_, true);
+  KnownFiles known(database);
+  bool any = false;
+  const bool whole = listFolder(path_, [&](const QString& name, const DiskState& state) {
+    if (known.see(name, state.stamp) != KnownFiles::State::Same)
+      any = intake.take(name, state, false) != Intake::Result::Same || any;
+    return true;
+  });
+  if (!whole) return false;
+  for (const qint64 gone : known.unseen()) {
+    removeFile(database, gone);
+    any = true;
+  }
+  database.run("UPDATE calendar SET stamp = ?", root.isSettled() ? root.stamp : 0);
+  if (change) change->commit();
+  check_.reset();
+  lastPass_ = Clock::now();
+  if (any) changed();
+  return true;
+}
+
+/// So that the next start need not look at every file before its first answer.
+void IndexedSource::rememberFolder() {
+  if (!database_ || !isFolder_ || !watch_.isOn() || (check_ && !check_->take(0))) return;
+  const DiskState root = stateOf(path_);
+  const Watch::News news = watch_.take();
+  if (news.any || !pending_.isEmpty() || !root.isSettled()) return;
+  if (database_->number("SELECT stamp FROM calendar") != static_cast<qint64>(root.stamp))
+    database_->run("UPDATE calendar SET stamp = ?", root.stamp);
+}
+
+void IndexedSource::changed() {
+  ++revision_;
+  if (hits_) hits_->forget();
+}
+
+// --- questions
+
+template <class Result, class Asked, class Otherwise>
+Result IndexedSource::answered(Wait wait, const Asked& asked, const Otherwise& otherwise) {
+  for (int attempt = 0; attempt < maxAttempts; ++attempt) {
+    try {
+      if (!ready() || !refresh(wait)) break;
+      answeredFromIndex_ = true;
+      return asked();
+    } catch (const Stale& stale) {
+      pending_.insert(stale.name);
+      if (!isFolder_) unsureTaken_ = false;
+      if (!isFolder_ && database_) {
+        try {
+          takeOne(stateOf(path_), true);
+        } catch (const IndexFailure&) {
+          close();
+        }
+      }
+    } catch (const IndexFailure& failure) {
+      if (failure.isBusy()) {  // another process is at it; this one goes without for a while
+        if (!database_) taken_ = Clock::now();
+        break;
+      }
+      close();
+      file_.remove();
+      ++failures_;
+    }
+  }
+  answeredFromIndex_ = false;
+  return otherwise();
+}
+
+QList<Group> IndexedSource::grouped(const QList<EventRef>& events) {
+  QHash<QString, qsizetype> places;
+  QList<Group> groups;
+  for (const EventRef& ref : events) {
+    auto place = places.constFind(ref.event->uid);
+    if (place == places.cend()) {
+      place = places.insert(ref.event->uid, groups.size());
+      groups.append(Group());
+    }
+    Group& group = groups[*place];
+    (ref.event->isOverride() ? group.overrides : group.masters).append(ref);
+  }
+  return groups;
+}
+
+QList<Group> IndexedSource::named(const QSet<quint64>& uids) {
+  return grouped(hits_->named(uids));
+}
+
+QList<Group> IndexedSource::between(qint64 from, qint64 to) {
+  const auto asked = [&] {
+    if (from == noBoundBelow && to == noBoundAbove) return grouped(hits_->all());
+    QSet<quint64> uids;
+    const auto take = [&](Rows rows) {
+      while (rows.next()) uids.insert(rows.bits(0));
+    };
+    take(database_->ask("SELECT uid FROM event WHERE wide = 0 AND lo >= ? AND lo <= ? AND hi >= ?",
+                        from < noBoundBelow + shortMs ? noBoundBelow : from - shortMs, to, from));
+    take(database_->ask("SELECT uid FROM event WHERE wide = 1 AND hi >= ? AND lo <= ?", from, to));
+    return named(uids);
+  };
+  const Wait wait = answeredOnce_ ? Wait::Full : Wait::Short;
+  answeredOnce_ = true;
+  return answered<QList<Group>>(wait, asked, [&] { return cache_.between(from, to); });
+}
+
+Group IndexedSource::withUid(const QString& uid) {
+  const auto asked = [&] {
+    for (const Group& group : named({nameSum(uid)}))
+      if ((group.masters.isEmpty() ? group.overrides : group.masters).first().event->uid == uid) return group;
+    return Group();
+  };
+  return answered<Group>(Wait::Full, asked, [&] { return cache_.withUid(uid); });
+}
+
+QList<Group> IndexedSource::withSubject(const QString& subject) {
+  const auto asked = [&] {
+    QSet<quint64> uids;
+    {
+      Rows rows = database_->ask("SELECT uid FROM event WHERE subject = ?", nameSum(subject));
+      while (rows.next()) uids.insert(rows.bits(0));
+    }
+    return named(uids);
+  };
+  return answered<QList<Group>>(Wait::Short, asked, [&] { return cache_.withSubject(subject); });
+}
+
+qint64 IndexedSource::countUpTo(qint64 most) {
+  const auto asked = [&] {
+    return database_->number("SELECT count(*) FROM (SELECT 1 FROM event LIMIT ?)", most).value_or(0);
+  };
+  return answered<qint64>(Wait::Full, asked, [&] { return cache_.countUpTo(most); });
+}
+
+QList<Problem> IndexedSource::problems() {
+  const auto asked = [&] {
+    QList<FileRow> files;
+    {
+      Rows rows = database_->ask(
+          "SELECT id, name, form, error FROM file WHERE form = 2 OR id IN (SELECT file FROM problem)");
+      while (rows.next()) {
+        FileRow row;
+        row.id = rows.number(0);
+        row.name = rows.text(1);
+        row.form = static_cast<Form>(rows.number(2));
+        row.error = rows.text(3);
+        files.append(row);
+      }
+    }
+    std::sort(files.begin(), files.end(), [](const FileRow& a, const FileRow& b) { return a.name < b.name; });
+    QList<Problem> all;
+    for (const FileRow& file : std::as_const(files)) all += problemsOf(file);
+    return all;
+  };
+  return answered<QList<Problem>>(Wait::Full, asked, [&] { return cache_.problems(); });
+}
+
+/// In the order and in the number in which a file that is read in one go names them.
+QList<Problem> IndexedSource::problemsOf(const FileRow& file) {
+  if (file.form == Form::Unread) return {{file.name, 0, file.error}};
+  QList<Problem> lines, events;
+  Rows rows = database_->ask(
+      "SELECT p.phase, p.line + coalesce(s.line, 0), p.text FROM problem p LEFT JOIN segment s ON s.id = "
+      "p.segment "
+      "WHERE p.file = ? ORDER BY coalesce(s.start, 0), p.id",
+      file.id);
+  while (rows.next()) {
+    const Problem problem{file.name, static_cast<int>(rows.number(1)), rows.text(2)};
+    (rows.number(0) == static_cast<int>(Phase::Lines) ? lines : events).append(problem);
+  }
+  if (file.form != Form::Parts) return lines;
+  if (lines.size() > maxProblemsPerFile) {
+    const qsizetype more = lines.size() - maxProblemsPerFile;
+    lines.resize(maxProblemsPerFile);
+    lines.append({file.name, 0, QStringLiteral("%1 more problems in this file.").arg(more)});
+  }
+  for (const Problem& problem : std::as_const(events))
+    if (lines.size() < maxProblemsPerFile) lines.append(problem);
+  return lines;
+}
+
+QString IndexedSource::changeTag() {
+  const auto asked = [&] { return QStringLiteral("%1-%2").arg(nonce_).arg(revision_); };
+  return answered<QString>(Wait::None, asked, [&] { return cache_.changeTag(); });
+}
+
+Snapshot IndexedSource::snapshot(const QString& name, const QString& uid) {
+  const auto asked = [&] {
+    const auto row = fileNamed(*database_, name);
+    if (!row || row->form != Form::Parts) return cache_.snapshot(name, uid);
+    return hits_->snapshot(*row, uid);
+  };
+  return answered<Snapshot>(Wait::Full, asked, [&] { return cache_.snapshot(name, uid); });
+}
+
+void IndexedSource::written(const QString& name, const QList<files::Splice>& splices,
+                            const files::Fingerprint& after) {
+  cache_.written(name, splices, after);
+  if (!database_) return;
+  try {
+    if (!isFolder_ && watch_.isOn()) watch_.begin(path_);
+    const QString path = pathOf(name);
+    const DiskState now = stateOf(path);
+    const bool asTold = now.mtimeNs == after.mtimeNs && now.size == after.size && now.inode == after.inode;
+    Change change(*database_);
+    const Intake::Result result =
+        splices.isEmpty() || !asTold ? intake_->take(name, now, true) : intake_->taken(name, splices, now);
+    change.commit();
+    changed();
+    if (!isFolder_ || result == Intake::Result::Unread) return;
+    // the folder tells of our own writing as well, which is no news unless somebody wrote behind us
+    const Watch::News news = watch_.take();
+    pending_ += news.names;
+    if (news.lost) lastPass_ = {}, watch_.end();
+    if (stateOf(path).stamp == now.stamp) pending_.remove(name);
+  } catch (const IndexFailure& failure) {
+    close();
+    if (!failure.isBusy()) file_.remove();
+  }
+}
+
+}  // namespace platform::calendar::icalendar

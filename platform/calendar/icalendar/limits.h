@@ -1,0 +1,18 @@
+#pragma once
+#include <QtGlobal>
+
+namespace platform::calendar::icalendar {
+
+// Bounds for what comes from outside, far above real calendars. (Those of lines and components stand in
+// syntax.h, those of series in recurrence.h.)
+inline constexpr qint64 maxCalendarFileBytes = 1024LL * 1024 * 1024;  // of a calendar in one file
+inline constexpr qint64 maxItemFileBytes = 64LL * 1024 * 1024;        // of one file among many
+
+/// From this size on a copy of a calendar in one file is kept before its first change.
+inline constexpr qint64 minBackupBytes = 1024 * 1024;
+
+/// A file written so shortly before it was read may have been written once more with the same time: the
+/// clocks of file systems are coarse.
+inline constexpr qint64 settlingNs = 100 * 1000 * 1000;
+
+}  // namespace platform::calendar::icalendar

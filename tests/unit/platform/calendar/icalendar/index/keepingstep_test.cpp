@@ -1,0 +1,270 @@
+#include "tests/unit/platform/calendar/icalendar/index/world.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Changes of others, while the program runs and while it does not.
+using namespace index_tests;
+
+namespace {
+
+QByteArray item(const QByteArray& uid, const QByteArray& subject, const QByteArray& day = "20200205") {
+  return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:" + uid + "\r\nDTSTART:" + day +
+         "T100000Z\r\nSUMMARY:" + subject + "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+}
+
+/// What some editor does to a file with events: takes some bytes of it away, or puts an event or a line in.
+QByteArray edited(Chance& chance, QByteArray text, int number) {
+  const auto somewhere = [&](const QByteArray& mark) {
+    QList<qsizetype> places;
+    for (qsizetype at = text.indexOf(mark); at >= 0; at = text.indexOf(mark, at + 1)) places.append(at);
+    return places.isEmpty() ? qsizetype(-1) : chance.of(places);
+  };
+  const qsizetype at = somewhere("BEGIN:VEVENT\r\n");
+  const qsizetype end = text.indexOf("END:VEVENT\r\n", at);
+  if (at < 0) return text;
+  switch (chance.below(7)) {
+    case 0:
+      return text.insert(at, someEvent(chance, number, true));
+    case 1:
+      return text.remove(at, end + 12 - at);
+    case 2:
+      return text.insert(end, "X-NOTE:" + QByteArray(chance.below(300), 'n') + "\r\n");
+    case 3:
+      return text.insert(at, "X-CALENDAR-LINE:new\r\n");
+    case 4:
+      return text.insert(end, "not a line\r\n");
+    case 5:
+      return text.insert(at, text.mid(at, end + 12 - at));  // the same event twice
+    default:
+      return text.insert(somewhere("END:VCALENDAR"), someEvent(chance, number, false));
+  }
+}
+
+}  // namespace
+
+class KeepingStep : public IndexTest {
+ protected:
+  /// What reading everything shows in the month of the items above.
+  void expectMonth(IndexedSource& index, const QString& calendar) {
+    FileCache plain(calendar, u"Test"_qs);
+    EXPECT_EQ(shownBy(index, QDate(2020, 2, 1), QDate(2020, 3, 1)),
+              shownBy(plain, QDate(2020, 2, 1), QDate(2020, 3, 1)));
+  }
+  void fill(int files) {
+    for (int i = 0; i < files; ++i) {
+      write(path(u"%1.ics"_qs.arg(i)),
+            item("u" + QByteArray::number(i), "one", i % 2 ? "20200205" : "20230301"));
+      makeOld(path(u"%1.ics"_qs.arg(i)));
+    }
+    makeOld(folder());
+  }
+  std::unique_ptr<IndexedSource> openWith(IndexOptions with, const QString& calendar) {
+    return std::make_unique<IndexedSource>(calendar, u"Test"_qs, with);
+  }
+};
+
+TEST_F(KeepingStep, ChangesOfFilesAreSeenAtTheNextQuestion) {
+  write(path(u"a.ics"_qs), item("a", "one"));
+  const auto index = open(folder());
+  EXPECT_EQ(allShownBy(*index).size(), 1);
+  const QString tag = index->changeTag();
+  EXPECT_EQ(index->changeTag(), tag);
+  write(path(u"a.ics"_qs), item("a", "two"));  // of the same size, and maybe of the same time
+  EXPECT_NE(index->changeTag(), tag);
+  expectSame(*index, folder());
+  write(path(u"b.ics"_qs), item("b", "three"));
+  expectSame(*index, folder());
+  QFile::rename(path(u"a.ics"_qs), path(u"c.ics"_qs));
+  expectSame(*index, folder());
+  QFile::remove(path(u"b.ics"_qs));
+  expectSame(*index, folder());
+  write(path(u"c.ics"_qs), "no calendar\r\n");
+  expectSame(*index, folder());
+  EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(KeepingStep, AnyEditOfALargeFileIsSeenAndOnlyWhatItTouchedIsLookedThroughAgain) {
+  for (quint32 seed = 1; seed <= many(2); ++seed) {
+    Chance chance(seed);
+    QByteArray text = someCalendar(chance, 620, seed % 2 == 0);
+    write(file(), text);
+    const auto index = open(file());
+    expectMonth(*index, file());
+    for (int step = 0; step < 9; ++step) {
+      SCOPED_TRACE(QStringLiteral("seed %1 step %2").arg(seed).arg(step).toStdString());
+      for (int i = chance.below(3); i >= 0; --i) text = edited(chance, text, 1000 + 10 * step + i);
+      write(file(), text);
+      FileCache plain(file(), u"Test"_qs);
+      EXPECT_EQ(allShownBy(*index), allShownBy(plain));
+      expectMonth(*index, file());
+      EXPECT_TRUE(index->answeredFromIndex());
+    }
+    expectSame(*index, file());
+    expectSame(*open(file()), file());
+  }
+}
+
+TEST_F(KeepingStep, WhatChangedWhileTheProgramDidNotRunIsSeenByTheSecondQuestionAtTheLatest) {
+  fill(40);
+  expectMonth(*open(folder()), folder());
+  // edits in place, of which the folder's own time tells nothing
+  write(path(u"2.ics"_qs), item("u2", "moved into the month"));
+  write(path(u"3.ics"_qs), item("u3", "moved out of it", "20230404"));
+  const auto index = open(folder());
+  const QString tag = index->changeTag();
+  const QStringList first = shownBy(*index, QDate(2020, 2, 1), QDate(2020, 3, 1));
+  expectMonth(*index, folder());
+  if (first != shownBy(*index, QDate(2020, 2, 1), QDate(2020, 3, 1))) {
+    EXPECT_NE(index->changeTag(), tag);
+  }
+  EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(KeepingStep, TheFirstQuestionWaitsForTheCheckAsLongAsItMay) {
+  fill(40);
+  expectMonth(*open(folder()), folder());
+  write(path(u"2.ics"_qs), item("u2", "moved into the month"));
+  IndexOptions patient = options();
+  patient.firstAnswerMs = 60'000;
+  expectMonth(*openWith(patient, folder()), folder());
+}
+
+TEST_F(KeepingStep, AnEventThatIsShownIsNeverAnOldOne) {
+  fill(10);
+  expectMonth(*open(folder()), folder());
+  write(path(u"1.ics"_qs), item("u1", "edited in place"));
+  IndexOptions hasty = options();
+  hasty.firstAnswerMs = 0;
+  expectMonth(*openWith(hasty, folder()), folder());
+}
+
+TEST_F(KeepingStep, FilesThatCameAndWentWhileTheProgramDidNotRunAreSeenByTheFirstQuestion) {
+  fill(10);
+  expectMonth(*open(folder()), folder());
+  QFile::remove(path(u"1.ics"_qs));
+  write(path(u"new.ics"_qs), item("new", "new"));
+  IndexOptions hasty = options();
+  hasty.firstAnswerMs = 0;
+  expectMonth(*openWith(hasty, folder()), folder());
+}
+
+TEST_F(KeepingStep, AFileReplacedByOneOfTheSameSizeAndTimeIsSeen) {
+  fill(4);
+  write(file(), item("u", "one"));
+  makeOld(file());
+  expectMonth(*open(folder()), folder());
+  expectMonth(*open(file()), file());
+  write(path(u"x"_qs), item("u1", "two"));
+  makeOld(path(u"x"_qs));
+  ASSERT_EQ(::rename(qPrintable(path(u"x"_qs)), qPrintable(path(u"1.ics"_qs))), 0);
+  write(file(), item("u", "two"));
+  makeOld(file());
+  makeOld(folder());
+  expectMonth(*open(folder()), folder());
+  expectMonth(*open(file()), file());
+}
+
+TEST_F(KeepingStep, WithoutWordFromTheSystemEveryFileIsLookedAt) {
+  fill(10);
+  IndexOptions deaf = options();
+  deaf.watches = false;
+  deaf.checkEveryMs = 0;
+  const auto index = openWith(deaf, folder());
+  expectMonth(*index, folder());
+  const QString tag = index->changeTag();
+  write(path(u"1.ics"_qs), item("u1", "two"));
+  EXPECT_NE(index->changeTag(), tag);
+  expectMonth(*index, folder());
+  write(path(u"1.ics"_qs), item("u1", "six"));  // at once, of the same size
+  expectMonth(*index, folder());
+  QFile::remove(path(u"3.ics"_qs));
+  expectMonth(*index, folder());
+  EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(KeepingStep, MoreChangesThanTheSystemCanTellAreFoundAllTheSame) {
+  fill(6);
+  const auto index = open(folder());
+  expectMonth(*index, folder());
+  for (int i = 0; i < 9000; ++i)
+    for (const char* name : {"1.ics", "3.ics"}) {
+      const int number = ::open(qPrintable(path(QLatin1String(name))), O_WRONLY | O_CLOEXEC);
+      ASSERT_EQ(::pwrite(number, "B", 1, 0), 1);
+      ::close(number);
+    }
+  write(path(u"5.ics"_qs), item("u5", "behind the flood"));
+  expectMonth(*index, folder());
+}
+
+TEST_F(KeepingStep, FilesThatHaveAnotherNameElsewhereAreLookedAtEachTime) {
+  const QString elsewhere = file() + u".elsewhere"_qs;
+  write(elsewhere, item("a", "one"));
+  write(elsewhere + u'2', item("b", "one"));
+  QFile::link(elsewhere, path(u"a.ics"_qs));
+  ASSERT_EQ(::link(qPrintable(QString(elsewhere + u'2')), qPrintable(path(u"b.ics"_qs))), 0);
+  const auto index = open(folder());
+  expectMonth(*index, folder());
+  write(elsewhere, item("a", "another text"));
+  write(elsewhere + u'2', item("b", "another text"));
+  expectMonth(*index, folder());
+  QFile::remove(elsewhere);
+  expectSame(*index, folder());
+}
+
+TEST_F(KeepingStep, AFolderThatIsTakenAwayAndComesBackIsReadAnew) {
+  fill(5);
+  const auto index = open(folder());
+  expectMonth(*index, folder());
+  QDir().rename(folder(), folder() + u"-old"_qs);
+  try {
+    shownBy(*index, QDate(2020, 2, 1), QDate(2020, 3, 1));
+    FAIL() << "a missing folder showed something";
+  } catch (const platform::Failure& failure) {
+    EXPECT_EQ(failure.number(), platform::calendar::errNotFound);
+    EXPECT_TRUE(failure.description().contains(u"does not exist"_qs)) << qPrintable(failure.description());
+  }
+  QDir().mkpath(folder());
+  write(path(u"other.ics"_qs), item("other", "other"));
+  expectMonth(*index, folder());
+  EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(KeepingStep, AFileThatBecomesAFolderIsReadAsOne) {
+  write(file(), item("a", "one"));
+  const auto index = open(file());
+  expectMonth(*index, file());
+  QFile::remove(file());
+  EXPECT_THROW(shownBy(*index, QDate(2020, 2, 1), QDate(2020, 3, 1)), platform::Failure);
+  QDir().mkpath(file());
+  write(file() + u"/b.ics"_qs, item("b", "in a folder"));
+  expectMonth(*index, file());
+}
+
+TEST_F(KeepingStep, TwoProgramsShareAnIndex) {
+  fill(20);
+  const auto one = open(folder());
+  expectMonth(*one, folder());
+  const auto other = open(folder());
+  for (int i = 0; i < 6; ++i) {
+    write(path(u"%1.ics"_qs.arg(i)), item("u" + QByteArray::number(i), "round " + QByteArray::number(i)));
+    IndexedSource& first = i % 2 ? *one : *other;
+    expectMonth(first, folder());
+    expectMonth(i % 2 ? *other : *one, folder());
+    EXPECT_TRUE(first.answeredFromIndex());
+  }
+}
+
+TEST_F(KeepingStep, AnEndInTheMidstOfACheckWaitsForIt) {
+  fill(200);
+  expectMonth(*open(folder()), folder());
+  for (int i = 0; i < 20; ++i) {
+    const auto index = open(folder());
+    index->changeTag();
+  }
+  expectMonth(*open(folder()), folder());
+}

@@ -1,0 +1,87 @@
+#include "tests/unit/platform/calendar/icalendar/index/world.h"
+
+#include <QDirIterator>
+
+// Whatever a calendar holds, the index shows what reading all of it shows.
+using namespace index_tests;
+
+TEST_F(IndexTest, SmallFilesOfAFolderAreShownAsReadingThemShows) {
+  for (quint32 seed = 1; seed <= many(6); ++seed) {
+    SCOPED_TRACE(seed);
+    Chance chance(seed);
+    const QString calendar = folder() + QString::number(seed);
+    QDir().mkpath(calendar);
+    for (int i = 0; i < 15; ++i)
+      write(calendar + u"/%1.ics"_qs.arg(i),
+            someCalendar(chance, 1 + chance.below(3), seed % 3 > 0, seed % 3 > 1));
+    const auto index = open(calendar);
+    expectSame(*index, calendar);
+    EXPECT_TRUE(index->answeredFromIndex());
+    const auto again = open(calendar);
+    expectSame(*again, calendar);
+    EXPECT_TRUE(again->answeredFromIndex());
+  }
+}
+
+TEST_F(IndexTest, OneLargeFileIsShownAsReadingItShows) {
+  for (quint32 seed = 1; seed <= many(3); ++seed) {
+    SCOPED_TRACE(seed);
+    Chance chance(seed);
+    write(file(), someCalendar(chance, 560, seed % 3 > 0));
+    const auto index = open(file());
+    expectSame(*index, file());
+    EXPECT_TRUE(index->answeredFromIndex());
+    const auto again = open(file());
+    expectSame(*again, file());
+  }
+}
+
+TEST_F(IndexTest, OneSmallOrBrokenFileIsShownAsReadingItShows) {
+  for (quint32 seed = 1; seed <= many(10); ++seed) {
+    SCOPED_TRACE(seed);
+    Chance chance(seed);
+    write(file(), someCalendar(chance, chance.below(20), true, chance.oneIn(2)));
+    const auto index = open(file());
+    expectSame(*index, file());
+    EXPECT_TRUE(index->answeredFromIndex());
+  }
+}
+
+TEST_F(IndexTest, ALargeFileWhoseNestingIsBrokenIsReadInFull) {
+  Chance chance(3);
+  write(file(), someCalendar(chance, 900, true, true));
+  const auto index = open(file());
+  expectSame(*index, file());
+  EXPECT_FALSE(index->answeredFromIndex());
+  expectSame(*open(file()), file());
+}
+
+TEST_F(IndexTest, AFolderWithSmallAndLargeFilesIsShownAsReadingItShows) {
+  Chance chance(5);
+  for (int i = 0; i < 12; ++i)
+    write(path(u"%1.ics"_qs.arg(i)), someCalendar(chance, i % 6 == 0 ? 500 : 2, true, i == 8));
+  const auto index = open(folder());
+  expectSame(*index, folder());
+  EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(IndexTest, FilesOfOtherProgramsAreShownAsReadingThemShows) {
+  const QString samples = qEnvironmentVariable("HOURBOOK_SAMPLES");
+  if (samples.isEmpty())
+    GTEST_SKIP() << "HOURBOOK_SAMPLES is not set: the files of other programs are not read.";
+  int files = 0;
+  QByteArray joined;
+  for (const char* part : {"/icalendar", "/ics-corpus"}) {
+    QDirIterator all(samples + QLatin1String(part), {u"*.ics"_qs}, QDir::Files, QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+      const QByteArray bytes = contentOf(all.next());
+      write(path(u"%1.ics"_qs.arg(++files)), bytes);
+      if (bytes.endsWith("END:VCALENDAR\r\n") && bytes.startsWith("BEGIN:VCALENDAR")) joined += bytes;
+    }
+  }
+  ASSERT_GT(files, 200);
+  expectSame(*open(folder()), folder());
+  expectSame(*open(folder()), folder());
+  write(file(), joined);
+  expectSame(*open(file()), file());
+}
