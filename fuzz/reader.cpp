@@ -8,7 +8,7 @@ using namespace platform::calendar;
 
 namespace {
 
-constexpr double secondsForOneInput = 5;
+constexpr double secondsForOneInput = 20;
 
 /// Components stand within each other and in order, and their lines between their children.
 void checkPlaces(const ical::Document& document, const std::vector<ical::Component>& components, int from,

@@ -24,7 +24,7 @@ using fuzz::Edit;
 
 namespace {
 
-constexpr double secondsForOneInput = 10;
+constexpr double secondsForOneInput = 90;
 const QString id = QStringLiteral("calendar");
 
 QString folderPath() {

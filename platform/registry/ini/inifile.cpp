@@ -86,6 +86,7 @@ int IniRegistry::setValue(const QString& key, const QString& name, const basic::
   const QString folder = QFileInfo(path_).absolutePath();
   if (!makeFolder(folder))
     return failed(codeAccessDenied, QStringLiteral("%1: the folder could not be made").arg(folder));
+  if (!std::exchange(swept_, true)) files::sweepLitter(folder);  // what a crash in an earlier save has left
   for (int attempt = 0; attempt < mostAttempts; ++attempt) {
     bool changedMeanwhile = false;
     const int code = writeOnce(key, name, marked(*stored), &changedMeanwhile);

@@ -35,6 +35,16 @@ QString noCopy() {
   return QStringLiteral("the temporary folder could not take a copy");
 }
 
+/// Stands at the end of each copy. Qt's own reader does not tell of a disk that fails or of a process that
+/// has too many files open: it then finds no entries or too few of them, and whoever took that for all there
+/// is would write the rest away. Only who has found this one has read to the end.
+const QString lastEntry = QStringLiteral("platform.copy/end");
+constexpr char lastLines[] = "\n\n[platform.copy]\nend=reached\n";
+
+QString notReadToTheEnd() {
+  return QStringLiteral("the copy in the temporary folder could not be read");
+}
+
 IniEntries entriesOf(const QSettings& settings) {
   IniEntries entries;
   const QStringList names = settings.allKeys();
@@ -79,7 +89,7 @@ QString iniFault(const QByteArray& bytes) {
 }
 
 std::optional<IniEntries> parseIni(const QByteArray& bytes, QString* error) {
-  const WorkingCopy copy(bytes);
+  const WorkingCopy copy(bytes + lastLines);
   if (!copy.usable()) {
     *error = noCopy();
     return std::nullopt;
@@ -88,6 +98,10 @@ std::optional<IniEntries> parseIni(const QByteArray& bytes, QString* error) {
   IniEntries entries = entriesOf(settings);
   if (settings.status() != QSettings::NoError) {
     *error = QStringLiteral("not an INI file");
+    return std::nullopt;
+  }
+  if (entries.remove(lastEntry) == 0) {
+    *error = notReadToTheEnd();
     return std::nullopt;
   }
   return entries;
@@ -100,7 +114,7 @@ std::optional<QByteArray> withEntry(const QByteArray& bytes, const QString& entr
 
 std::optional<QByteArray> withEntries(const QByteArray& bytes, const QList<QPair<QString, QString>>& entries,
                                       QString* error) {
-  const WorkingCopy copy(bytes);
+  const WorkingCopy copy(bytes + lastLines);
   if (!copy.usable()) {
     *error = noCopy();
     return std::nullopt;
@@ -109,6 +123,11 @@ std::optional<QByteArray> withEntries(const QByteArray& bytes, const QList<QPair
   {
     QSettings settings(copy.path(), QSettings::IniFormat);
     wanted = entriesOf(settings);
+    if (wanted.remove(lastEntry) == 0) {
+      *error = notReadToTheEnd();
+      return std::nullopt;
+    }
+    settings.remove(lastEntry);
     for (const auto& [entry, text] : entries) {
       const QString name = existingName(wanted, entry);
       wanted.insert(name, text);

@@ -6,6 +6,7 @@
 
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QThread>
 
 #ifdef Q_OS_UNIX
@@ -40,6 +41,7 @@ bool isMissing(const QByteArray& path) {
 /// time does as well.
 void make(const QString& database, const QByteArray& path) {
   const QString name = QFile::decodeName(path);
+  files::sweepLitter(QFileInfo(name).path());  // what a crash has left right here
   if (files::replaceFile(name, {}, files::Fingerprint{}).outcome != files::Outcome::Written) return;
   struct stat file {};
   if (::stat(QFile::encodeName(database).constData(), &file) != 0) return;

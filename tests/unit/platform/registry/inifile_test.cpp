@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -75,6 +76,15 @@ SystemCalls failing(int code, int openFlag) {
 TEST_F(IniRegistryTest, WritesAGroupForAKeyAndALineForAValue) {
   registry.setValue(key, name, QStringLiteral("2"));
   EXPECT_EQ(content(), "[Software%5CNorrdalen%5CHourbook%20for%20Outlook%5CSettings]\nReportChoice=2\n");
+}
+
+TEST_F(IniRegistryTest, TheFirstSaveTakesAwayWhatACrashInAnEarlierOneHasLeft) {
+  const QString litter = folder.filePath(QStringLiteral(".registry.ini.abc123.tmp"));
+  ASSERT_EQ(platform::files::replaceFile(litter, "half").outcome, platform::files::Outcome::Written);
+  const timespec past[2] = {{1'600'000'000, 0}, {1'600'000'000, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(litter).constData(), past, 0), 0);
+  EXPECT_EQ(registry.setValue(key, name, QStringLiteral("1")), codeSuccess);
+  EXPECT_FALSE(QFile::exists(litter));
 }
 
 TEST_F(IniRegistryTest, ReadsWhatAnotherInstanceWrote) {
