@@ -96,8 +96,8 @@ void requireUsable(FileKind kind, const QString& path) {
       throw Failure(
           errors::unrecognizedFormat,
           QStringLiteral("'%1' is a Microsoft Access database. This program keeps its data in a file of its "
-                         "own format: the database has to be converted before it can be used here. "
-                         "Nothing in the file was changed.")
+                         "own format: the database has to be converted before it can be used here, which "
+                         "hourbook-accessimport does. Nothing in the file was changed.")
               .arg(path));
     case FileKind::Other:
       throw Failure(errors::unrecognizedFormat,
