@@ -29,11 +29,13 @@ struct DatabaseValues {
   /// Shows `frmChooseConnection`, given the name of the creation script. Filled by who has the dialog; empty:
   /// a missing database cannot be made.
   std::function<ConnectionChoice(const QString& strSQLScriptFileName)> frmChooseConnection;
-  /// Shows the logon dialog until it is hidden. The caller keeps the form, so that its fields stand when it is
-  /// shown again. Filled by who has the window; empty: no server can be chosen.
+  /// Shows the logon dialog until it is hidden. The caller keeps the form, so that its fields stand when it
+  /// is shown again. Filled by who has the window; empty: no server can be chosen.
   std::function<void(hourbook::frmSQLLogon& form)> frmSQLLogon;
   /// True while the upgrade looks for the newest column: a failing recordset is then only logged.
   bool blnProbing = false;
+  /// True while the database of a connection file is brought up to date.
+  bool blnCheckingServer = false;
   /// What the question failed with, inside or after the newest ProbeScope.
   std::optional<platform::Failure> probeFailure;
   /// The common settings' target; owned by them. Null until they are made: then `fallbackTarget` is used.

@@ -12,76 +12,6 @@ using namespace Qt::StringLiterals;
 using namespace platform::dao;
 using platform::Failure;
 
-namespace {
-
-struct ColumnPlan {
-  QString name;
-  int type;
-  QString caption;
-};
-
-void addColumns(TableDef& table, const QList<ColumnPlan>& columns) {
-  for (const ColumnPlan& column : columns)
-    subCreateDAOField(table, column.name, column.caption, column.type,
-                      column.type == dbText ? textColumnSize : 0);
-}
-
-void createReports(Database& db) {
-  const Phrases& p = phrases();
-  const auto table = fncCreateDAOTable(db, u"tblReports"_s, u"intReportID"_s, p.LNGREPORT + u" ID"_s);
-  addColumns(*table, {{u"numHours"_s, dbSingle, p.LNGHOURS},
-                      {u"strSubject"_s, dbText, p.LNGSUBJECT},
-                      {u"strMonthName"_s, dbText, p.LNGMONTH},
-                      {u"strWeekdayName"_s, dbText, p.LNGDAY},
-                      {u"dtmDate"_s, dbDate, p.LNGDATE},
-                      {u"curCost"_s, dbCurrency, p.LNGRATE},
-                      {u"dteReported"_s, dbDate, p.LNGREPORTDATE},
-                      {u"intPersonID"_s, dbLong, p.LNGNAME + u" ID"_s},
-                      {u"intMeta1ID"_s, dbLong, u"Meta 1 ID"_s},
-                      {u"intMeta2ID"_s, dbLong, u"Meta 2 ID"_s},
-                      {u"intMeta3ID"_s, dbLong, u"Meta 3 ID"_s}});
-}
-
-void createMetaList(Database& db, int n) {
-  const Phrases& p = phrases();
-  const auto table =
-      fncCreateDAOTable(db, u"tblMeta%1"_s.arg(n), u"intMeta%1ID"_s.arg(n), u"Meta %1 ID"_s.arg(n));
-  addColumns(*table, {{u"strName"_s, dbText, p.LNGNAME},
-                      {u"strCategory"_s, dbText, p.LNGCATEGORY},
-                      {u"strSuperCategory"_s, dbText, p.LNGSUPERCATEGORY},
-                      {u"curRate"_s, dbCurrency, p.LNGRATE}});
-}
-
-void createPersons(Database& db) {
-  const Phrases& p = phrases();
-  const auto table = fncCreateDAOTable(db, u"tblPersons"_s, u"intPersonID"_s, p.LNGNAME + u" ID"_s);
-  addColumns(*table, {{u"strPersonName"_s, dbText, p.LNGNAME}});
-}
-
-void createSettings(Database& db) {
-  const Phrases& p = phrases();
-  const auto table = fncCreateDAOTable(db, u"tblSettings"_s, u"intSettingsID"_s, u"Settings ID"_s);
-  addColumns(*table, {{u"intCostCarrier"_s, dbInteger, p.LNGCOSTCARRIER},
-                      {u"intReportTo"_s, dbInteger, p.LNGREPORT},
-                      {u"strReportToValue"_s, dbText, u"Value"_s}});
-}
-
-void createMetaLists(Database& db) {
-  const auto table = fncCreateDAOTable(db, u"tblMetaLists"_s, u"intMetaListID"_s, u"Meta List ID"_s);
-  addColumns(*table, {{u"strMetaListCaption"_s, dbText, u"Meta List Caption"_s},
-                      {u"strMetaListCategoryCaption"_s, dbText, u"Meta List Category Caption"_s},
-                      {u"strMetaListSuperCategoryCaption"_s, dbText, u"Meta List SuperCategory Caption"_s}});
-}
-
-void createRelations(Database& db) {
-  subDAOCreateForeignKey(db, u"PersonReports"_s, u"tblPersons"_s, u"tblReports"_s, u"intPersonID"_s);
-  for (int n = 1; n <= 3; ++n)
-    subDAOCreateForeignKey(db, u"Meta%1Reports"_s.arg(n), u"tblMeta%1"_s.arg(n), u"tblReports"_s,
-                           u"intMeta%1ID"_s.arg(n));
-}
-
-}  // namespace
-
 bool subCreateHBDatabase(const QString& strPath) try {
   subLog(u"Creating Access database in path "_s + strPath);
   const auto engine = platform::automation::CreateObject<DBEngine>(u"DAO.DBEngine"_s);
@@ -89,12 +19,9 @@ bool subCreateHBDatabase(const QString& strPath) try {
   auto& files = *shellValues().gFileSystem;
   if (files.FileExists(strPath)) files.DeleteFile(strPath, true);
   const auto db = engine->CreateDatabase(strPath, u";LANGID=0x0409;CP=1252;COUNTRY=0"_s, dbVersion40);
-  createReports(*db);
-  for (int n = 1; n <= 3; ++n) createMetaList(*db, n);
-  createPersons(*db);
-  createSettings(*db);
-  createMetaLists(*db);
-  createRelations(*db);
+  for (const SchemaTable& table : fncSchemaTables()) subCreateSchemaTable(*db, table);
+  for (const auto& [name, table, foreignTable, field] : fncSchemaRelations())
+    subDAOCreateForeignKey(*db, name, table, foreignTable, field);
   return true;
 } catch (const Failure& failure) {
   subHandleError(failure, u"subCreateHBDatabase"_s);
@@ -127,6 +54,19 @@ void subCreateDAOField(TableDef& table, const QString& strName, const QString& s
   if (intType == dbText) field.AllowZeroLength = true;
   field.Caption = strCaption;
   table.AppendField(field);
+}
+
+void subCreateSchemaTable(Database& db, const SchemaTable& plan) {
+  const QList<SchemaColumn> columns = plan.columnsOf(SchemaState::First);
+  if (columns.isEmpty()) return;
+  const auto table = fncCreateDAOTable(db, plan.strName, columns.first().strName, columns.first().strCaption);
+  subAddDAOFields(*table, columns.mid(1));
+}
+
+void subAddDAOFields(TableDef& table, const QList<SchemaColumn>& columns) {
+  for (const SchemaColumn& column : columns)
+    subCreateDAOField(table, column.strName, column.strCaption, column.intType,
+                      column.intType == dbText ? textColumnSize : 0);
 }
 
 void subDAOCreateForeignKey(Database& db, const QString& strRelationName, const QString& strTable,

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/dao/dao.h"
+#include "database/modSchema.h"
 
 #include <memory>
 
@@ -20,13 +20,13 @@ std::shared_ptr<platform::dao::TableDef> fncCreateDAOTable(platform::dao::Databa
 /// Appends a column. A text column has `intSize` characters and takes the empty text; a memo column does not.
 void subCreateDAOField(platform::dao::TableDef& table, const QString& strName, const QString& strCaption,
                        int intType, int intSize = 0);
+/// A table in its first form; nothing for one that has come since.
+void subCreateSchemaTable(platform::dao::Database& db, const SchemaTable& plan);
+void subAddDAOFields(platform::dao::TableDef& table, const QList<SchemaColumn>& columns);
 /// Appends an enforced relation on a field that bears the same name on both sides.
 void subDAOCreateForeignKey(platform::dao::Database& db, const QString& strRelationName,
                             const QString& strTable, const QString& strForeignTable, const QString& strField);
 /// Is there a table of exactly this name, with case? False on any failure too.
 bool fncTableExists(const QString& strTableName, const platform::dao::Database& db);
-
-/// Size of every text column.
-inline constexpr int textColumnSize = 255;
 
 }  // namespace hourbook

@@ -1,13 +1,20 @@
 #include "database/modDBCode.h"
 
 #include "database/DatabaseValues.h"
+#include "database/frmChooseConnection.h"
+#include "database/frmSQLLogon.h"
 #include "database/modCreateDB.h"
+#include "database/modCreateSQLDB.h"
 #include "database/modUpgrade.h"
 #include "platform/automation/components.h"
+#include "platform/files/atomicfile.h"
 #include "platform/process/process.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
 #include "shell/ShellValues.h"
+#include "shell/Tolerate.h"
+
+#include <QScopeGuard>
 
 namespace hourbook {
 
@@ -53,27 +60,75 @@ QString useAccessFile(const QString& path) {
   return fncAccessConnection(path);
 }
 
-QString useServer(const QString& connection) {
-  // before anything connects: `subSetupConnection` then takes this text without looking into the folder again
+void setServer(const QString& connection) {
   ReportTarget& target = reportTarget();
   target.ReportTo = targetSqlServer;
   target.ReportToValue = connection;
+}
+
+QString useServer(const QString& connection) {
+  // before anything connects: `subSetupConnection` then takes this text without looking into the folder again
+  setServer(connection);
+  // but for a text that does not begin as it expects, which leads here a second time
+  bool& checking = databaseValues().blnCheckingServer;
+  if (checking) return connection;
+  checking = true;
+  const auto done = qScopeGuard([&checking] { checking = false; });
+  subCheckSQLUpgrade();
   return connection;
 }
 
-QString createByUsersChoice(const QString& path) {
-  const auto& dialog = databaseValues().frmChooseConnection;
-  if (!dialog)
-    throw Failure(errNotSupported, u"There is no database in \""_s + databaseValues().gReportValue +
-                                       u"\", and this version of the program has no dialog to make one."_s);
-  if (dialog(creationScriptName).intConnectionOption != 1)
-    throw Failure(errNotSupported, u"This version of the program cannot use an SQL Server database."_s);
+/// Whoever may read the file may read the password in it.
+void writeConnectionFile(const QString& path, const QString& connection) {
+  namespace files = platform::files;
+  bool secret = true;
+  // a text that cannot be read is taken for one with a password
+  tolerate([&] { secret = !platform::sql::ConnectionString(connection).value(u"Password"_s).isEmpty(); });
+  const auto result =
+      files::replaceFile(platform::scripting::systemPath(path), connection.toUtf8(), std::nullopt,
+                         secret ? files::FileMode::OwnerOnly : files::FileMode::Usual);
+  if (result.outcome != files::Outcome::Written)
+    throw Failure(result.missing ? platform::failure::pathNotFound : platform::failure::permissionDenied,
+                  result.error);
+}
+
+/// kept: what the dialog gives is taken as it is, an empty text after Cancel too: an empty file counts as
+/// none
+QString useNewConnection(const QString& path, const QString& connection) {
+  writeConnectionFile(path, connection);
+  setServer(connection);
+  return connection;
+}
+
+QString askForServer() {
+  frmSQLLogon form;
+  databaseValues().frmSQLLogon(form);
+  return form.strConnection;
+}
+
+QString createAccess(const QString& path) {
   subCreateHBDatabase(path);
   subCheckUpgrade(path);
   ReportTarget& target = reportTarget();
   target.ReportTo = targetAccess;
   target.ReportToValue = path;
   return fncAccessConnection(path);
+}
+
+QString createByUsersChoice(const QString& database, const QString& connectionFile) {
+  const DatabaseValues& values = databaseValues();
+  if (!values.frmChooseConnection)
+    throw Failure(errNotSupported, u"There is no database in \""_s + values.gReportValue +
+                                       u"\", and this version of the program has no dialog to make one."_s);
+  const qint16 option = values.frmChooseConnection(creationScriptName).intConnectionOption;
+  if (option == frmChooseConnection::newAccessDatabase) return createAccess(database);
+  if (option == 0) return {};  // closed without a choice
+  if (!values.frmSQLLogon)
+    throw Failure(errNotSupported,
+                  u"This version of the program has no dialog to ask for a server and a database on it."_s);
+  return useNewConnection(connectionFile, option == frmChooseConnection::newSQLDatabase
+                                              ? fncCreateSQLDB(scriptDatabaseName)
+                                              : askForServer());
 }
 
 /// What the folder leads to; none when the search has to begin again.
@@ -86,7 +141,7 @@ std::optional<QString> lookIntoFolder() {
   if (files().FileExists(database)) return useAccessFile(database);
   const QString connection = values.gReportValue + u'\\' + connectionFileName;
   if (!files().FileExists(connection))
-    return values.blnMayCreateDatabase ? createByUsersChoice(database) : QString();
+    return values.blnMayCreateDatabase ? createByUsersChoice(database, connection) : QString();
   const QString text = readConnectionFile(connection);
   if (text.isEmpty()) return std::nullopt;
   return useServer(text);

@@ -3,12 +3,15 @@
 #include "database/DatabaseValues.h"
 #include "database/modCreateDB.h"
 #include "database/modDBCode.h"
+#include "database/modServerSchema.h"
 #include "database/ProbeScope.h"
 #include "platform/automation/components.h"
 #include "platform/sql/errors.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
+#include "shell/Present.h"
 #include "shell/ShellValues.h"
+#include "shell/Tolerate.h"
 
 #include <QFileInfo>
 
@@ -21,11 +24,11 @@ using platform::automation::CreateObject;
 
 namespace {
 
-/// Is the newest column there? A database of an earlier release has none, and then the question itself fails.
-/// Failing for another reason says nothing of the database's age and is reported as it is.
-bool isCurrent() {
+/// Is the table or column there? A database of an earlier release lacks it, and then the question itself
+/// fails. Failing for another reason says nothing of the database's age and is reported as it is.
+bool isThere(const QString& source) {
   const ProbeScope probe;
-  const auto recordset = fncReturnRecordset(u"select top 1 strBody from tblReports"_s, true);
+  const auto recordset = fncReturnRecordset(source, true);
   const auto& failure = databaseValues().probeFailure;
   const bool older = failure && (failure->number() == platform::sql::errors::noSuchColumn ||
                                  failure->number() == platform::sql::errors::tableNotFound);
@@ -35,31 +38,115 @@ bool isCurrent() {
   return true;
 }
 
+const QString newestColumn = u"select top 1 strBody from tblReports"_s;
+
+bool isEnabledColumn(const QString& name) {
+  return name.compare(u"blnEnabled"_s, Qt::CaseInsensitive) == 0;
+}
+
+void addColumns(Database& db, const QString& table, SchemaState state) {
+  subAddDAOFields(*db.TableDefs(table), fncSchemaTable(table).columnsOf(state));
+}
+
+/// Rows keep a relation from being added where one of them leads nowhere.
+bool hasReports() {
+  const auto reports = fncReturnRecordset(u"select top 1 intReportID from tblReports"_s, true);
+  return !present(reports).isEOF();
+}
+
+/// What a creation that was broken off, as by a power cut, has not come to. A table is made in several steps
+/// and holds no rows then: one that lacks columns of its first form is still empty.
+void completeCreation(Database& db) {
+  const QStringList tables = db.TableDefNames();
+  for (const SchemaTable& plan : fncSchemaTables()) {
+    if (!tables.contains(plan.strName, Qt::CaseInsensitive)) {
+      subCreateSchemaTable(db, plan);
+      continue;
+    }
+    const auto table = db.TableDefs(plan.strName);
+    QStringList columns;
+    for (const Field& field : table->Fields()) columns.append(field.Name);
+    for (const SchemaColumn& column : plan.columnsOf(SchemaState::First))
+      if (!columns.contains(column.strName, Qt::CaseInsensitive)) subAddDAOFields(*table, {column});
+  }
+  QStringList relations;
+  for (const auto& relation : db.Relations()) relations.append(relation.name);
+  for (const auto& [name, table, foreignTable, field] : fncSchemaRelations())
+    if (!relations.contains(name, Qt::CaseInsensitive) && !hasReports())
+      subDAOCreateForeignKey(db, name, table, foreignTable, field);
+}
+
 // Each of these steps is carried out whole or not at all: where one was broken off, the next start finds what
 // it asks for still missing and takes the step again.
 
 void addOtherSettings(Database& db) {
-  if (fncTableExists(u"tblOtherSettings"_s, db)) return;
+  const SchemaTable plan = fncSchemaTable(u"tblOtherSettings"_s);
+  if (fncTableExists(plan.strName, db)) return;
   Transaction transaction(db);
   const auto table =
-      fncNewDAOTable(db, u"tblOtherSettings"_s, u"intSettingID"_s, phrases().LNGSETTINGS + u" ID"_s);
-  subCreateDAOField(*table, u"strPropName"_s, {}, dbText, textColumnSize);
-  subCreateDAOField(*table, u"strPropValue"_s, u"Value"_s, dbMemo);
+      fncNewDAOTable(db, plan.strName, plan.columns.first().strName, plan.columns.first().strCaption);
+  subAddDAOFields(*table, plan.columns.mid(1));
   db.AppendTableDef(table);
-  subCreateDAOField(*db.TableDefs(u"tblPersons"_s), u"strPersonCategory"_s, phrases().LNGCATEGORY, dbText,
-                    textColumnSize);
+  addColumns(db, u"tblPersons"_s, SchemaState::OtherSettings);
   transaction.CommitTrans();
 }
 
 void addEnabled(Database& db, int n) {
-  const auto table = db.TableDefs(u"tblMeta%1"_s.arg(n));
-  for (const Field& field : table->Fields())
-    if (field.Name.compare(u"blnEnabled"_s, Qt::CaseInsensitive) == 0) return;
+  const QString table = u"tblMeta%1"_s.arg(n);
+  for (const Field& field : db.TableDefs(table)->Fields())
+    if (isEnabledColumn(field.Name)) return;
   Transaction transaction(db);
-  subCreateDAOField(*table, u"blnEnabled"_s, phrases().LNGENABLE, dbBoolean);
+  addColumns(db, table, SchemaState::Enabled);
   db.Execute(u"Update tblMeta%1 set blnEnabled = -1"_s.arg(n));
   transaction.CommitTrans();
 }
+
+// ---- the same on a server
+
+void execute(platform::ado::Command& command, const QStringList& statements) {
+  for (const QString& statement : statements) {
+    command.CommandText = statement;
+    command.Execute();
+  }
+}
+
+void addOtherSettings(const ServerUpgrade& upgrade, platform::ado::Command& command) {
+  platform::sql::Transaction transaction(databaseValues().gConnection->session());
+  subLog(u"Creating Other Settings table in database"_s);
+  execute(command, upgrade.addOtherSettings);
+  // kept: the text of the log names another table
+  subLog(u"Adding Person category field in tblPerson table"_s);
+  execute(command, upgrade.addPersonCategory);
+  transaction.commit();
+}
+
+/// kept: one list is looked at for all three
+bool listsHaveEnabled() {
+  const auto values = fncReturnRecordset(u"tblMeta1"_s);
+  platform::ado::Fields fields = present(values).Fields();
+  bool found = false;
+  for (int i = 0; i < fields.Count(); ++i) found = found || isEnabledColumn(fields.Item(i).Name());
+  values->Close();
+  return found;
+}
+
+/// kept: a list that cannot be changed is not told, and those behind it are left as they are; the database
+/// still counts as up to date afterwards. All three are one transaction, as only the first is looked at: one
+/// that was broken off between two lists would never be completed.
+void addEnabled(const ServerUpgrade& upgrade, platform::ado::Command& command) {
+  platform::sql::Transaction transaction(databaseValues().gConnection->session());
+  tolerate([&] {
+    for (int n = 1; n <= metaListCount; ++n) {
+      subLog(u"Adding blnEnabled field to tblMeta%1"_s.arg(n));
+      execute(command, upgrade.addEnabled[n - 1]);
+      subLog(u"Making all existing rows in tblMeta%1 enabled!"_s.arg(n));
+      execute(command, upgrade.enableAll[n - 1]);
+    }
+  });
+  transaction.commit();
+}
+
+// ---- compaction
 
 /// The file that the path leads to. Where that is a link, the real file beside its target is the one to
 /// exchange, or the others who share it would go on with the old one.
@@ -94,13 +181,26 @@ void subCheckUpgrade(const QString& strPath) try {
   connection = CreateObject<platform::ado::Connection>(u"ADODB.Connection"_s);
   connection->setConnectionString(fncAccessConnection(strPath));
   connection->Open();
-  if (isCurrent()) return;
+  if (isThere(newestColumn)) return;
   const auto db = CreateObject<DBEngine>(u"DAO.DBEngine"_s)->OpenDatabase(strPath);
+  completeCreation(*db);
   addOtherSettings(*db);
-  for (int n = 1; n <= 3; ++n) addEnabled(*db, n);
-  subCreateDAOField(*db->TableDefs(u"tblReports"_s), u"strBody"_s, u"Body"_s, dbMemo);
+  for (int n = 1; n <= metaListCount; ++n) addEnabled(*db, n);
+  addColumns(*db, u"tblReports"_s, SchemaState::Body);
 } catch (const Failure& failure) {
   subHandleError(failure, u"subCheckUpgrade"_s);
+}
+
+void subCheckSQLUpgrade() try {
+  if (isThere(newestColumn)) return;
+  const bool hasOtherSettings = isThere(u"tblOtherSettings"_s);
+  const auto command = fncCreateCommand();
+  const ServerUpgrade upgrade = fncServerUpgrade(reportTarget().ReportToValue);
+  if (!hasOtherSettings) addOtherSettings(upgrade, present(command));
+  if (!listsHaveEnabled()) addEnabled(upgrade, present(command));
+  execute(present(command), upgrade.addBody);
+} catch (const Failure& failure) {
+  subHandleError(failure, u"subCheckSQLUpgrade"_s);
 }
 
 void subCompactDatabase(bool /*blnAfterReport*/) try {

@@ -151,19 +151,36 @@ void Recordset::Data::dropEdit() {
   touched.clear();
 }
 
+namespace {
+
+/// A table by its name comes in the order of its key. A server would give changed rows last otherwise.
+template <class IsKey>
+QString wholeTable(const QString& name, const QList<sql::Column>& columns, IsKey isKey) {
+  QStringList keys;
+  for (const sql::Column& column : columns)
+    if (isKey(column)) keys.append(u'[' + column.name + u']');
+  const QString statement = u"select * from ["_qs + name + u']';
+  return keys.isEmpty() ? statement : statement + u" order by "_qs + keys.join(u", "_qs);
+}
+
+}  // namespace
+
 void Recordset::Data::readSelect() {
   sql::Session& session = connection->session();
   const bool select = isSelect(source);
   QString name = select ? tableOfSelect(source) : source.trimmed();
   if (!select && name.startsWith(u'[') && name.endsWith(u']')) name = name.mid(1, name.size() - 2);
   const QList<sql::Column> origin = name.isEmpty() ? QList<sql::Column>() : session.columns(name);
-  const sql::Result result = session.execute(select ? source : u"select * from ["_qs + name + u']');
+  // a table that has none is known by its counter
+  const bool keyed = std::any_of(origin.begin(), origin.end(), [](const auto& c) { return c.primaryKey; });
+  const auto isKey = [&](const sql::Column& c) { return keyed ? c.primaryKey : c.autoIncrement; };
+  const sql::Result result = session.execute(select ? source : wholeTable(name, origin, isKey));
   table = origin.isEmpty() ? QString() : name;
   for (const sql::Column& given : result.columns) {
     Column column{given.name, dataTypeOf(given.type), given.size};
     for (const sql::Column& known : origin)
       if (known.name.compare(given.name, Qt::CaseInsensitive) == 0)
-        column = {given.name, dataTypeOf(known.type), known.size, known.primaryKey, known.autoIncrement};
+        column = {given.name, dataTypeOf(known.type), known.size, isKey(known), known.autoIncrement};
     columns.append(column);
   }
   rows = result.rows;

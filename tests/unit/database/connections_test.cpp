@@ -44,15 +44,6 @@ TEST_F(Connections, WithoutAnyFileTheResultIsEmpty) {
   EXPECT_FALSE(w.exists());
 }
 
-TEST_F(Connections, AFilledConnectionFileSelectsTheServer) {
-  w.write(u"HourbookConnection.txt"_qs,
-          "Provider=SQLOLEDB.1;Data Source=server;Initial Catalog=Hourbook3SQL");
-  EXPECT_EQ(fncGetConnection(), u"Provider=SQLOLEDB.1;Data Source=server;Initial Catalog=Hourbook3SQL"_qs);
-  EXPECT_EQ(reportTarget().ReportTo, 3);
-  EXPECT_EQ(reportTarget().ReportToValue,
-            u"Provider=SQLOLEDB.1;Data Source=server;Initial Catalog=Hourbook3SQL"_qs);
-}
-
 TEST_F(Connections, WithBothFilesAccessIsUsedAndTheTextFileLeftAlone) {
   w.createCurrent();
   w.write(u"HourbookConnection.txt"_qs, "Provider=SQLOLEDB.1");
@@ -135,14 +126,22 @@ TEST_F(Connections, ANewAccessDatabaseIsMadeAndBroughtUpToDate) {
   EXPECT_TRUE(w.columns(u"tblReports"_qs).contains(u"strBody"_qs));
 }
 
-TEST_F(Connections, ServerDatabasesAreRefusedClearly) {
+TEST_F(Connections, ADatabaseOnAServerNeedsTheDialogOfTheLogon) {
   w.database->blnMayCreateDatabase = true;
   for (const qint16 option : {qint16(2), qint16(3)}) {
     w.database->frmChooseConnection = [option](const QString&) { return ConnectionChoice{option, false}; };
-    w.expectFailure(u"fncGetConnection"_qs, u"cannot use an SQL Server database"_qs,
-                    [] { fncGetConnection(); });
+    w.expectFailure(u"fncGetConnection"_qs, u"no dialog to ask for a server"_qs, [] { fncGetConnection(); });
   }
   EXPECT_FALSE(w.exists());
+  EXPECT_FALSE(w.exists(u"HourbookConnection.txt"_qs));
+}
+
+TEST_F(Connections, AQuestionThatWasClosedWithoutAChoiceLeavesNoDatabase) {
+  w.database->blnMayCreateDatabase = true;
+  w.database->frmChooseConnection = [](const QString&) { return ConnectionChoice{0, false}; };
+  EXPECT_EQ(fncGetConnection(), QString());
+  EXPECT_FALSE(w.exists());
+  EXPECT_EQ(reportTarget().ReportTo, 2);
 }
 
 // ---- subSetupConnection
@@ -205,7 +204,7 @@ TEST_F(Connections, AnOldServerTextIsTriedWhenTheFolderHoldsNothing) {
   EXPECT_EQ(w.database->gConnection->ConnectionString(), u"old"_qs);
 }
 
-TEST_F(Connections, AConnectionFileLeadsToAServerForWhichThereIsNoDriverYet) {
+TEST_F(Connections, AConnectionFileLeadsToAServerForWhichThereIsNoDriver) {
   w.write(u"HourbookConnection.txt"_qs, "Provider=SQLOLEDB.1;Data Source=server");
   w.expectFailure(u"subSetupConnection"_qs, u"Provider cannot be found. It may not be properly installed."_qs,
                   [] { subSetupConnection(); });

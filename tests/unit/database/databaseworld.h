@@ -47,6 +47,28 @@ class FailingFiles : public platform::scripting::FileSystemObject {
 
 inline constexpr auto noWait = platform::sql::sqlite::Durability::ProcessEnd;
 
+/// What stands in place of the database file: a server's database. A program of tests that runs on one sets
+/// how it is made; its tests then find the connection text in the database folder where else the file is.
+class DatabaseRoad {
+ public:
+  virtual ~DatabaseRoad() = default;
+  virtual QString name() const = 0;
+  virtual QString provider() const = 0;
+  virtual std::shared_ptr<platform::sql::Driver> driver() = 0;
+  virtual QString connectionText() const = 0;
+  /// Makes the database anew, up to date and empty.
+  virtual void create() = 0;
+  virtual std::unique_ptr<platform::sql::Session> connect() const = 0;
+  /// All rows, to go back to.
+  virtual QByteArray copy() const = 0;
+  virtual void restore(const QByteArray& rows) = 0;
+
+  static std::function<std::unique_ptr<DatabaseRoad>()>& maker() {
+    static std::function<std::unique_ptr<DatabaseRoad>()> make;
+    return make;
+  }
+};
+
 /// The world of the database code: a database folder, English phrases, and drivers that can be told to fail.
 class DatabaseWorld {
  public:
@@ -62,8 +84,9 @@ class DatabaseWorld {
         std::make_shared<sql::FailingDriver>(std::make_shared<sql::sqlite::SqliteDriver>(0, noWait), plan);
     auto engine =
         std::make_shared<sql::FailingEngine>(std::make_shared<sql::sqlite::SqliteEngine>(0, noWait), plan);
-    auto drivers = std::make_shared<sql::Drivers>();
     drivers->add(QStringLiteral("Microsoft.Jet.OLEDB.4.0"), driver);
+    if (DatabaseRoad::maker()) road = DatabaseRoad::maker()();
+    if (road) drivers->add(road->provider(), std::make_shared<sql::FailingDriver>(road->driver(), plan));
     ado::registerComponents(world.components, drivers);
     dao::registerComponents(world.components, driver, engine);
     hourbook::LoadLanguages(4);
@@ -78,11 +101,16 @@ class DatabaseWorld {
     return QFile::exists(path(name));
   }
   void write(const QString& name, const QByteArray& bytes) const {
+    if (road && name == hourbook::databaseFileName) {
+      road->restore(bytes);
+      return write(hourbook::connectionFileName, road->connectionText().toUtf8());
+    }
     QFile file(path(name));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(bytes);
   }
   QByteArray read(const QString& name) const {
+    if (road && name == hourbook::databaseFileName) return road->copy();
     QFile file(path(name));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
   }
@@ -100,6 +128,11 @@ class DatabaseWorld {
   void createOld() const { hourbook::subCreateHBDatabase(shownPath()); }
   /// A database that is up to date; nothing is open afterwards.
   void createCurrent() {
+    if (road) {
+      road->create();
+      write(hourbook::connectionFileName, road->connectionText().toUtf8());
+      return;
+    }
     createOld();
     hourbook::subCheckUpgrade(shownPath());
     database->gConnection.reset();
@@ -107,6 +140,7 @@ class DatabaseWorld {
   }
   /// Another program's connection to the file.
   std::unique_ptr<platform::sql::Session> other() const {
+    if (road) return road->connect();
     platform::sql::ConnectionString connection;
     connection.set(QStringLiteral("Data Source"), path());
     return platform::sql::sqlite::SqliteDriver(0, noWait).connect(connection);
@@ -135,6 +169,8 @@ class DatabaseWorld {
   hourbook::Shared<hourbook::DatabaseValues>::Scope database;
   QTemporaryDir folder;
   std::shared_ptr<platform::sql::FaultPlan> plan = std::make_shared<platform::sql::FaultPlan>();
+  std::shared_ptr<platform::sql::Drivers> drivers = std::make_shared<platform::sql::Drivers>();
+  std::unique_ptr<DatabaseRoad> road;  // none: the database is the file
   std::shared_ptr<FailingFiles::Faults> files = std::make_shared<FailingFiles::Faults>();
 };
 

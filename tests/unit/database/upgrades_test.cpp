@@ -140,7 +140,9 @@ TEST_F(Upgrades, BrokenOffAtAnyStatementTheNextStartCompletesIt) {
   subCheckUpgrade(w.shownPath());
   const QStringList statements = w.plan->statements;
   ASSERT_GT(statements.size(), 30);
-  const qsizetype looking = statements.indexOf(u"tables"_qs);  // taken for a table that is not there
+  // the last question before the first change is taken for a table that is not there
+  const qsizetype looking = statements.lastIndexOf(u"tables"_qs, statements.indexOf(u"begin"_qs));
+  ASSERT_GE(looking, 0);
   for (qsizetype n = 0; n < statements.size(); ++n) {
     w.database->gConnection.reset();
     w.write(u"Hourbook3.mdb"_qs, old);

@@ -17,8 +17,8 @@ ReportingWorld::ReportingWorld() {
   file->execute(u"insert into tblMeta2 (strName, curRate, blnEnabled) values ('A', 100, -1)"_qs);
   file->execute(u"insert into tblMeta3 (strName, curRate, blnEnabled) values ('Design', 33.3333, -1)"_qs);
   file->execute(
-      u"insert into tblSettings (intCostCarrier, intReportTo, strReportToValue) values (2, 2, ?)"_qs,
-      {shownPath()});
+      u"insert into tblSettings (intCostCarrier, intReportTo, strReportToValue) values (2, ?, ?)"_qs,
+      {qint16(road ? 3 : 2), road ? road->connectionText() : shownPath()});
 
   shell->documentsFolder = world.programFolder();
   shell->gListSeparator = u";"_qs;
@@ -65,6 +65,7 @@ void ReportingWorld::report(qint32 target) {
   rowsOfReport = std::make_unique<cReportRows>();
   rowsOfReport->ReportsRange = sheet.Range(u"a2:g%1"_qs.arg(lastRow));
   rowsOfReport->ReadReportsFromRange();
+  if (road && target == 2) target = 3;
   if (rowsOfReport->Reports.Count() >= 1) rowsOfReport->Report(target, *this);
 }
 

@@ -79,8 +79,8 @@ class SaveGlobalSettings : public testing::Test {
     }
     return lines;
   }
-  QStringList customers() { return table(u"select intMeta1ID, strName from tblMeta1"_s); }
-  QStringList reportedCustomers() { return table(u"select intMeta1ID from tblReports"_s); }
+  QStringList customers() { return table(u"select intMeta1ID, strName from tblMeta1 order by intMeta1ID"_s); }
+  QStringList reportedCustomers() { return table(u"select intMeta1ID from tblReports order by intReportID"_s); }
   QStringList statements(const QString& beginning) const {
     return db.plan->statements.filter(QRegularExpression(u'^' + beginning));
   }
@@ -177,7 +177,7 @@ TEST_F(SaveGlobalSettings, OfTwoRowsOfOneNameTheFirstIsTheValues) {
   auto settings = readSettings();
   settings->MetaDataLists.Item(1)->MetaDic->Item(u"Acme"_s)->Category = u"New"_s;
   EXPECT_TRUE(settings->SaveGlobalSettings());
-  EXPECT_EQ(table(u"select intMeta1ID, strCategory from tblMeta1 where strName = 'Acme'"_s),
+  EXPECT_EQ(table(u"select intMeta1ID, strCategory from tblMeta1 where strName = 'Acme' order by intMeta1ID"_s),
             (QStringList{u"1|New"_s, u"4|Null"_s}));
   EXPECT_EQ(settings->MetaDataLists.Item(1)->MetaDic->Item(u"Acme"_s)->ID, 1);
 }

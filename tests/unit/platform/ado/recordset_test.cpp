@@ -23,6 +23,17 @@ TEST_F(AdoTest, ATableIsReadByItsName) {
   EXPECT_EQ(rs->Source(), u"tblMeta1"_qs);
 }
 
+TEST_F(AdoTest, ATableComesInTheOrderOfItsKey) {
+  connection->session().execute(
+      u"create table tblKeyed (strKey varchar(20) primary key, intValue integer)"_qs);
+  for (const QString& key : {u"b"_qs, u"a"_qs})
+    connection->session().execute(u"insert into tblKeyed (strKey) values (?)"_qs, {key});
+  const auto rs = open(u"tblKeyed"_qs);
+  EXPECT_TRUE((*rs)[u"strKey"_qs].Value() == Value(u"a"_qs));
+  rs->MoveNext();
+  EXPECT_TRUE((*rs)[u"strKey"_qs].Value() == Value(u"b"_qs));
+}
+
 TEST_F(AdoTest, ASelectIsReadInItsOrder) {
   fill({u"b"_qs, u"A"_qs, u"c"_qs});
   const auto rs = open(u"select * from tblMeta1 order by strName"_qs, false);
