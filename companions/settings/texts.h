@@ -148,7 +148,7 @@ inline const QString connectionTextForm =
     u"A connection text is made of pairs like \"Data Source=server\", with \";\" between them."_s;
 inline const QString connectionTextServer = u"The connection text names no server (\"Data Source=\")."_s;
 inline const QString connectionTextIsAccess =
-    u"This is the text of an Access database. Choose \"Report to Access database\", and its folder."_s;
+    u"This is the text of an Access database. Choose Access above, and the folder of the database."_s;
 inline const QString connectionSign = u"\";\", \"=\" and quotes cannot stand in a connection text."_s;
 
 // Appointments

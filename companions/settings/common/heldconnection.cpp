@@ -4,6 +4,7 @@
 #include "companions/settings/guarded.h"
 #include "database/modDBCode.h"
 #include "platform/process/process.h"
+#include "platform/sql/oledbkeys.h"
 #include "shell/modFileHandling.h"
 
 namespace hourbook {
@@ -62,10 +63,10 @@ QString placeName(const ReportPlace& place) {
   try {
     connection = sql::ConnectionString(place.value);
   } catch (const platform::Failure&) {
-    return place.value;
+    return phrases().LNGSERVER;  // there may be a password in it
   }
-  const QString catalog = connection.value(u"Initial Catalog"_s);
-  const QString server = connection.value(u"Data Source"_s);
+  const QString catalog = sql::oledbkeys::database(connection);
+  const QString server = sql::oledbkeys::server(connection);
   return catalog.isEmpty() ? server : catalog + u" ("_s + server + u')';
 }
 

@@ -150,6 +150,8 @@ TEST_F(CommonReading, CallsAServersDatabaseByItsNameAndHidesThePassword) {
                        u"Provider=SQLOLEDB.1;User ID=sa;Password=secret;Data Source=srv;Initial "
                        "Catalog=Hours"_s}),
             u"Hours (srv)"_s);
+  EXPECT_EQ(placeName({3, u"Provider=PostgreSQL;PWD=secret;Server=srv;Database=Hours"_s}), u"Hours (srv)"_s);
+  EXPECT_EQ(placeName({3, u"Password=secret;torn"_s}), u"Server"_s);
 }
 
 TEST_F(CommonReading, OfFiveThousandValuesGivesThemAll) {

@@ -66,6 +66,17 @@ TEST_F(Forms, OfAServerCanBeUsedByKeyboardAndAreNamed) {
   check();
 }
 
+TEST_F(Forms, OfAConnectionTextCanBeUsedByKeyboardAndAreNamed) {
+  SettingsStore first(config());
+  SettingsBuffer buffer = filledIn(first);
+  buffer.reportChoice = reportToSqlServer;
+  buffer.serverByText = true;
+  buffer.serverText = u"Provider=PostgreSQL;Data Source=db.example.org;Initial Catalog=hours;Password=x"_s;
+  first.save(buffer);
+  open(false, true);
+  check();
+}
+
 TEST_F(Forms, ThatAskCanBeUsedByKeyboardAndAreNamed) {
   int answer = -2;
   QStringList faults;
