@@ -93,7 +93,8 @@ void addOtherSettings(Database& db) {
 
 void addEnabled(Database& db, int n) {
   const QString table = u"tblMeta%1"_s.arg(n);
-  for (const Field& field : db.TableDefs(table)->Fields())
+  const auto there = db.TableDefs(table);
+  for (const Field& field : there->Fields())
     if (isEnabledColumn(field.Name)) return;
   Transaction transaction(db);
   addColumns(db, table, SchemaState::Enabled);
