@@ -132,7 +132,10 @@ QString fileUri(const QString& path, const QString& mode) {
 
 SqliteSession::SqliteSession(const QString& uri, const QString& label, const OpenOptions& options,
                              std::shared_ptr<const LockFile> lock)
-    : connection_(nextConnectionName()), label_(label), lock_(std::move(lock)) {
+    : patience_(options.busyTimeout),
+      connection_(nextConnectionName()),
+      label_(label),
+      lock_(std::move(lock)) {
   {
     QSqlDatabase base = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
     if (!base.isValid()) {
@@ -148,6 +151,7 @@ SqliteSession::SqliteSession(const QString& uri, const QString& label, const Ope
   try {
     QSqlDatabase base = database();
     if (!base.open()) fail(base.lastError(), {});
+    patience_.governs(base);
     execute(QStringLiteral("PRAGMA foreign_keys=ON"));
     execute(options.durability == Durability::PowerCut ? QStringLiteral("PRAGMA synchronous=EXTRA")
                                                        : QStringLiteral("PRAGMA synchronous=OFF"));

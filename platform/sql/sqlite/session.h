@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/sql/driver.h"
 #include "platform/sql/sqlite/lockfile.h"
+#include "platform/sql/sqlite/patience.h"
 
 #include <QAtomicInt>
 #include <QVariant>
@@ -12,7 +13,7 @@ class QSqlRecord;
 namespace platform::sql::sqlite {
 
 /// How long a statement waits for another program to let go of the file before it fails.
-inline constexpr int busyTimeoutMs = 5000;
+inline constexpr int busyTimeoutMs = 10000;
 
 /// Tables of this engine's own, hidden from `tables()`: captions and further properties of columns, and
 /// relations.
@@ -56,6 +57,7 @@ class SqliteSession : public Session {
   [[noreturn]] void fail(const QSqlError& error, const QString& statement) const;
   void close();
 
+  Patience patience_;
   QString connection_;
   QString label_;
   std::shared_ptr<const LockFile> lock_;
