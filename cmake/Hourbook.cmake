@@ -16,9 +16,9 @@ if(CMAKE_BUILD_TYPE STREQUAL "Debug")
   target_compile_options(hourbook_options INTERFACE -g1)
 endif()
 if(HOURBOOK_SANITIZE)
-  # -O0 builds quickest; with the sanitizers' code in between, GCC 12 sees uninitialised values that are none
+  # clang (as the preset has it) builds this more than twice as fast as GCC 12, and its warnings are others
   target_compile_options(hourbook_options INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(hourbook_options INTERFACE -fsanitize=address,undefined)
 endif()
 
