@@ -83,6 +83,11 @@ WriteResult replaceFile(const QString& path, const QByteArray& bytes,
 WriteResult spliceFile(const QString& path, const QList<Splice>& splices, const Fingerprint& expected,
                        FileMode mode = FileMode::Usual);
 
+/// A copy under a new name, for its owner only, as durable as everything else that is written here: with
+/// shared blocks where the file system can, else copied by the system. `ChangedMeanwhile`: the file was
+/// written to while it was copied, or the new name is taken.
+WriteResult copyFile(const QString& from, const QString& to);
+
 /// Removes a file that is still what was read; the folder is fsynced. Of a symbolic link the link goes and
 /// what it leads to stays. A read-only file is refused. When only the folder's fsync failed, the file is gone
 /// and counts as removed; `error` then says why it might be back after a power cut.
