@@ -30,6 +30,37 @@ ConnectionString withProgramsName(ConnectionString connection) {
   return connection;
 }
 
+// the client library's own numbers
+constexpr int refusedEarly = 20002, nobodyThere = 20009, unknownHost = 20013, unknownSetting = 20214;
+
+/// What the client library's word for it, which speaks of another maker's server, means here.
+QString reasonOf(const Diagnosis& diagnosis, const ConnectionString& connection) {
+  if (isTimeout(diagnosis))
+    return QStringLiteral("the server did not answer within %1 s.").arg(connectTimeout(connection));
+  switch (diagnosis.number) {
+    case nobodyThere:
+      return QStringLiteral(
+          "no server answers under this name and port, or its firewall lets nobody through.");
+    case unknownHost:
+      return QStringLiteral("no machine is known by this name.");
+    case unknownSetting:
+      return QStringLiteral(
+          "this driver cannot encrypt as Encrypt=Strict asks for; Encrypt=Mandatory may do instead.");
+    case refusedEarly:
+      break;
+    default:
+      return QStringLiteral("it cannot be reached.");
+  }
+  if (isTrusted(connection))
+    return QStringLiteral(
+        "there is no valid Kerberos ticket for the trusted connection. \"kinit\" gets one, \"klist\" shows "
+        "it; the server has to be given by its full name. User ID and Password do without one.");
+  const QString asked = oledbkeys::firstValue(connection, {"Use Encryption for Data", "Encrypt"});
+  if (oledbkeys::isYes(asked))
+    return QStringLiteral("the server does not encrypt, as Encrypt=%1 asks for.").arg(asked);
+  return QStringLiteral("the server broke off before the login.");
+}
+
 }  // namespace
 
 Connection::Connection(const ConnectionString& connection, const Options& options)
@@ -63,21 +94,14 @@ void Connection::open(const ConnectionString& connection, const Options& options
 void Connection::failToConnect(const ConnectionString& connection) {
   const Diagnosis diagnosis = diagnosisOf(connection_);
   qint32 failureNumber = failureOf(diagnosis, {}, label_).number();
-  QString reason = diagnosis.text;
-  if (diagnosis.number != 0) reason += QStringLiteral(" [%1]").arg(diagnosis.number);
-  if (isTimeout(diagnosis)) {
-    failureNumber = errors::connectionFailed;
-    reason =
-        QStringLiteral("the server did not answer within %1 s. ").arg(connectTimeout(connection)) + reason;
-  } else if (!diagnosis.fromServer && failureNumber == errors::connectionFailed) {
-    reason = (isTrusted(connection)
-                  ? QStringLiteral("the server cannot be reached under this name and port, or there is no "
-                                   "Kerberos ticket for the trusted connection (klist shows those there "
-                                   "are, kinit gets one; the server's name has to be the full one): ")
-                  : QStringLiteral("the server cannot be reached under this name and port: ")) +
-             reason;
-  }
-  throw Failure(failureNumber, QStringLiteral("Cannot connect to the database %1: %2").arg(label_, reason));
+  if (isTimeout(diagnosis)) failureNumber = errors::connectionFailed;
+  QString text = QStringLiteral("Cannot connect to the database %1: ").arg(label_);
+  if (!diagnosis.fromServer && failureNumber == errors::connectionFailed)
+    text += reasonOf(diagnosis, connection) + u" ("_qs + diagnosis.text + u')';
+  else
+    text += diagnosis.text;
+  if (diagnosis.number != 0) text += QStringLiteral(" [%1]").arg(diagnosis.number);
+  throw Failure(failureNumber, text);
 }
 
 /// What the meaning of statements depends on is set here, whatever the server's and the client library's own

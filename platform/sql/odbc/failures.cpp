@@ -97,14 +97,15 @@ qint32 numberOf(const Diagnosis& diagnosis, const QString& statement) {
 /// Without the "[maker][driver][server]" before it.
 QString plain(const QString& text) {
   static const QRegularExpression makers(QStringLiteral("^(?:\\[[^\\]]*\\])+"));
-  return QString(text).remove(makers).simplified();
+  const QString told = QString(text).remove(makers).simplified();
+  return told.isEmpty() || told.endsWith(u'.') ? told : told + u'.';
 }
 
 }  // namespace
 
 Diagnosis diagnosisOf(const Handle& handle) {
   Diagnosis diagnosis;
-  QStringList texts;
+  QStringList texts, serversTexts;
   for (SQLSMALLINT record = 1;; ++record) {
     SQLWCHAR state[6] = {};
     SQLWCHAR text[SQL_MAX_MESSAGE_LENGTH * 2] = {};
@@ -119,8 +120,9 @@ Diagnosis diagnosisOf(const Handle& handle) {
     if (diagnosis.number == 0 || (ofServer && !diagnosis.fromServer)) diagnosis.number = number;
     diagnosis.fromServer = diagnosis.fromServer || ofServer;
     texts.append(plain(fromWide(text, qBound(0, int{length}, room - 1))));
+    if (ofServer) serversTexts.append(texts.last());
   }
-  diagnosis.text = texts.join(u' ');
+  diagnosis.text = (diagnosis.fromServer ? serversTexts : texts).join(u' ');
   return diagnosis;
 }
 

@@ -8,7 +8,7 @@ namespace platform::sql::odbc {
 struct Diagnosis {
   QString state;   // of the first record
   int number = 0;  // the server's own; the client library's where the server said nothing
-  QString text;    // of all records
+  QString text;    // of all records; the server's alone where it said something
   bool fromServer = false;
 };
 Diagnosis diagnosisOf(const Handle& handle);
