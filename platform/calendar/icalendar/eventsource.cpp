@@ -202,6 +202,12 @@ void FileCache::written(const QString& name, const QList<files::Splice>&, const 
   grouped_ = false;
 }
 
+void FileCache::forget() {
+  entries_.clear();
+  groups_.clear();
+  grouped_ = false;
+}
+
 void FileCache::sweep() {
   if (swept_) return;
   swept_ = true;

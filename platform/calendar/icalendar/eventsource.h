@@ -68,6 +68,8 @@ class FileCache : public EventSource {
   void written(const QString& name, const QList<files::Splice>& splices,
                const files::Fingerprint& after) override;
 
+  /// Gives back the memory; the next question reads the files again.
+  void forget();
   /// A file with this content, not taken apart again where it is known.
   std::shared_ptr<const CalendarFile> parsed(const QString& name, const QByteArray& bytes) const;
   bool isFolder() const override;

@@ -56,7 +56,7 @@ Database::Database(const QString& path, quint64 identity, Access access) {
     sqlite3_busy_timeout(handle_, patienceMs);
     int reserved = checkBytes;
     check(sqlite3_file_control(handle_, "main", SQLITE_FCNTL_RESERVE_BYTES, &reserved));
-    script("PRAGMA page_size=4096; PRAGMA trusted_schema=OFF; PRAGMA cache_size=-3000; PRAGMA mmap_size=0");
+    script("PRAGMA page_size=4096; PRAGMA trusted_schema=OFF; PRAGMA cache_size=-6000; PRAGMA mmap_size=0");
   } catch (...) {
     sqlite3_close_v2(handle_);
     throw;

@@ -17,9 +17,9 @@ std::optional<QByteArrayView> quickText(QByteArrayView line) {
   qsizetype end = line.size();
   while (end > ahead && (line[end - 1] == '\n' || line[end - 1] == '\r')) --end;
   const QByteArrayView text = line.sliced(ahead, end - ahead);
-  const bool simple =
-      std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~' && c != '\\'; });
-  return simple ? std::optional(text) : std::nullopt;
+  const auto isPlain = [](char c) { return static_cast<unsigned char>(c) >= ' ' && c != '\\'; };
+  if (!std::all_of(text.begin(), text.end(), isPlain) || text.startsWith("\xEF\xBB\xBF")) return std::nullopt;
+  return QUtf8StringView(text.data(), text.size()).isValidUtf8() ? std::optional(text) : std::nullopt;
 }
 
 quint64 subjectSum(QByteArrayView line) {

@@ -106,15 +106,21 @@ bool IndexedSource::open() {
 }
 
 bool IndexedSource::refresh(Wait wait) {
+  const auto version = database_->number("PRAGMA data_version");
+  if (std::exchange(version_, version) != version) changed();  // another process has taken something in
   return isFolder_ ? refreshFolder(wait) : refreshOne();
 }
 
-/// Names of files that the folder does not tell of, or whose times prove nothing.
-QSet<QString> IndexedSource::unsure() const {
-  QSet<QString> names;
-  Rows rows = database_->ask("SELECT name, settled FROM file WHERE settled = 0 OR linked = 1");
-  while (rows.next()) names.insert(rows.text(0));
-  return names;
+/// Names of files that the folder does not tell of, and of those whose times prove nothing.
+void IndexedSource::takeUnsure(QSet<QString>& linked, QSet<QString>& unsettled) {
+  Rows rows = database_->ask("SELECT name, settled, linked FROM file WHERE settled = 0 OR linked = 1");
+  while (rows.next()) {
+    const bool isSettled = rows.number(1) != 0, isLinked = rows.number(2) != 0;
+    if (isSettled)
+      linked.insert(rows.text(0));
+    else if (isLinked || !unsureTaken_)
+      unsettled.insert(rows.text(0));
+  }
 }
 
 bool IndexedSource::takeOne(const DiskState& now, bool again) {
@@ -150,23 +156,15 @@ bool IndexedSource::refreshFolder(Wait wait) {
     if (!passAll(*database_)) return false;
     unsureTaken_ = false;
   }
-  QSet<QString> again = std::exchange(pending_, {}) + news.names, plain;
-  if (!unsureTaken_)
-    again += unsure();
-  else {
-    Rows rows = database_->ask("SELECT name FROM file WHERE linked = 1");
-    while (rows.next()) plain.insert(rows.text(0));
-  }
+  QSet<QString> again = std::exchange(pending_, {}) + news.names, plain, unsettled;
+  takeUnsure(plain, unsettled);
+  again += unsettled;
   unsureTaken_ = true;
-  if (check_ && wait != Wait::None) {
-    const auto found = check_->take(wait == Wait::Short ? options_.firstAnswerMs : longestCheckMs);
-    if (found) {
-      check_.reset();
-      if (found->failed && !passAll(*database_)) return false;
-      plain += QSet<QString>(found->names.begin(), found->names.end());
-    }
-  } else if (check_) {
-    if (const auto found = check_->take(0)) {
+  if (check_) {
+    const int patience = wait == Wait::None    ? 0
+                         : wait == Wait::Short ? options_.firstAnswerMs
+                                               : longestCheckMs;
+    if (const auto found = check_->take(patience)) {
       check_.reset();
       if (found->failed && !passAll(*database_)) return false;
       plain += QSet<QString>(found->names.begin(), found->names.end());
@@ -174,18 +172,22 @@ bool IndexedSource::refreshFolder(Wait wait) {
   }
   takeFiles(plain - again, false);
   takeFiles(again, true);
-  return true;
+  // such a name does not lead to its file; listing the folder does
+  const auto isUnreadable = [](const QString& name) { return name.contains(QChar::ReplacementCharacter); };
+  return std::none_of(again.begin(), again.end(), isUnreadable) || passAll(*database_);
 }
 
-void IndexedSource::takeFiles(const QSet<QString>& names, bool again) {
+void IndexedSource::takeFiles(QSet<QString> names, bool again) {
+  if (!again)
+    names.removeIf([&](const QString& name) {
+      const auto row = fileNamed(*database_, name);
+      return row && row->stamp == stateOf(path_ + u'/' + name).stamp;
+    });
   if (names.isEmpty()) return;
   bool any = false;
   Change change(*database_);
-  for (const QString& name : names) {
-    if (name.contains(QChar::ReplacementCharacter)) {
-      if (again) lastPass_ = {};
-      continue;
-    }
+  for (const QString& name : std::as_const(names)) {
+    if (name.contains(QChar::ReplacementCharacter)) continue;
     any = intake_->take(name, stateOf(path_ + u'/' + name), again) != Intake::Result::Same || any;
   }
   change.commit();
@@ -221,7 +223,7 @@ bool IndexedSource::passAll(Database& database) {
 
 /// So that the next start need not look at every file before its first answer.
 void IndexedSource::rememberFolder() {
-  if (!database_ || !isFolder_ || !watch_.isOn() || (check_ && !check_->take(0))) return;
+  if (!database_ || !isFolder_ || !watch_.isOn() || check_) return;
   const DiskState root = stateOf(path_);
   const Watch::News news = watch_.take();
   if (news.any || !pending_.isEmpty() || !root.isSettled()) return;
@@ -241,6 +243,7 @@ Result IndexedSource::answered(Wait wait, const Asked& asked, const Otherwise& o
   for (int attempt = 0; attempt < maxAttempts; ++attempt) {
     try {
       if (!ready() || !refresh(wait)) break;
+      if (!answeredFromIndex_) cache_.forget();
       answeredFromIndex_ = true;
       return asked();
     } catch (const Stale& stale) {

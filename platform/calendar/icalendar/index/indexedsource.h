@@ -59,10 +59,10 @@ class IndexedSource : public EventSource {
   bool refresh(Wait wait);
   bool refreshOne();
   bool refreshFolder(Wait wait);
-  void takeFiles(const QSet<QString>& names, bool again);
+  void takeFiles(QSet<QString> names, bool again);
   bool takeOne(const index::DiskState& now, bool again);
   bool passAll(index::Database& database);
-  QSet<QString> unsure() const;
+  void takeUnsure(QSet<QString>& linked, QSet<QString>& unsettled);
   void rememberFolder();
   void changed();
   QList<Group> named(const QSet<quint64>& uids);
@@ -85,6 +85,7 @@ class IndexedSource : public EventSource {
   Clock::time_point lastPass_;
   QSet<QString> pending_;
   bool unsureTaken_ = false;
+  std::optional<qint64> version_;  // of the index file, as others write to it
   bool answeredOnce_ = false, answeredFromIndex_ = false;
   int failures_ = 0;
   std::optional<Clock::time_point> taken_;  // since then another process has the index
