@@ -3,6 +3,7 @@
 #include "platform/ado/registration.h"
 #include "platform/calendar/icalendar/icalendarstore.h"
 #include "platform/dao/registration.h"
+#include "platform/dialogs/dialogs.h"
 #include "platform/forms/controls.h"
 #include "platform/outlook/application.h"
 #include "platform/owc/chartspace.h"
@@ -11,8 +12,14 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/shell.h"
 #include "platform/scripting/shellapplication.h"
+#include "platform/sql/odbc/driver.h"
+#include "platform/sql/postgresql/driver.h"
 #include "platform/sql/sqlite/engine.h"
 #include "platform/sql/sqlite/session.h"
+#include "shell/ShellValues.h"
+
+#include <QFileInfo>
+#include <QStandardPaths>
 
 namespace hourbook {
 
@@ -25,12 +32,27 @@ void addPlain(Components& components, const QString& progId) {
   components.add<T>(progId, [] { return std::make_shared<T>(); });
 }
 
+/// May be thrown away at any time, and is nobody else's business.
+QString indexFolder() {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+         QStringLiteral("/hourbook/calendars");
+}
+
+/// What was there is kept beside the window's place; a calendar that has become empty asks.
+platform::calendar::IcalendarSafety safety() {
+  using namespace platform::dialogs;
+  return {QFileInfo(Configuration::placesFile()).path(), [](const QString& text) {
+            return Dialogs::current().MsgBox(text, vbYesNo + vbQuestion, gTitle) == vbYes;
+          }};
+}
+
 std::shared_ptr<platform::outlook::Application> openOutlook(const Configuration& configuration) {
   QList<platform::calendar::IcalendarFolder> folders;
   for (const CalendarEntry& entry : configuration.calendars)
     folders.append({entry.id, entry.name, configuration.mailboxName, entry.path, entry.readOnly});
   platform::outlook::Profile profile;
-  profile.stores.append(std::make_shared<platform::calendar::IcalendarStore>(folders));
+  profile.stores.append(
+      std::make_shared<platform::calendar::IcalendarStore>(folders, indexFolder(), safety()));
   profile.openFolder = configuration.openCalendar;
   profile.version = configuration.outlookVersion;
   profile.draftFolder = configuration.draftFolder();
@@ -48,6 +70,10 @@ void registerDatabases(Components& components) {
   const auto driver = std::make_shared<sqlite::SqliteDriver>();
   const auto drivers = std::make_shared<Drivers>();
   drivers->add(QStringLiteral("Microsoft.Jet.OLEDB.4.0"), driver);
+  const auto sqlServer = odbc::makeDriver();
+  for (const QString& provider : odbc::providers()) drivers->add(provider, sqlServer);
+  const auto postgres = postgresql::makeDriver();
+  for (const QString& provider : postgresql::providers()) drivers->add(provider, postgres);
   platform::ado::registerComponents(components, drivers);
   platform::dao::registerComponents(components, driver, std::make_shared<sqlite::SqliteEngine>());
 }

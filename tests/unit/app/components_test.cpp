@@ -1,6 +1,7 @@
 #include "app/components.h"
 
 #include "platform/ado/connection.h"
+#include "platform/basic/failure.h"
 #include "platform/dao/dao.h"
 #include "platform/forms/controls.h"
 #include "platform/outlook/application.h"
@@ -9,6 +10,7 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/shell.h"
 #include "platform/scripting/shellapplication.h"
+#include "platform/sql/errors.h"
 #include "shell/start/modMain.h"
 #include "tests/support/testworld.h"
 
@@ -50,6 +52,52 @@ TEST_F(ComponentsOfTheMachine, RunOutlookOverTheConfiguredCalendars) {
   EXPECT_EQ(folder->ParentName(), QStringLiteral("Mailbox - Jane Doe"));
   ASSERT_EQ(folder->Items().Count(), 1);
   EXPECT_EQ(folder->Items().Item(1)->Subject(), QStringLiteral("Planning"));
+}
+
+TEST_F(ComponentsOfTheMachine, AskBeforeACalendarThatHasBecomeEmptyIsWrittenTo) {
+  const QString path = calendar.filePath(QStringLiteral("one.ics"));
+  QByteArray events;
+  for (int i = 0; i < 21; ++i)
+    events +=
+        "BEGIN:VEVENT\r\nUID:" + QByteArray::number(i) + "\r\nDTSTART:20240515T090000Z\r\nEND:VEVENT\r\n";
+  const auto write = [&](const QByteArray& content) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + content + "END:VCALENDAR\r\n");
+  };
+  write(events);
+  hourbook::registerComponents(world.components, configuration);
+  const auto folder =
+      platform::automation::GetObject<platform::outlook::Application>(QStringLiteral("Outlook.Application"))
+          ->ActiveExplorer()
+          ->CurrentFolder();
+  EXPECT_EQ(folder->Items().Count(), 21);
+  write({});
+  const auto item = folder->Items().Add();
+  world.dialogs.expect(
+      QStringLiteral("had more than 20 appointments and shows none now. May it be written to?"),
+      platform::dialogs::vbNo);
+  EXPECT_THROW(item->Save(), platform::Failure);
+  EXPECT_EQ(folder->Items().Count(), 0);
+  world.dialogs.expect(QStringLiteral("May it be written to?"), platform::dialogs::vbYes);
+  item->Save();
+  EXPECT_EQ(folder->Items().Count(), 1);
+}
+
+TEST_F(ComponentsOfTheMachine, ReachServersOfBothKindsByTheirProviders) {
+  hourbook::registerComponents(world.components, configuration);
+  for (const char* provider :
+       {"SQLOLEDB.1", "sqloledb", "SQLNCLI11", "MSOLEDBSQL", "PostgreSQL", "postgresql"}) {
+    const auto connection = CreateObject<platform::ado::Connection>(QStringLiteral("ADODB.Connection"));
+    connection->setConnectionString(
+        QStringLiteral("Provider=%1;Integrated Security=SSPI").arg(QLatin1String(provider)));
+    try {
+      connection->Open();
+      ADD_FAILURE() << provider << " connects to no server";
+    } catch (const platform::Failure& failure) {
+      EXPECT_EQ(failure.number(), platform::sql::errors::connectionFailed) << provider << failure.what();
+    }
+  }
 }
 
 TEST_F(ComponentsOfTheMachine, OpenNoWindowUnlessTheConfigurationNamesIt) {
