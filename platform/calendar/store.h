@@ -21,6 +21,8 @@ namespace platform::calendar {
 inline constexpr qint32 errNotFound = static_cast<qint32>(0x8004010F);
 inline constexpr qint32 errAccessDenied = static_cast<qint32>(0x80070005);
 inline constexpr qint32 errChangedMeanwhile = static_cast<qint32>(0x80040109);
+/// The calendar had many items and shows none: nothing is written to it until that is known to be right.
+inline constexpr qint32 errSuddenlyEmpty = static_cast<qint32>(0x80040F01);
 inline constexpr qint32 errStoreBroken = static_cast<qint32>(0x80004005);
 
 struct FolderInfo {

@@ -35,6 +35,8 @@ class FailingStore : public Store {
   void remove(const QString& folder, const ItemKey& key, const QString& tag) override;
   QString changeTag(const QString& folder) override;
   QList<Problem> problems(const QString& folder) override;
+  void hold() override { inner_->hold(); }
+  QList<Unwritten> flush() override { return inner_->flush(); }
 
  private:
   struct Planned {

@@ -10,6 +10,15 @@
 namespace platform::calendar::icalendar {
 namespace {
 
+/// Before iCalendar a whole day could only be written as midnight to midnight.
+void markMidnights(Event& event) {
+  if (!event.start || !event.end || event.start->form == DateValue::Form::Date) return;
+  const qint64 length = event.end->wall() - event.start->wall();
+  const qint64 rest = ((length % dayMs) + dayMs) % dayMs;
+  // a day on which the clocks are changed has 23 or 25 hours of UTC
+  if (length > hourMs && (rest <= hourMs || rest >= dayMs - hourMs)) event.markedAllDay = true;
+}
+
 class EventReader {
  public:
   EventReader(const Document& document, QString name, QList<Problem>& problems)
@@ -23,6 +32,8 @@ class EventReader {
     taken_.clear();
     for (const Line& line : component.lines)
       if (line.nameLength > 0) takeLine(event, line);
+    event.old = calendar && calendar->old;
+    if (event.old) markMidnights(event);
     identify(event);
     if (!event.start)
       complain(component.line,
@@ -160,6 +171,9 @@ Event eventOf(const Document& document, const Component& component, const Compon
   QList<Problem> unread;
   Event event = EventReader(document, {}, problems ? *problems : unread).read(component, nullptr);
   event.calendar = calendar;  // stands in another document
+  event.old = calendar && calendar->old;
+  if (event.old) markMidnights(event);
+  event.bounds = boundsOf(event);
   return event;
 }
 

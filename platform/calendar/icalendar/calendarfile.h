@@ -21,7 +21,8 @@ struct Event {
   std::optional<Span> span;
   bool thisAndFuture = false;
   bool cancelled = false;
-  bool markedAllDay = false;  // by Microsoft's own property
+  bool markedAllDay = false;  // by Microsoft's own property, or as far as version 1.0 can tell
+  bool old = false;           // of a calendar of version 1.0
   QList<QByteArray> rules, exceptionRules;
   QList<Period> moreStarts;
   QList<DateValue> excluded;

@@ -2,6 +2,7 @@
 
 #include "platform/basic/failure.h"
 #include "platform/calendar/icalendar/text.h"
+#include "platform/calendar/icalendar/vcalendar.h"
 
 namespace platform::calendar::icalendar {
 namespace {
@@ -52,7 +53,27 @@ class TimesEditor {
     if (event_.end && event_.span) editor_.remove("DURATION");
   }
 
+  /// The second of two times with one name has a name of its own in UTC only.
+  void placeInUtc(qint64 instant, const Span& length) {
+    if (event_.isSeries() || event_.isOverride())
+      throw Failure(
+          errAccessDenied,
+          QStringLiteral("A series cannot begin in the second of two equal hours, when the clocks have been "
+                         "set back."),
+          QStringLiteral("IcalendarStore"));
+    const QByteArray head = renamed(editor_.first("DTSTART")->head, "DTSTART", dateParameters);
+    editor_.set("DTSTART", head, utcText(instant));
+    TimesEditor(editor_, origin_)
+        .place(instant, {0, timing_.endInstant(timing_.start, length) - timing_.startInstant(timing_.start)});
+  }
+
   void makeAllDay(const QDate& first, int days) {
+    if (event_.old) {  // version 1.0 knows days only as midnights of the one who looks
+      const Zone& viewer = origin_.reader.viewer();
+      const qint64 start = viewer.toInstant(wallOf(first, QTime(0, 0)));
+      const qint64 end = viewer.toInstant(wallOf(first.addDays(days), QTime(0, 0)));
+      return place(timing_.zone.toWall(start), {0, end - start});
+    }
     editor_.set("DTSTART", renamed(editor_.first("DTSTART")->head, "DTSTART;VALUE=DATE", dateParameters),
                 dateText(first));
     setEnd("DTEND;VALUE=DATE", dateText(first.addDays(days)));
@@ -64,6 +85,15 @@ class TimesEditor {
   /// calendar may have a zone of its own for such times; what counts is that it begins at the moment that was
   /// asked for.
   void makeTimed(qint64 instant, const Span& length) {
+    const bool wholeDays = (length.days * dayMs + length.exactMs) % dayMs == 0 &&
+                           (length.days > 0 || length.exactMs > 0) &&
+                           timeOfWall(origin_.reader.viewer().toWall(instant)) == QTime(0, 0);
+    if (event_.old && wholeDays)
+      throw Failure(
+          errAccessDenied,
+          QStringLiteral("In a calendar of the old format (vCalendar 1.0) an appointment from midnight "
+                         "to midnight is always one of whole days."),
+          QStringLiteral("IcalendarStore"));
     if (event_.start->form != Form::Date) {
       mark("FALSE");
       Timing timed = timing_;
@@ -164,15 +194,21 @@ void applyTimes(ComponentEditor& editor, const Change& change, const Origin& ori
       times.makeAllDay(first, days);
   } else if (now.allDay) {
     times.makeTimed(instant, length);
+  } else if (change.start && now.zone.toInstant(now.zone.toWall(instant)) != instant) {
+    times.placeInUtc(instant, length);
   } else {
     times.place(change.start ? now.zone.toWall(instant) : now.start, length);
   }
 }
 
-void setText(ComponentEditor& editor, const char* name, const QString& text,
+void setText(ComponentEditor& editor, const char* name, const QString& text, bool old,
              const QByteArrayList& without = {}) {
   const auto present = editor.first(name);
   if (!present && text.isEmpty()) return;
+  if (old) {
+    const OldLine line = oldLine(present ? present->head : QByteArray(name), text);
+    return editor.set(name, line.head, line.value);
+  }
   QByteArrayList outdated{"ENCODING", "CHARSET"};
   outdated += without;
   editor.set(name, present ? renamed(present->head, name, outdated) : QByteArray(name), toText(text));
@@ -184,19 +220,29 @@ void setOrRemove(ComponentEditor& editor, const char* name, const QByteArray& va
   editor.set(name, present ? present->head : QByteArray(name), value);
 }
 
-void applyCategories(ComponentEditor& editor, const Change& change, const Item& now) {
+void setCategories(ComponentEditor& editor, const QStringList& names, bool old) {
+  if (!old) return setOrRemove(editor, "CATEGORIES", toTextList(names));
+  if (names.isEmpty()) return editor.remove("CATEGORIES");
+  const auto present = editor.first("CATEGORIES");
+  const OldLine line = oldListLine(present ? present->head : QByteArray("CATEGORIES"), names);
+  editor.set("CATEGORIES", line.head, line.value);
+}
+
+void applyCategories(ComponentEditor& editor, const Change& change, const Item& now, bool old) {
   if (!change.categories && !change.categoriesText) return;
   const QString text = change.categoriesText.value_or(QString());
   const QStringList names =
       change.categories ? *change.categories : categoryPieces(text, leadingSeparator(text));
-  if (names != now.categories) setOrRemove(editor, "CATEGORIES", toTextList(names));
+  if (names != now.categories) setCategories(editor, names, old);
   setOrRemove(editor, "X-HOURBOOK-CATEGORIES", change.categoriesText ? toText(text) : QByteArray());
 }
 
-void applyTexts(ComponentEditor& editor, const Change& change, const Item& now) {
-  if (change.subject && *change.subject != now.subject) setText(editor, "SUMMARY", *change.subject);
+void applyTexts(ComponentEditor& editor, const Change& change, const Item& now, bool old) {
+  if (change.subject && *change.subject != now.subject) setText(editor, "SUMMARY", *change.subject, old);
   if (change.body && *change.body != now.body) {
-    setText(editor, "DESCRIPTION", *change.body, {"ALTREP"});
+    // there a text's last line ends like the others
+    const QString body = old && !change.body->isEmpty() ? *change.body + u'\n' : *change.body;
+    setText(editor, "DESCRIPTION", body, old, {"ALTREP"});
     editor.remove("X-ALT-DESC");  // the same text as a page: it would go on showing the old one
   }
   if (change.sensitivity && *change.sensitivity != now.sensitivity) {
@@ -232,10 +278,11 @@ void stamp(ComponentEditor& editor, const QDateTime& now) {
 void applyChange(ComponentEditor& editor, const Change& change, const Origin& origin, const QDateTime& now) {
   const QByteArray before = editor.bytes();
   Item present;
-  readTexts(editor.document(), editor.component(), present);
+  const bool old = origin.calendar && origin.calendar->old;
+  readTexts(editor.document(), editor.component(), present, old);
   applyTimes(editor, change, origin);
-  applyTexts(editor, change, present);
-  applyCategories(editor, change, present);
+  applyTexts(editor, change, present, old);
+  applyCategories(editor, change, present, old);
   applyUserProperties(editor, change, present);
   if (editor.bytes() != before) stamp(editor, now);
 }
@@ -244,7 +291,8 @@ QByteArray overrideOf(const Occurrence& occurrence, const EventRef& master, Read
   const EventRef& from = occurrence.from;
   ComponentEditor editor(wholeLines(from.file->document, *from.event->component));
   editor.closeIfOpen();
-  for (const char* rule : {"RRULE", "RDATE", "EXDATE", "EXRULE"}) editor.remove(rule);
+  for (const char* rule : {"RRULE", "RDATE", "EXDATE", "EXRULE", "X-MICROSOFT-RRULE", "X-MICROSOFT-EXDATE"})
+    editor.remove(rule);
   const Origin origin{*from.file, from.event->calendar, reader};
   TimesEditor(editor, origin).place(occurrence.start, occurrence.length);
   const Timing timing = reader.timingOf(*master.file, *master.event);

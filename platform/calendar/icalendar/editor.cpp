@@ -31,6 +31,15 @@ QByteArray brokenEnd(const Document& document, const Component& component) {
   return document.bytes.mid(end, component.end - end);
 }
 
+/// A property as it is written; one that is longer with its folds would not be read again.
+QByteArray foldedWithinBounds(const QByteArray& line, const QByteArray& lineEnd) {
+  const QByteArray written = folded(line, lineEnd);
+  if (written.size() > maxPropertyBytes)
+    throw Failure(errStoreBroken, QStringLiteral("The text is longer than %1 bytes.").arg(maxPropertyBytes),
+                  QStringLiteral("IcalendarStore"));
+  return written;
+}
+
 }  // namespace
 
 QByteArray wholeLines(const Document& document, const Component& component) {
@@ -75,12 +84,8 @@ void ComponentEditor::set(const char* name, const QByteArray& head, const QByteA
   const Line* line = find(name);
   const QByteArray wanted = head + ':' + value;
   if (!line) return append(head, value);
-  if (unfolded(document_.raw(*line), document_.bareCr) != wanted) {
-    if (wanted.size() > maxPropertyBytes)
-      throw Failure(errStoreBroken, QStringLiteral("The text is longer than %1 bytes.").arg(maxPropertyBytes),
-                    QStringLiteral("IcalendarStore"));
-    replace(line->offset, line->length, folded(wanted, lineEnd()));
-  }
+  if (unfolded(document_.raw(*line), document_.bareCr) != wanted)
+    replace(line->offset, line->length, foldedWithinBounds(wanted, lineEnd()));
   bool isFirst = true;
   removeIf(name, [&](const Property&) { return !std::exchange(isFirst, false); });
 }
@@ -102,16 +107,13 @@ void ComponentEditor::removeIf(const char* name, const std::function<bool(const 
 void ComponentEditor::insertAfter(const char* name, const QByteArray& head, const QByteArray& value) {
   const Line* line = find(name);
   if (!line) return append(head, value);
-  replace(line->offset + line->length, 0, folded(head + ':' + value, lineEnd()));
+  replace(line->offset + line->length, 0, foldedWithinBounds(head + ':' + value, lineEnd()));
 }
 
 void ComponentEditor::append(const QByteArray& head, const QByteArray& value) {
-  const QByteArray line = head + ':' + value;
-  if (line.size() > maxPropertyBytes)
-    throw Failure(errStoreBroken, QStringLiteral("The text is longer than %1 bytes.").arg(maxPropertyBytes),
-                  QStringLiteral("IcalendarStore"));
+  const QByteArray line = foldedWithinBounds(head + ':' + value, lineEnd());
   const int at = component().children.empty() ? component().bodyEnd : component().children.front().offset;
-  replace(at, 0, folded(line, lineEnd()));
+  replace(at, 0, line);
 }
 
 void ComponentEditor::closeIfOpen() {

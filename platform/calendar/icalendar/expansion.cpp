@@ -1,6 +1,7 @@
 #include "platform/calendar/icalendar/expansion.h"
 
 #include "platform/calendar/icalendar/text.h"
+#include "platform/calendar/icalendar/vcalendar.h"
 
 #include <QSet>
 
@@ -25,8 +26,10 @@ Sensitivity sensitivityOf(const QByteArray& value) {
   return Sensitivity::Normal;
 }
 
-QString bodyText(const QByteArray& value) {
-  QString text = fromText(value);
+QString bodyText(const Property& property, bool old) {
+  QString text = textOf(property, old);
+  // in quoted-printable the last line ends like the others; that line break belongs to the form
+  if (old && text.endsWith(u'\n') && !property.value.isEmpty()) text.chop(1);
   if (text.count(u'\n') == text.size()) text.clear();  // Exchange writes an empty body as one line break
   return text.replace(u"\n"_qs, u"\r\n"_qs);
 }
@@ -41,19 +44,26 @@ bool saysTheSame(const QString& text, const QStringList& categories) {
 
 }  // namespace
 
-void readTexts(const Document& document, const Component& component, Item& item) {
+QString textOf(const Property& property, bool old) {
+  if (old) return oldText(property);
+  const bool encoded = property.head.contains(';') && isQuotedPrintable(property.head + ':');
+  return encoded ? encodedText(property) : fromText(property.value);
+}
+
+void readTexts(const Document& document, const Component& component, Item& item, bool old) {
   std::optional<QString> ownText;
   bool hasSubject = false, hasBody = false;
   for (const Line& line : component.lines) {
     const auto is = [&](const char* name) { return document.is(line, name); };
     if (is("SUMMARY") && !hasSubject) {
-      item.subject = fromText(parsed(document, line).value).replace(u'\n', u' ');
+      item.subject = textOf(parsed(document, line), old).replace(u'\n', u' ');
       hasSubject = true;
     } else if (is("DESCRIPTION") && !hasBody) {
-      item.body = bodyText(parsed(document, line).value);
+      item.body = bodyText(parsed(document, line), old);
       hasBody = true;
     } else if (is("CATEGORIES")) {
-      item.categories += fromTextList(parsed(document, line).value);
+      item.categories +=
+          old ? oldTextList(parsed(document, line)) : fromTextList(parsed(document, line).value);
     } else if (is("X-HOURBOOK-CATEGORIES")) {
       ownText = fromText(parsed(document, line).value).replace(u"\n"_qs, u"\r\n"_qs);
     } else if (is("X-HOURBOOK-BILLINGINFORMATION")) {
@@ -157,6 +167,10 @@ Expansion::Starts Expansion::startsOf(const EventRef& master, const Timing& timi
     if (period.end)
       starts.lengths[wall] = {0, qMax<qint64>(0, reader_.instantOf(*master.file, event, *period.end) -
                                                      reader_.instantOf(*master.file, event, period.start))};
+    const auto length = starts.lengths.find(wall);
+    if (timing.allDay && length != starts.lengths.end())  // days are whole
+      length->second = {
+          qMax(1, length->second.days + static_cast<int>((length->second.exactMs + dayMs - 1) / dayMs)), 0};
   }
   for (const QByteArray& text : event.exceptionRules)
     if (const auto rule = ruleOf(text, &why)) apply(*rule, master, timing, from, to, starts, true);
@@ -175,7 +189,8 @@ void Expansion::removeExcluded(const EventRef& master, const Timing& timing, Sta
     }
     const qint64 wall = reader_.wallOn(timing, *master.file, *master.event, value);
     starts.walls.erase(wall);
-    if (value.form == DateValue::Form::Utc) starts.walls.erase(timing.shownAs(wall));
+    if (value.form != DateValue::Form::Utc) continue;
+    for (const qint64 name : timing.namesOf(wall)) starts.walls.erase(name);
   }
 }
 
@@ -196,6 +211,8 @@ QList<Occurrence> Expansion::occurrences(const Group& group, const EventRef& mas
     if (!owner || (owner->file->name != master.file->name && owner->event != master.event)) continue;
     const qint64 id = reader_.wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
     replaced.insert(id);
+    if (override.event->recurrenceId->form == DateValue::Form::Utc)
+      for (const qint64 name : timing.namesOf(id)) replaced.insert(name);
     if (!override.event->thisAndFuture || !override.event->start) continue;
     futures.append({id, override, reader_.timingOf(*override.file, *override.event)});
     widest = qMax(widest, qAbs(futures.last().timing.start - id));
@@ -232,7 +249,7 @@ std::optional<Occurrence> Expansion::occurrence(const Group& group, const EventR
 
 Item Expansion::itemOf(const EventRef& ref, Kind kind, const QString& recurrenceId) {
   Item item;
-  readTexts(ref.file->document, *ref.event->component, item);
+  readTexts(ref.file->document, *ref.event->component, item, ref.event->old);
   item.key = {ref.event->place, ref.event->uid, recurrenceId};
   item.tag = ref.file->tag(*ref.event);
   item.kind = kind;

@@ -65,7 +65,10 @@ class Expansion {
   Item texts_;
 };
 
+/// A text's value, decoded where it says that it is encoded. `old`: of a calendar of version 1.0.
+QString textOf(const Property& property, bool old = false);
+
 /// The texts of an event, without its times and identity.
-void readTexts(const Document& document, const Component& component, Item& item);
+void readTexts(const Document& document, const Component& component, Item& item, bool old = false);
 
 }  // namespace platform::calendar::icalendar

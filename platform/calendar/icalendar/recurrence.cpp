@@ -1,5 +1,7 @@
 #include "platform/calendar/icalendar/recurrence.h"
 
+#include "platform/calendar/icalendar/vcalendar.h"
+
 #include <algorithm>
 
 namespace platform::calendar::icalendar {
@@ -113,7 +115,8 @@ bool contradicts(const Rule& rule) {
 std::optional<Rule> ruleOf(const QByteArray& text, QString* why) {
   Rule rule;
   bool hasFrequency = false;
-  for (const QByteArray& part : text.toUpper().replace('\\', "").split(';')) {
+  const QByteArray old = text.contains('=') ? QByteArray() : ruleFromOld(text);
+  for (const QByteArray& part : (old.isEmpty() ? text : old).toUpper().replace('\\', "").split(';')) {
     const qsizetype equals = part.indexOf('=');
     if (part.trimmed().isEmpty()) continue;
     const QByteArray key = part.left(qMax<qsizetype>(equals, 0)).trimmed();

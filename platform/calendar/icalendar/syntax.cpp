@@ -48,7 +48,17 @@ class Scanner {
     const char* data = document_.bytes.constData();
     int contentEnd = end;
     while (contentEnd > begin && (data[contentEnd - 1] == '\n' || data[contentEnd - 1] == '\r')) --contentEnd;
-    if (contentEnd == begin) return;  // an empty line says nothing, wherever it stands
+    if (contentEnd == begin) {  // an empty line says nothing, wherever it stands
+      softBreak_ = false;
+      return;
+    }
+    const bool goesOn = softBreak_ && pending_.length > 0;
+    softBreak_ = data[contentEnd - 1] == '=' &&
+                 isQuotedPrintable(QByteArrayView(data, end).sliced(goesOn ? pending_.offset : begin));
+    if (goesOn) {
+      pending_.length = end - pending_.offset;
+      return;
+    }
     const char first = data[begin];
     const bool folded = first == ' ' || first == '\t';
     // some programs break the line ahead of the value's colon and forget the blank
@@ -90,6 +100,8 @@ class Scanner {
     if (document_.is(line, "BEGIN")) return begin(line);
     if (document_.is(line, "END")) return end(line);
     if (!open_.empty()) {
+      if (document_.is(line, "VERSION") && open_.back().name == "VCALENDAR")
+        open_.back().old = parsed(document_, line).value.trimmed() == "1.0";
       open_.back().lines.push_back(line);
     } else if (length > 0) {
       complain(line.number, QStringLiteral("This line stands outside of a calendar and was left out."));
@@ -161,6 +173,7 @@ class Scanner {
   QString place_;
   std::vector<Component> open_;
   Line pending_;
+  bool softBreak_ = false;
   int number_ = 0;
   int dropped_ = 0;
 };
@@ -187,6 +200,12 @@ Document scan(QByteArray bytes, const QString& place) {
   return document;
 }
 
+bool isQuotedPrintable(QByteArrayView line) {
+  const qsizetype colon = line.indexOf(':');
+  const QByteArrayView head = line.first(colon < 0 ? 0 : qMin<qsizetype>(colon, maxHeadBytes));
+  return head.contains(';') && head.toByteArray().toUpper().contains("QUOTED-PRINTABLE");
+}
+
 QByteArray unfolded(QByteArrayView raw, bool bareCr) {
   qsizetype end = raw.size();
   while (end > 0 && (raw[end - 1] == '\n' || raw[end - 1] == '\r')) --end;
@@ -205,6 +224,10 @@ QByteArray unfolded(QByteArrayView raw, bool bareCr) {
     i = bareCr ? i + 1 : next + 1;
     const bool another =
         i < end && (raw[i] == '\r' || raw[i] == '\n');  // an empty line in the midst of a fold
+    if (result.endsWith('=') && isQuotedPrintable(raw)) {
+      result.chop(1);
+      continue;  // blanks at the beginning of the next line are its own
+    }
     if (!another && i < end && (raw[i] == ' ' || raw[i] == '\t')) ++i;
   }
   return result;

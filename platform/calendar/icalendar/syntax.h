@@ -11,6 +11,7 @@
 namespace platform::calendar::icalendar {
 
 inline constexpr int maxPropertyBytes = 1024 * 1024;  // a longer property is left out and named
+inline constexpr int maxHeadBytes = 4096;             // among which an encoding is looked for
 inline constexpr int maxDepth = 64;                   // of components within components
 inline constexpr int maxProblemsPerFile = 200;        // the rest is counted in one last entry
 
@@ -29,6 +30,7 @@ struct Component {
   int end = 0;          // behind the END line
   int line = 0;         // of the BEGIN line, from 1
   bool closed = false;  // has its END
+  bool old = false;     // a calendar of version 1.0
   std::vector<Line> lines;
   std::vector<Component> children;
 };
@@ -50,6 +52,10 @@ struct Document {
 
 /// Reads whatever can be read; `place` names the file in the problems.
 Document scan(QByteArray bytes, const QString& place);
+
+/// Whether a property's value stands in quoted-printable, where a "=" at the end of a line goes on with the
+/// next.
+bool isQuotedPrintable(QByteArrayView line);
 
 /// The bytes of a property on one line: without folds and line end. `bareCr` as its document has it: whether
 /// the last line of a file has its line end must not change what a CR within it means.

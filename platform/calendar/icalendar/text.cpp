@@ -1,5 +1,7 @@
 #include "platform/calendar/icalendar/text.h"
 
+#include "platform/calendar/icalendar/syntax.h"
+
 #include <QStringDecoder>
 
 namespace platform::calendar::icalendar {
@@ -116,7 +118,28 @@ QByteArray toParameter(const QString& value) {
   return '"' + text.toUtf8() + '"';
 }
 
+namespace {
+
+/// With soft breaks, none of which parts an escape or leaves a blank at the end of its line.
+QByteArray softBroken(const QByteArray& logicalLine, const QByteArray& lineEnd) {
+  QByteArray result;
+  qsizetype at = 0;
+  while (logicalLine.size() - at > foldAt) {
+    qsizetype end = at + foldAt - 1;
+    if (logicalLine[end - 1] == '=')
+      end -= 1;
+    else if (logicalLine[end - 2] == '=')
+      end -= 2;
+    result.append(logicalLine.mid(at, end - at)).append('=').append(lineEnd);
+    at = end;
+  }
+  return result.append(logicalLine.mid(at)).append(lineEnd);
+}
+
+}  // namespace
+
 QByteArray folded(const QByteArray& logicalLine, const QByteArray& lineEnd) {
+  if (isQuotedPrintable(logicalLine)) return softBroken(logicalLine, lineEnd);
   QByteArray result;
   qsizetype at = 0;
   bool first = true;

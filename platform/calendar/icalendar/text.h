@@ -20,7 +20,8 @@ QByteArray toTextList(const QStringList& names);
 QString fromParameter(const QByteArray& value);
 QByteArray toParameter(const QString& value);
 
-/// A property on lines of at most 75 bytes, each with `lineEnd`; no character is cut in two.
+/// A property on lines of at most 75 bytes, each with `lineEnd`; no character is cut in two. One in
+/// quoted-printable gets soft breaks.
 QByteArray folded(const QByteArray& logicalLine, const QByteArray& lineEnd);
 
 /// The names of a categories text, whatever list separator joins them: semicolon, comma, or the sign that it

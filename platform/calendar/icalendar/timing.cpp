@@ -28,6 +28,14 @@ qint64 Timing::endInstant(qint64 wall, const Span& span) const {
   return zone.toInstant(wall + span.days * dayMs) + span.exactMs;
 }
 
+QList<qint64> Timing::namesOf(qint64 wall) const {
+  const qint64 instant = startInstant(wall), shown = shownAs(wall);
+  QList<qint64> names{wall};
+  for (const qint64 skipped : {qint64(0), hourMs / 2, hourMs, dayMs})  // what clocks are known to skip
+    if (shown - skipped != wall && startInstant(shown - skipped) == instant) names.append(shown - skipped);
+  return names;
+}
+
 Zone Reader::zoneOf(const CalendarFile& file, const Event& event, const DateValue& value, bool* unknown) {
   if (value.form == Form::Utc) return Zone(QTimeZone::utc());
   if (value.form == Form::Zoned) {
@@ -45,7 +53,7 @@ Zone Reader::zoneOf(const CalendarFile& file, const Event& event, const DateValu
               book_.find(file.document, file.zones.get(), event.calendar, decoded(zone->value).trimmed()))
         return *known;
   }
-  return viewer_;
+  return event.old ? homeZone(file, event) : viewer_;
 }
 
 QString Reader::whyUnknown(const QString& tzid) const {
@@ -63,6 +71,7 @@ qint64 Reader::instantOf(const CalendarFile& file, const Event& event, const Dat
 
 Zone Reader::homeZone(const CalendarFile& file, const Event& event) {
   if (!event.calendar) return viewer_;
+  if (event.old) return Zone::ofOldCalendar(file.document, *event.calendar, viewer_).value_or(viewer_);
   const auto named = [&](const Property& property) {
     return book_.find(file.document, file.zones.get(), event.calendar, fromText(property.value).trimmed());
   };

@@ -22,6 +22,8 @@ struct Timing {
   /// The reading that the clocks show at that occurrence: another one where they skip its own. A series that
   /// has both would show the same moment twice.
   qint64 shownAs(qint64 wall) const { return (allDay ? viewer : zone).toWall(startInstant(wall)); }
+  /// All readings that stand for the same moment as that one.
+  QList<qint64> namesOf(qint64 wall) const;
 };
 
 class Reader {

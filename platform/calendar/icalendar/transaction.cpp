@@ -18,32 +18,34 @@ Query lookingFrom(const QTimeZone& zone) {
   return query;
 }
 
-QString fileNameOf(const QString& place) {
+/// A folder's files end with ".ics", so a number behind that is none of the name. A calendar in one file may
+/// be named as its user likes, also "x#2".
+template <class Source>
+QString fileNameOf(const Source& source, const QString& place) {
   static const QRegularExpression number(u"#\\d+$"_qs);
-  return QString(place).remove(number);
+  return source.isFolder() ? QString(place).remove(number) : QFileInfo(source.pathOf({})).fileName();
 }
 
-struct Replacement {
-  int offset = 0;
-  int length = 0;
-  QByteArray with;
-};
-
-/// The bytes of a file with some stretches replaced, everything else as it is.
-QByteArray spliced(const QByteArray& bytes, QList<Replacement> replacements) {
-  std::sort(replacements.begin(), replacements.end(),
-            [](const Replacement& a, const Replacement& b) { return a.offset > b.offset; });
-  QByteArray result = bytes;
-  for (const Replacement& one : std::as_const(replacements)) {
-    QByteArray with = one.with;
-    if (one.length == 0 && !isLineStart(bytes, one.offset)) with.prepend(lineEndOf(bytes));
-    result.replace(one.offset, one.length, with);
-  }
-  return result;
+bool isIn(const Snapshot& snapshot, const EventRef& ref) {
+  return ref.file->name == snapshot.name;
 }
 
-Replacement replacing(const Document& document, const Component& component, const QByteArray& with) {
-  return {component.offset, component.end - component.offset, asItEnded(document, component, with)};
+/// An event's lines are replaced by others.
+files::Splice replacing(const EventRef& ref, const QByteArray& with) {
+  const Document& document = ref.file->document;
+  const Component& component = *ref.event->component;
+  return {ref.file->base + component.offset, document.raw(component).toByteArray(),
+          asItEnded(document, component, with)};
+}
+
+/// A component that is to begin on a line of its own.
+QByteArray beginningALine(const Document& document, qsizetype offset, const QByteArray& component) {
+  return isLineStart(document.bytes, offset) ? component : lineEndOf(document.bytes) + component;
+}
+
+files::Splice behind(const EventRef& ref, const QByteArray& component) {
+  const int end = ref.event->component->end;
+  return {ref.file->base + end, {}, beginningALine(ref.file->document, end, component)};
 }
 
 /// Whatever is neither the calendar around its entries nor a definition of a zone is something that somebody
@@ -55,92 +57,100 @@ bool holdsEntries(const std::vector<Component>& components) {
   });
 }
 
-const Component* lastCalendar(const Document& document) {
-  const Component* last = nullptr;
-  for (const Component& component : document.components)
-    if (component.name == "VCALENDAR") last = &component;
-  return last;
+/// A rule goes along with a new start where it leaves to it all that changes. The last day, the weekday, the
+/// hour that it names would stay where they are.
+bool mayMove(const Event& event, Reader& reader, const CalendarFile& file, const QDateTime& start) {
+  const Timing timing = reader.timingOf(file, event);
+  const Zone& zone = timing.allDay ? timing.viewer : timing.zone;
+  const qint64 wall = zone.toWall(start.toMSecsSinceEpoch());
+  const bool sameDay = dateOfWall(wall) == dateOfWall(timing.start);
+  if (sameDay && (timing.allDay || wall == timing.start)) return true;
+  return std::all_of(event.rules.begin(), event.rules.end(), [&](const QByteArray& text) {
+    QString why;
+    const auto rule = ruleOf(text, &why);
+    if (!rule) return true;
+    const bool namesDays = !rule->byDay.isEmpty() || !rule->byMonth.isEmpty() ||
+                           !rule->byMonthDay.isEmpty() || !rule->byYearDay.isEmpty() ||
+                           !rule->byWeekNo.isEmpty();
+    const bool namesTimes = !rule->byHour.isEmpty() || !rule->byMinute.isEmpty() || !rule->bySecond.isEmpty();
+    const bool endsAtDate = !rule->until || rule->until->form == DateValue::Form::Date || timing.allDay;
+    return !namesTimes && endsAtDate && (sameDay || (!namesDays && !rule->until));
+  });
 }
 
 QString titleOf(const CalendarFile& file, const Event& event) {
   Item item;
-  readTexts(file.document, *event.component, item);
+  readTexts(file.document, *event.component, item, event.old);
   return item.subject.isEmpty() ? event.uid : item.subject;
 }
 
 }  // namespace
 
-Transaction::Transaction(FileCache& cache, ZoneBook& book, QString label, const QTimeZone& zone)
-    : cache_(cache),
+Transaction::Transaction(EventSource& source, Writer& writer, ZoneBook& book, QString label,
+                         const QTimeZone& zone)
+    : Transaction(source, writer, book, std::move(label),
+                  Step{{}, {}, {}, {}, zone, basic::Clock::current().now()}) {}
+
+Transaction::Transaction(EventSource& source, Writer& writer, ZoneBook& book, QString label, const Step& step)
+    : source_(source),
+      writer_(writer),
       label_(std::move(label)),
-      zone_(zone),
-      now_(basic::Clock::current().now()),
-      expansion_(book, lookingFrom(zone), &ignored_) {}
+      zone_(step.zone),
+      now_(step.now),
+      expansion_(book, lookingFrom(step.zone), &ignored_) {}
 
 void Transaction::fail(qint32 number, const QString& text) const {
   throw Failure(number, QStringLiteral("Calendar \"%1\": %2").arg(label_, text),
                 QStringLiteral("IcalendarStore"));
 }
 
-Transaction::Snapshot Transaction::open(const QString& name) const {
-  const QString path = cache_.pathOf(name);
-  const files::ReadResult result = files::readFile(path);
-  if (!result.ok) {
-    const QFileInfo info(path);
-    fail(!info.exists() ? errNotFound : !info.isReadable() ? errAccessDenied : errStoreBroken, result.error);
-  }
-  return {cache_.parsed(name, result.bytes), result.fingerprint};
-}
-
-/// The rename that puts the new content in place would go through even where the file itself is
-/// write-protected.
-void Transaction::refuseProtected(const QString& path) const {
-  constexpr QFile::Permissions anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
-  const QFileInfo info(path);
-  if (info.exists() && (!(info.permissions() & anyWrite) || !info.isWritable()))
-    fail(errAccessDenied, QStringLiteral("\"%1\" is write-protected.").arg(path));
-  const QFileInfo folder(info.absolutePath());
-  if (folder.exists() && (!(folder.permissions() & anyWrite) || !folder.isWritable()))
-    fail(errAccessDenied,
-         QStringLiteral("nothing can be written in the folder \"%1\".").arg(folder.filePath()));
-}
-
-void Transaction::write(const QString& name, const Snapshot& snapshot, const QByteArray& bytes,
-                        bool* again) const {
-  const QString path = cache_.pathOf(name);
-  refuseProtected(path);
-  cache_.sweep();
-  const bool nothingLeft = cache_.isFolder() && bytes.isEmpty();
-  const files::WriteResult result = nothingLeft ? files::removeFile(path, snapshot.fingerprint)
-                                                : files::replaceFile(path, bytes, snapshot.fingerprint);
-  *again = result.outcome == files::Outcome::ChangedMeanwhile;
-  if (result.outcome == files::Outcome::Failed) fail(errStoreBroken, result.error);
-}
-
-void Transaction::rewrite(const QString& name, const Edit& edit) {
+void Transaction::rewrite(const QString& name, const QString& uid, const Step& step, const Edit& edit) {
   for (int attempt = 0; attempt < maxAttempts; ++attempt) {
-    const Snapshot snapshot = open(name);
-    const std::optional<QByteArray> bytes = edit(snapshot);
-    if (!bytes || *bytes == snapshot.file->document.bytes) return;
-    bool again = false;
-    write(name, snapshot, *bytes, &again);
-    cache_.written(name, {}, {});
-    if (!again) return;
+    const Snapshot snapshot = source_.snapshot(name, uid);
+    Splices splices = edit(snapshot);
+    splices.removeIf([](const files::Splice& splice) { return splice.was == splice.with; });
+    if (splices.isEmpty() || put(snapshot, uid, splices, step)) return;
   }
   fail(errChangedMeanwhile,
        QStringLiteral("another program keeps changing \"%1\", so the change was not stored.")
-           .arg(cache_.pathOf(name)));
+           .arg(source_.pathOf(name)));
+}
+
+bool Transaction::put(const Snapshot& snapshot, const QString& uid, const Splices& splices,
+                      const Step& step) {
+  if (step.kind == Step::Kind::Remove && source_.isFolder() && nothingLeft(snapshot, splices))
+    return writer_.remove(snapshot);
+  return writer_.put(snapshot, uid, splices, step);
+}
+
+/// Whether a file of a folder holds nothing that somebody keeps once these stretches are gone.
+bool Transaction::nothingLeft(const Snapshot& snapshot, const Splices& splices) const {
+  QByteArray bytes;
+  if (snapshot.whole) {
+    bytes = snapshot.whole->document.bytes;
+  } else {
+    const files::ReadResult read = files::readFile(source_.pathOf(snapshot.name));
+    const bool same = read.ok && read.fingerprint.size == snapshot.fingerprint.size &&
+                      read.fingerprint.mtimeNs == snapshot.fingerprint.mtimeNs;
+    if (!same) return false;  // the writing finds out
+    bytes = read.bytes;
+  }
+  Splices backwards = splices;
+  std::sort(backwards.begin(), backwards.end(),
+            [](const files::Splice& a, const files::Splice& b) { return a.offset > b.offset; });
+  for (const files::Splice& splice : std::as_const(backwards))
+    bytes.replace(splice.offset, splice.was.size(), splice.with);
+  return !holdsEntries(scan(bytes, {}).components);
 }
 
 /// The events of one UID in the whole folder, those of the file as they are at this moment.
 Group Transaction::groupOf(const Snapshot& snapshot, const QString& uid) {
-  Group group = cache_.withUid(uid);
-  const auto old = [&](const EventRef& ref) { return ref.file->name == snapshot.file->name; };
+  Group group = source_.withUid(uid);
+  const auto old = [&](const EventRef& ref) { return isIn(snapshot, ref); };
   group.masters.removeIf(old);
   group.overrides.removeIf(old);
-  for (const Event& event : snapshot.file->events)
-    if (event.uid == uid)
-      (event.isOverride() ? group.overrides : group.masters).append({snapshot.file, &event});
+  for (const EventRef& ref : snapshot.events)
+    (ref.event->isOverride() ? group.overrides : group.masters).append(ref);
   return group;
 }
 
@@ -160,13 +170,13 @@ Transaction::Target Transaction::choose(const QList<Target>& candidates, const I
   const EventRef& present = candidates.first().event;
   fail(errChangedMeanwhile,
        QStringLiteral("another program has changed \"%1\" in \"%2\" meanwhile.")
-           .arg(titleOf(*present.file, *present.event), cache_.pathOf(present.file->name)));
+           .arg(titleOf(*present.file, *present.event), source_.pathOf(present.file->name)));
 }
 
 Transaction::Target Transaction::find(const Snapshot& snapshot, const Group& group, const ItemKey& key,
                                       const QString& tag) {
   QList<Target> candidates;
-  const auto here = [&](const EventRef& ref) { return ref.file == snapshot.file; };
+  const auto here = [&](const EventRef& ref) { return isIn(snapshot, ref); };
   if (key.recurrenceId.isEmpty()) {
     for (const EventRef& master : group.masters)
       if (here(master)) candidates.append({master, std::nullopt});
@@ -182,177 +192,191 @@ Transaction::Target Transaction::find(const Snapshot& snapshot, const Group& gro
   }
   if (candidates.isEmpty())
     fail(errNotFound, QStringLiteral("the item \"%1\" is no longer in \"%2\".")
-                          .arg(key.uid, cache_.pathOf(snapshot.file->name)));
+                          .arg(key.uid, source_.pathOf(snapshot.name)));
   return choose(candidates, key, tag);
 }
 
-QByteArray Transaction::saved(const Snapshot& snapshot, const Group& group, const Target& target,
-                              const Change& change) {
+Transaction::Splices Transaction::saved(const Group& group, const Target& target, const Change& change) {
   Reader& reader = expansion_.reader();
-  const QByteArray& bytes = snapshot.file->document.bytes;
-  const Component& component = *target.event.event->component;
-  const EventRef& from = target.occurrence ? target.occurrence->from : target.event;
+  const EventRef& event = target.event;
+  const Component& component = *event.event->component;
+  const EventRef& from = target.occurrence ? target.occurrence->from : event;
   const Origin origin{*from.file, from.event->calendar, reader};
-  if (target.event.event->isSeries() && !target.occurrence && change.start &&
-      (!group.overrides.isEmpty() || !target.event.event->excluded.isEmpty() ||
-       !target.event.event->moreStarts.isEmpty()))
+  if (event.event->isSeries() && !target.occurrence && change.start &&
+      (!group.overrides.isEmpty() || !event.event->excluded.isEmpty() || !event.event->moreStarts.isEmpty()))
     fail(errAccessDenied, QStringLiteral("the start of a series with exceptions cannot be changed."));
-  ComponentEditor editor(target.occurrence ? overrideOf(*target.occurrence, target.event, reader)
-                                           : wholeLines(snapshot.file->document, component));
+  if (event.event->isSeries() && !target.occurrence && change.start &&
+      !mayMove(*event.event, reader, *event.file, *change.start))
+    fail(errAccessDenied,
+         QStringLiteral("the start of a series whose rule names its days, its hours or its last "
+                        "day cannot be changed."));
+  ComponentEditor editor(target.occurrence ? overrideOf(*target.occurrence, event, reader)
+                                           : wholeLines(event.file->document, component));
   const QByteArray before = editor.bytes();
+  const QString path = source_.pathOf(event.file->name);
   try {
     applyChange(editor, change, origin, now_);
   } catch (const Failure& failure) {
     fail(failure.number(), QStringLiteral("\"%1\" in \"%2\": %3")
-                               .arg(titleOf(*from.file, *from.event), cache_.pathOf(snapshot.file->name),
-                                    failure.description()));
+                               .arg(titleOf(*from.file, *from.event), path, failure.description()));
   }
-  if (editor.bytes() == before) return bytes;
+  if (editor.bytes() == before) return {};
   if (!editor.isWhole())
-    fail(errStoreBroken,
-         QStringLiteral("\"%1\" cannot be changed without damage to \"%2\".")
-             .arg(titleOf(*target.event.file, *target.event.event), cache_.pathOf(snapshot.file->name)));
-  writtenTag_ = CalendarFile::tagOf(
-      target.occurrence ? editor.bytes() : asItEnded(snapshot.file->document, component, editor.bytes()));
-  if (target.occurrence) return spliced(bytes, {{component.end, 0, editor.bytes()}});
-  return spliced(bytes, {replacing(snapshot.file->document, component, editor.bytes())});
+    fail(errStoreBroken, QStringLiteral("\"%1\" cannot be changed without damage to \"%2\".")
+                             .arg(titleOf(*event.file, *event.event), path));
+  const files::Splice splice =
+      target.occurrence ? behind(event, editor.bytes()) : replacing(event, editor.bytes());
+  writtenTag_ = CalendarFile::tagOf(target.occurrence ? editor.bytes() : splice.with);
+  return {splice};
 }
 
 Item Transaction::readBack(const QString& name, const QString& uid, const QString& recurrenceId,
                            const QString& place) {
-  cache_.withUid(uid);  // takes in what was written, so that the snapshot finds it there
-  const Snapshot snapshot = open(name);
+  source_.withUid(uid);  // takes in what was written, so that the snapshot finds it there
+  const Snapshot snapshot = source_.snapshot(name, uid);
   const Group group = groupOf(snapshot, uid);
   std::optional<Item> found;
   for (const EventRef& ref : recurrenceId.isEmpty() ? group.masters : group.overrides) {
-    if (ref.file != snapshot.file || (found && ref.event->place != place)) continue;
+    if (!isIn(snapshot, ref) || (found && ref.event->place != place)) continue;
     if (recurrenceId.isEmpty())
       found = expansion_.itemOf(ref, ref.event->isSeries() ? Kind::Master : Kind::Single, {});
     else if (expansion_.overrideId(group, ref) == recurrenceId)
       found = expansion_.itemOf(ref, Kind::Exception, recurrenceId);
   }
   if (found) return *found;
-  for (const Event& event : snapshot.file->events)  // broken, but what was written is there
-    if (snapshot.file->tag(event) == writtenTag_)
-      return expansion_.itemOf({snapshot.file, &event}, event.isOverride() ? Kind::Exception : Kind::Single,
-                               recurrenceId);
+  if (snapshot.whole)
+    for (const Event& event : snapshot.whole->events)  // broken, but what was written is there
+      if (snapshot.whole->tag(event) == writtenTag_)
+        return expansion_.itemOf({snapshot.whole, &event},
+                                 event.isOverride() ? Kind::Exception : Kind::Single, recurrenceId);
   for (const EventRef& master : group.masters)
-    if (master.file == snapshot.file)
+    if (isIn(snapshot, master))
       if (const auto occurrence = expansion_.occurrence(group, master, recurrenceId))
         return expansion_.itemOf(*occurrence, *master.event, master.event->place, recurrenceId);
-  fail(errNotFound, QStringLiteral("the item \"%1\" is no longer in \"%2\".").arg(uid, cache_.pathOf(name)));
+  fail(errNotFound, QStringLiteral("the item \"%1\" is no longer in \"%2\".").arg(uid, source_.pathOf(name)));
 }
 
 Item Transaction::save(const ItemKey& key, const QString& tag, const Change& change) {
-  const QString name = fileNameOf(key.place);
-  QString uid = key.uid, place = key.place;
-  rewrite(name, [&](const Snapshot& snapshot) -> std::optional<QByteArray> {
-    const Group group = groupOf(snapshot, uid);
+  const QString name = fileNameOf(source_, key.place);
+  QString place = key.place;
+  rewrite(name, key.uid, {Step::Kind::Save, key, tag, change, zone_, now_}, [&](const Snapshot& snapshot) {
+    const Group group = groupOf(snapshot, key.uid);
     const Target target = find(snapshot, group, key, tag);
     if (target.occurrence && !target.event.event->hasUid)
       fail(errAccessDenied,
            QStringLiteral("one occurrence of \"%1\" cannot be changed, because its series has no UID.")
                .arg(titleOf(*target.event.file, *target.event.event)));
-    uid = target.event.event->uid;
+    if (target.occurrence && target.event.event->old)
+      fail(errAccessDenied,
+           QStringLiteral(
+               "one occurrence of \"%1\" cannot be changed: a calendar of the old format (vCalendar "
+               "1.0) has no place for it. The series can be changed.")
+               .arg(titleOf(*target.event.file, *target.event.event)));
     place = target.event.event->place;
-    return saved(snapshot, group, target, change);
+    return saved(group, target, change);
   });
-  return readBack(name, uid, key.recurrenceId, place);
+  return readBack(name, key.uid, key.recurrenceId, place);
+}
+
+QByteArray Transaction::newEvent(const Change& change, const QString& uid, const QByteArray& lineEnd) {
+  ComponentEditor editor(emptyEvent(uid, now_, lineEnd));
+  const CalendarFile nowhere;
+  applyChange(editor, change, {nowhere, nullptr, expansion_.reader()}, now_);
+  return editor.bytes();
+}
+
+Transaction::Splices Transaction::added(const Snapshot& snapshot, const Change& change, const QString& uid) {
+  const QByteArray event = newEvent(change, uid, snapshot.lineEnd);
+  const QByteArray present = snapshot.whole ? snapshot.whole->document.bytes : QByteArray();
+  if (snapshot.isEmpty) return {{0, present, calendarAround(event, snapshot.lineEnd)}};
+  if (snapshot.newEventAt < 0)
+    fail(errStoreBroken,
+         QStringLiteral("\"%1\" holds no calendar, so nothing is added.").arg(source_.pathOf(snapshot.name)));
+  if (!snapshot.whole) return {{snapshot.newEventAt, {}, event}};
+  const auto& calendars = snapshot.whole->document.components;
+  if (std::any_of(calendars.begin(), calendars.end(), [](const Component& one) { return one.old; }))
+    fail(errAccessDenied,
+         QStringLiteral("\"%1\" is a calendar of the old format (vCalendar 1.0); its items can "
+                        "be changed, but nothing is added.")
+             .arg(source_.pathOf(snapshot.name)));
+  return {{snapshot.newEventAt, {}, beginningALine(snapshot.whole->document, snapshot.newEventAt, event)}};
 }
 
 Item Transaction::create(const Change& change) {
   if (!change.start || !change.start->isValid())
     fail(failure::invalidProcedureCall, QStringLiteral("a new item needs a start."));
   const QString uid = QUuid::createUuid().toString(QUuid::WithoutBraces);
-  const bool folder = cache_.isFolder();
-  const QString name = folder ? uid + u".ics"_qs : QFileInfo(cache_.pathOf({})).fileName();
-  const auto made = [&](const QByteArray& lineEnd) {
-    ComponentEditor editor(emptyEvent(uid, now_, lineEnd));
-    const CalendarFile nowhere;
-    applyChange(editor, change, {nowhere, nullptr, expansion_.reader()}, now_);
-    return editor.bytes();
-  };
-  if (folder) {
-    bool again = false;
-    write(name, {}, calendarAround(made("\r\n"), "\r\n"), &again);
-    if (again) fail(errChangedMeanwhile, QStringLiteral("\"%1\" is there already.").arg(cache_.pathOf(name)));
-    cache_.written(name, {}, {});
-  } else {
-    rewrite(name, [&](const Snapshot& snapshot) -> std::optional<QByteArray> {
-      const Document& document = snapshot.file->document;
-      const QByteArray lineEnd = lineEndOf(document.bytes);
-      if (document.bytes.trimmed().isEmpty()) return calendarAround(made(lineEnd), lineEnd);
-      const Component* calendar = lastCalendar(document);
-      if (!calendar)
-        fail(errStoreBroken,
-             QStringLiteral("\"%1\" holds no calendar, so nothing is added.").arg(cache_.pathOf(name)));
-      return spliced(document.bytes, {{calendar->bodyEnd, 0, made(lineEnd)}});
-    });
-  }
+  const bool folder = source_.isFolder();
+  const QString name = folder ? uid + u".ics"_qs : QFileInfo(source_.pathOf({})).fileName();
+  if (!folder)
+    rewrite(name, uid, {}, [&](const Snapshot& snapshot) { return added(snapshot, change, uid); });
+  else if (!writer_.create(name, calendarAround(newEvent(change, uid, "\r\n"), "\r\n")))
+    fail(errChangedMeanwhile, QStringLiteral("\"%1\" is there already.").arg(source_.pathOf(name)));
   return readBack(name, uid, {}, name);
 }
 
 /// The master of an override that stands in another file learns of the removal there.
 void Transaction::excludeElsewhere(const EventRef& master, qint64 wall) {
   const QString uid = master.event->uid, place = master.event->place;
-  rewrite(master.file->name, [&](const Snapshot& snapshot) -> std::optional<QByteArray> {
+  rewrite(master.file->name, uid, {}, [&](const Snapshot& snapshot) -> Splices {
     const Group group = groupOf(snapshot, uid);
     for (const EventRef& now : group.masters) {
-      if (now.file != snapshot.file || now.event->place != place || !now.event->isSeries()) continue;
+      if (!isIn(snapshot, now) || now.event->place != place || !now.event->isSeries()) continue;
       ComponentEditor editor(wholeLines(now.file->document, *now.event->component));
       excludeOccurrence(editor, now, expansion_.reader().timingOf(*now.file, *now.event), wall, now_);
-      return spliced(snapshot.file->document.bytes,
-                     {replacing(now.file->document, *now.event->component, editor.bytes())});
+      return {replacing(now, editor.bytes())};
     }
-    return std::nullopt;
+    return {};
   });
 }
 
-QByteArray Transaction::withoutOverride(const Snapshot& snapshot, const Group& group,
-                                        const EventRef& override) {
-  QList<Replacement> replacements{replacing(override.file->document, *override.event->component, {})};
-  if (const EventRef* master = expansion_.masterOf(group, override)) {
-    const Timing timing = expansion_.reader().timingOf(*master->file, *master->event);
-    const qint64 wall =
-        expansion_.reader().wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
-    if (master->event->isSeries() && master->file == snapshot.file) {
-      ComponentEditor editor(wholeLines(master->file->document, *master->event->component));
-      excludeOccurrence(editor, *master, timing, wall, now_);
-      replacements.append(replacing(master->file->document, *master->event->component, editor.bytes()));
-    } else if (master->event->isSeries()) {
-      excludeElsewhere(*master, wall);
-    }
+Transaction::Splices Transaction::withoutOverride(const Snapshot& snapshot, const Group& group,
+                                                  const EventRef& override) {
+  if (override.event->thisAndFuture)
+    fail(errAccessDenied,
+         QStringLiteral("\"%1\" cannot be removed by itself: it holds for the later occurrences "
+                        "of its series, too.")
+             .arg(titleOf(*override.file, *override.event)));
+  Splices splices{replacing(override, {})};
+  const EventRef* master = expansion_.masterOf(group, override);
+  if (!master || !master->event->isSeries()) return splices;
+  const Timing timing = expansion_.reader().timingOf(*master->file, *master->event);
+  const qint64 wall =
+      expansion_.reader().wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
+  if (isIn(snapshot, *master)) {
+    ComponentEditor editor(wholeLines(master->file->document, *master->event->component));
+    excludeOccurrence(editor, *master, timing, wall, now_);
+    splices.append(replacing(*master, editor.bytes()));
+  } else {
+    excludeElsewhere(*master, wall);
   }
-  return spliced(snapshot.file->document.bytes, replacements);
+  return splices;
 }
 
-QByteArray Transaction::withoutItem(const Snapshot& snapshot, const Group& group, const Target& target) {
-  const QByteArray& bytes = snapshot.file->document.bytes;
-  const Component& component = *target.event.event->component;
+Transaction::Splices Transaction::withoutItem(const Snapshot& snapshot, const Group& group,
+                                              const Target& target) {
+  const EventRef& event = target.event;
   if (target.occurrence) {
-    ComponentEditor editor(wholeLines(snapshot.file->document, component));
-    excludeOccurrence(editor, target.event,
-                      expansion_.reader().timingOf(*target.event.file, *target.event.event),
+    ComponentEditor editor(wholeLines(event.file->document, *event.event->component));
+    excludeOccurrence(editor, event, expansion_.reader().timingOf(*event.file, *event.event),
                       target.occurrence->id, now_);
-    return spliced(bytes, {replacing(snapshot.file->document, component, editor.bytes())});
+    return {replacing(event, editor.bytes())};
   }
-  if (target.event.event->isOverride()) return withoutOverride(snapshot, group, target.event);
-  QList<Replacement> replacements{replacing(snapshot.file->document, component, {})};
-  const auto here = [&](const EventRef& ref) { return ref.file == snapshot.file; };
+  if (event.event->isOverride()) return withoutOverride(snapshot, group, event);
+  Splices splices{replacing(event, {})};
+  const auto here = [&](const EventRef& ref) { return isIn(snapshot, ref); };
   if (std::count_if(group.masters.begin(), group.masters.end(), here) ==
       1)  // its changed occurrences go along
     for (const EventRef& override : group.overrides)
-      if (here(override))
-        replacements.append(replacing(override.file->document, *override.event->component, {}));
-  return spliced(bytes, replacements);
+      if (here(override)) splices.append(replacing(override, {}));
+  return splices;
 }
 
 void Transaction::remove(const ItemKey& key, const QString& tag) {
-  rewrite(fileNameOf(key.place), [&](const Snapshot& snapshot) -> std::optional<QByteArray> {
+  const Step step{Step::Kind::Remove, key, tag, {}, zone_, now_};
+  rewrite(fileNameOf(source_, key.place), key.uid, step, [&](const Snapshot& snapshot) {
     const Group group = groupOf(snapshot, key.uid);
-    const QByteArray bytes = withoutItem(snapshot, group, find(snapshot, group, key, tag));
-    if (cache_.isFolder() && !holdsEntries(scan(bytes, {}).components)) return QByteArray();
-    return bytes;
+    return withoutItem(snapshot, group, find(snapshot, group, key, tag));
   });
 }
 

@@ -24,6 +24,11 @@ std::optional<QDate> dateIn(const QByteArray& text) {
   return date.isValid() && *year >= 1 ? std::optional(date) : std::nullopt;
 }
 
+/// Separated by commas; before iCalendar by semicolons.
+QByteArrayList listed(QByteArray value) {
+  return value.replace(';', ',').split(',');
+}
+
 }  // namespace
 
 qint64 wallOf(const QDate& date, const QTime& time) {
@@ -124,7 +129,7 @@ std::optional<Span> spanValue(const QByteArray& written) {
 
 QList<DateValue> dateList(const Property& property, int* unreadable) {
   QList<DateValue> result;
-  for (const QByteArray& text : property.value.split(',')) {
+  for (const QByteArray& text : listed(property.value)) {
     if (text.trimmed().isEmpty()) continue;
     if (const auto value = dateValue(text, property))
       result.append(*value);
@@ -136,7 +141,7 @@ QList<DateValue> dateList(const Property& property, int* unreadable) {
 
 QList<Period> periodList(const Property& property, int* unreadable) {
   QList<Period> result;
-  for (const QByteArray& text : property.value.split(',')) {
+  for (const QByteArray& text : listed(property.value)) {
     if (text.trimmed().isEmpty()) continue;
     const qsizetype slash = text.indexOf('/');
     Period period;

@@ -22,16 +22,20 @@ constexpr int maxDefinitionParts = 1000;
 constexpr size_t maxChanges = 5000;
 constexpr int maxNameLength = 255;
 
-std::optional<qint64> offsetValue(const Document& document, const Component& part, const char* name) {
-  const auto property = firstOf(document, part, name);
-  if (!property) return std::nullopt;
-  static const QRegularExpression form(u"^([+-]?)(\\d{2}):?(\\d{2}):?(\\d{2})?$"_qs);
-  const auto match = form.match(QString::fromLatin1(property->value.trimmed()));
+/// "+0100", "-03:30"; "+01" in version 1.0.
+std::optional<qint64> offsetOf(const QByteArray& text) {
+  static const QRegularExpression form(u"^([+-]?)(\\d{1,2})(?::?(\\d{2}))?(?::?(\\d{2}))?$"_qs);
+  const auto match = form.match(QString::fromLatin1(text.trimmed()));
   if (!match.hasMatch()) return std::nullopt;
   const qint64 size = match.captured(2).toInt() * hourMs + match.captured(3).toInt() * minuteMs +
                       match.captured(4).toInt() * secondMs;
   if (size > dayMs) return std::nullopt;
   return match.captured(1) == u"-" ? -size : size;
+}
+
+std::optional<qint64> offsetValue(const Document& document, const Component& part, const char* name) {
+  const auto property = firstOf(document, part, name);
+  return property ? offsetOf(property->value) : std::nullopt;
 }
 
 /// "The last Sunday of March", as nearly all definitions put it, without a walk from day to day.
@@ -187,6 +191,38 @@ std::optional<Zone> Zone::defined(const Document& document, const Component& def
   std::stable_sort(changes->list.begin(), changes->list.end(),
                    [](const Change& a, const Change& b) { return a.instant < b.instant; });
   changes->before = first.second;
+  Zone zone;
+  zone.changes_ = std::move(changes);
+  return zone;
+}
+
+std::optional<Zone> Zone::ofOldCalendar(const Document& document, const Component& calendar,
+                                        const Zone& viewer) {
+  const auto standard = offsetValue(document, calendar, "TZ");
+  if (!standard) return std::nullopt;
+  auto changes = std::make_shared<Changes>();
+  changes->before = *standard;
+  const auto add = [&](const QByteArray& date, qint64 before, qint64 after) {
+    if (const auto value = dateValue(date, {}))
+      changes->list.push_back({value->wall() - (value->form == DateValue::Form::Utc ? 0 : before), after});
+  };
+  for (const Property& property : propertiesOf(document, calendar, "DAYLIGHT")) {
+    const QByteArrayList fields = property.value.split(';');  // TRUE;+02;begin;end;CET;CEST
+    const auto summer = fields.size() < 4 ? std::nullopt : offsetOf(fields[1]);
+    if (!summer || fields[0].trimmed().toUpper() != "TRUE" || changes->list.size() > maxChanges) continue;
+    add(fields[2], *standard, *summer);
+    add(fields[3], *summer, *standard);
+  }
+  std::stable_sort(changes->list.begin(), changes->list.end(),
+                   [](const Change& a, const Change& b) { return a.instant < b.instant; });
+  const bool agrees =
+      changes->list.empty()
+          ? viewer.offsetAt(wallOf(QDate(2024, 1, 15), {})) == *standard ||
+                viewer.offsetAt(wallOf(QDate(2024, 7, 15), {})) == *standard
+          : std::all_of(changes->list.begin(), changes->list.end(), [&](const Change& change) {
+              return viewer.offsetAt(change.instant) == change.offset;
+            });
+  if (agrees) return viewer;
   Zone zone;
   zone.changes_ = std::move(changes);
   return zone;

@@ -27,6 +27,10 @@ class Zone {
   /// (`tooMuch`).
   static std::optional<Zone> defined(const Document& document, const Component& definition,
                                      bool* tooMuch = nullptr);
+  /// From TZ and DAYLIGHT of a calendar of version 1.0. They say little: the viewer's zone, where it agrees
+  /// with them. Nothing without TZ.
+  static std::optional<Zone> ofOldCalendar(const Document& document, const Component& calendar,
+                                           const Zone& viewer);
 
  private:
   struct Change {

@@ -41,6 +41,8 @@ class StoreMaker {
   virtual bool hasMailFolders() const { return true; }
   virtual bool hasReadOnlyFolders() const { return true; }
   virtual bool hasSeveralFolders() const { return true; }
+  /// Whether held changes wait for the flush; else they are stored at once.
+  virtual bool keepsChangesBack() const { return false; }
 };
 
 struct NamedMaker {

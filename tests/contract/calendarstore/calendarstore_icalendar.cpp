@@ -63,7 +63,7 @@ QString calendarOf(const QString& events) {
 
 class FileMaker : public StoreMaker {
  public:
-  explicit FileMaker(bool oneFile) : oneFile_(oneFile) {}
+  explicit FileMaker(bool oneFile, bool indexed = false) : oneFile_(oneFile), indexed_(indexed) {}
 
   std::shared_ptr<Store> make(const QList<DescribedFolder>& folders) override {
     for (const DescribedFolder& described : folders) {
@@ -82,7 +82,9 @@ class FileMaker : public StoreMaker {
     }
     return reopened();
   }
-  std::shared_ptr<Store> reopened() override { return std::make_shared<IcalendarStore>(configured_); }
+  std::shared_ptr<Store> reopened() override {
+    return std::make_shared<IcalendarStore>(configured_, indexed_ ? root_.filePath(u"index"_s) : QString());
+  }
 
   void changeSubjectByAnother(int folder, const QString& uid, const QString& subject) override {
     const QString path = fileOf(folder, uid);
@@ -105,6 +107,7 @@ class FileMaker : public StoreMaker {
   }
 
   bool hasMailFolders() const override { return false; }
+  bool keepsChangesBack() const override { return oneFile_; }
 
  private:
   QString fileOf(int folder, const QString& uid) const {
@@ -122,7 +125,7 @@ class FileMaker : public StoreMaker {
     file.write(text.toUtf8());
   }
 
-  bool oneFile_;
+  bool oneFile_, indexed_;
   QTemporaryDir root_;
   QList<IcalendarFolder> configured_;
 };
@@ -132,7 +135,9 @@ class FileMaker : public StoreMaker {
 INSTANTIATE_TEST_SUITE_P(
     Icalendar, CalendarStoreContract,
     testing::Values(NamedMaker{"Folder", [] { return std::make_unique<FileMaker>(false); }},
-                    NamedMaker{"OneFile", [] { return std::make_unique<FileMaker>(true); }}),
+                    NamedMaker{"OneFile", [] { return std::make_unique<FileMaker>(true); }},
+                    NamedMaker{"FolderWithIndex", [] { return std::make_unique<FileMaker>(false, true); }},
+                    NamedMaker{"OneFileWithIndex", [] { return std::make_unique<FileMaker>(true, true); }}),
     [](const auto& info) { return info.param.name; });
 
 }  // namespace contract

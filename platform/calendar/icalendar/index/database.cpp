@@ -101,6 +101,14 @@ void Database::bind(sqlite3_stmt* statement, int at, const QByteArray& value) {
       sqlite3_bind_blob(statement, at, value.constData(), static_cast<int>(value.size()), SQLITE_TRANSIENT));
 }
 
+Reading::~Reading() {
+  try {
+    database_.script("COMMIT");
+  } catch (const IndexFailure&) {
+    // nothing was written, and the failure of a question has been told
+  }
+}
+
 Change::~Change() {
   if (done_) return;
   try {

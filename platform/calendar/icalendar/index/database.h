@@ -80,6 +80,18 @@ class Database {
   QHash<const char*, sqlite3_stmt*> statements_;  // the texts are literals
 };
 
+/// Many questions about one state of the index, and one lock for all of them.
+class Reading {
+ public:
+  explicit Reading(Database& database) : database_(database) { database.script("BEGIN"); }
+  ~Reading();
+  Reading(const Reading&) = delete;
+  Reading& operator=(const Reading&) = delete;
+
+ private:
+  Database& database_;
+};
+
 /// Undone unless committed.
 class Change {
  public:

@@ -245,6 +245,7 @@ Result IndexedSource::answered(Wait wait, const Asked& asked, const Otherwise& o
       if (!ready() || !refresh(wait)) break;
       if (!answeredFromIndex_) cache_.forget();
       answeredFromIndex_ = true;
+      const Reading reading(*database_);
       return asked();
     } catch (const Stale& stale) {
       pending_.insert(stale.name);

@@ -44,11 +44,14 @@ IcalendarTest::IcalendarTest() {
 }
 
 void IcalendarTest::reopen(bool readOnly) {
-  store = std::make_unique<platform::calendar::IcalendarStore>(QList<platform::calendar::IcalendarFolder>{
-      {QStringLiteral("cal"), QStringLiteral("Work"), QStringLiteral("Mailbox - Jane Doe"),
-       root_.filePath(QStringLiteral("cal")), readOnly},
-      {QStringLiteral("one"), QStringLiteral("Archive"), QStringLiteral("Mailbox - Jane Doe"), onePath(),
-       readOnly}});
+  store.reset();  // as the end of a program does before the next one starts
+  store = std::make_unique<platform::calendar::IcalendarStore>(
+      QList<platform::calendar::IcalendarFolder>{
+          {QStringLiteral("cal"), QStringLiteral("Work"), QStringLiteral("Mailbox - Jane Doe"),
+           root_.filePath(QStringLiteral("cal")), readOnly},
+          {QStringLiteral("one"), QStringLiteral("Archive"), QStringLiteral("Mailbox - Jane Doe"), onePath(),
+           readOnly}},
+      qEnvironmentVariableIsSet("HOURBOOK_TEST_INDEX") ? root_.filePath(QStringLiteral("index")) : QString());
 }
 
 QString IcalendarTest::path(const QString& name) const {
