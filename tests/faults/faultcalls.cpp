@@ -41,9 +41,6 @@ bool strikes(const char* name, const std::function<void()>& half = {}) {
       case Effect::Kill:
         ::kill(::getpid(), SIGKILL);
         break;
-      case Effect::Stop:
-        ::kill(::getpid(), SIGSTOP);
-        break;
       case Effect::Call:
         s.plan.call();
         break;

@@ -12,7 +12,6 @@ enum class Effect {
   Count,     // every call is carried out
   Kill,      // the process is killed before the call
   KillHalf,  // half of what is to be written is written, then the process is killed
-  Stop,      // the process stops (SIGSTOP) before the call, and goes on when it is woken
   Fail,      // the call is not carried out and fails with `code` (a close is carried out and fails)
   Call       // `call` is called before it: what another program does at this very moment
 };

@@ -74,6 +74,8 @@ Trial tried(Saver& saver, const Plan& plan, Then then) {
   const pid_t child = ::fork();
   if (child == 0) {
     ::close(ends[0]);
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString&) {});  // of what fails on purpose
     QByteArray report;
     {
       const platform::basic::ScopedClock clock(clockOfTrials());
@@ -124,7 +126,8 @@ Place::Place(size_t which) {
   made.setAutoRemove(false);
   folder_ = made.path();
   temporary_ = qgetenv("TMPDIR");
-  qputenv("TMPDIR", QFile::encodeName(folder_));
+  QDir().mkpath(folder_ + QStringLiteral("/temporary"));
+  qputenv("TMPDIR", QFile::encodeName(folder_) + "/temporary");
   saver_ = std::move(savers(folder_)[which]);
 }
 
