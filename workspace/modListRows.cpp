@@ -41,6 +41,12 @@ int writeMarking(platform::owc::Range range, const cMarking& marking) {
   return column;
 }
 
+/// A start that stands in bold is a guess: its time zone is defined nowhere. The status line says so. Row 200
+/// is never cleared, so it may still have the mark of another appointment.
+void markUnknownZone(platform::owc::Range start, bool unknown) {
+  if (unknown || start.format().bold) start.setFontBold(unknown);
+}
+
 }  // namespace
 
 bool fncCheckInclude(const AppointmentItem& item) try {
@@ -63,6 +69,7 @@ void subAddRow(const std::shared_ptr<AppointmentItem>& item, const cMarking& mar
   range.Cells(1, 5).setValue(
       Value(QString(Format(start, QStringLiteral("ddd")) + u' ' +
                     Format(Value(item->Start().dateOnly()), QStringLiteral("Short Date")))));
+  markUnknownZone(range.Cells(1, 5), item->ZoneUnknown());
   range.Cells(1, 6).setValue(Value(fncHoursText(fncHoursFromMinutes(item->Duration()))));
   outlookValues().gRowItems.Add(item, QString::number(row));
   range.Cells(1, 8).setValue(Value(qint16(columnBehind)));

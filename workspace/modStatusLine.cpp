@@ -33,6 +33,12 @@ bool isPosted(int row) {
   return posted;
 }
 
+bool isZoneUnknown(int row) {
+  bool unknown = false;
+  tolerate([&] { unknown = outlookValues().gRowItems.Item(row - 1)->ZoneUnknown(); });
+  return unknown;
+}
+
 QString count(const QString& what, int number) {
   return what + QStringLiteral(": ") + QString::number(number);
 }
@@ -48,6 +54,7 @@ ListCounts fncCountList() {
     ++counts.rows;
     counts.marked += isMarked(sheet, row, lists);
     counts.posted += isPosted(row);
+    counts.zonesUnknown += isZoneUnknown(row);
   }
   return counts;
 }
@@ -59,6 +66,8 @@ QString fncStatusText() {
     parts.append(count(phrases().LNGFILTERS.section(u',', 0, 0).trimmed(), counts.marked));
     parts.append(count(phrases().LNGPOSTED, counts.posted));
   }
+  if (counts.zonesUnknown > 0)  // no phrase of the table says it
+    parts.append(count(QStringLiteral("Time zone unknown (bold)"), counts.zonesUnknown));
   if (const auto& took = workspaceValues().fetchMilliseconds) parts.append(fncSecondsText(*took));
   return parts.join(QStringLiteral(" \u00b7 "));
 }

@@ -8,6 +8,7 @@ struct ListCounts {
   int rows = 0;
   int marked = 0;  // with a value of each meta list in use
   int posted = 0;
+  int zonesUnknown = 0;  // whose start stands in bold
 };
 
 /// Counts the list as it stands.

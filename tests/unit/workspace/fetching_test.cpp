@@ -50,6 +50,21 @@ class Fetching : public testing::TestWithParam<int> {
 };
 INSTANTIATE_TEST_SUITE_P(Generation, Fetching, testing::Values(9, 10, 11), testing::PrintToStringParamName());
 
+TEST_P(Fetching, ShowsTheStartInBoldWhereItsTimeZoneIsUnknown) {
+  calendar::Item elsewhere = w.appointment(QStringLiteral("Elsewhere"), at(14, 9));
+  elsewhere.zoneUnknown = true;
+  w.calendar->add(w.folder, elsewhere);
+  w.add(QStringLiteral("Here"), at(15, 9));
+  fetch();
+  EXPECT_TRUE(w.form->exsThisWeek.Range(QStringLiteral("E2")).format().bold);
+  EXPECT_FALSE(w.form->exsThisWeek.Range(QStringLiteral("A2")).format().bold);
+  EXPECT_FALSE(w.form->exsThisWeek.Range(QStringLiteral("E3")).format().bold);
+  EXPECT_EQ(w.cell(QStringLiteral("E2")), QStringLiteral("Tue 5/14/2024"));
+  w.setPeriod(QDate(2024, 5, 15), QDate(2024, 5, 17));
+  fetch();
+  EXPECT_FALSE(w.form->exsThisWeek.Range(QStringLiteral("E2")).format().bold);
+}
+
 TEST_P(Fetching, PutsOneRowForEachAppointmentInOrderOfTime) {
   w.add(QStringLiteral("Later"), at(15, 14));
   w.add(QStringLiteral("Earlier"), at(14, 9));

@@ -29,6 +29,17 @@ TEST_F(StatusLine, CountsRowsMarkedAndPostedAndTellsHowLongTheFetchTook) {
   EXPECT_EQ(status(), QStringLiteral("Appointments: 3 · Marked appointments: 2 · Posted: 1 · 0.0\u00a0s"));
 }
 
+TEST_F(StatusLine, TellsOfTimeZonesThatNobodyDefines) {
+  platform::calendar::Item item = w.appointment(QStringLiteral("Elsewhere"), at(15, 9), 60, complete);
+  item.zoneUnknown = true;
+  w.calendar->add(w.folder, item);
+  w.add(QStringLiteral("Here"), at(15, 10), 60, complete);
+  open();
+  EXPECT_EQ(status(),
+            QStringLiteral("Appointments: 2 · Marked appointments: 2 · Posted: 0 · Time zone unknown "
+                           "(bold): 1 · 0.0\u00a0s"));
+}
+
 TEST_F(StatusLine, OfAnEmptyListTellsThatItIsEmpty) {
   open();
   EXPECT_EQ(status(), QStringLiteral("Appointments: 0 · 0.0\u00a0s"));
