@@ -1,6 +1,7 @@
 #include "platform/outlook/application.h"
 
 #include "platform/basic/failure.h"
+#include "platform/outlook/entryid.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,6 +31,30 @@ int MAPIFolder::DefaultItemType() const {
 
 Items MAPIFolder::Items() const {
   return outlook::Items(store_, info_.id, session_);
+}
+
+std::shared_ptr<AppointmentItem> MAPIFolder::GetItemFromID(const QString& entryId) const {
+  const auto key = keyOfEntryId(entryId);
+  const auto item = key ? itemOfKey(*store_, info_.id, *key) : std::nullopt;
+  if (!item)
+    throw Failure(calendar::errNotFound,
+                  u"The appointment is no longer in the calendar \"%1\"."_s.arg(Name()), u"MAPIFolder"_s);
+  return std::make_shared<AppointmentItem>(store_, info_.id, *item, session_);
+}
+
+QList<UnsavedItem> MAPIFolder::FlushSaves() const {
+  QList<UnsavedItem> unsaved;
+  for (const calendar::Unwritten& change : store_->flush())
+    unsaved.append({change.folder, entryIdOf(change.key), change.failure});
+  return unsaved;
+}
+
+std::shared_ptr<MAPIFolder> NameSpace::GetFolderFromID(const QString& id) const {
+  const auto folder =
+      firstFolder(stores_, session_, [&](const calendar::FolderInfo& info) { return info.id == id; });
+  if (!folder)
+    throw Failure(calendar::errNotFound, u"The calendar \"%1\" cannot be found."_s.arg(id), u"NameSpace"_s);
+  return folder;
 }
 
 std::shared_ptr<MAPIFolder> NameSpace::GetDefaultFolder(int type) const {

@@ -11,6 +11,13 @@ struct Profile {
   QString draftFolder;  // where `MailItem.Save` keeps drafts
 };
 
+/// An appointment whose `Save` was accepted while saves were held, and then could not be written.
+struct UnsavedItem {
+  QString folder;   // its id
+  QString entryId;  // as it was when it was saved
+  Failure failure;
+};
+
 class MAPIFolder {
  public:
   MAPIFolder(std::shared_ptr<calendar::Store> store, calendar::FolderInfo info,
@@ -21,6 +28,13 @@ class MAPIFolder {
   bool ReadOnly() const { return info_.readOnly; }
   QString Id() const { return info_.id; }
   outlook::Items Items() const;
+  /// The item as it stands in the calendar now. Failure errNotFound when it is not there (any more).
+  std::shared_ptr<AppointmentItem> GetItemFromID(const QString& entryId) const;
+  /// From here to `FlushSaves` the calendar may keep saved appointments back, to write those of one file in
+  /// one step. Reading sees them as saved.
+  void HoldSaves() const { store_->hold(); }
+  /// Writes what was kept back and comes back with what could not be written; the rest outlives a power cut.
+  QList<UnsavedItem> FlushSaves() const;
   std::shared_ptr<calendar::Store> store() const { return store_; }
 
  private:
@@ -49,6 +63,8 @@ class NameSpace {
   /// olFolderCalendar: the first folder that holds appointments; olFolderInbox: the first that does not.
   /// Failure errNotFound when there is none.
   std::shared_ptr<MAPIFolder> GetDefaultFolder(int type) const;
+  /// The folder of that id. Failure errNotFound when no store has it.
+  std::shared_ptr<MAPIFolder> GetFolderFromID(const QString& id) const;
 
  private:
   QList<std::shared_ptr<calendar::Store>> stores_;

@@ -3,6 +3,7 @@
 #include "platform/basic/text.h"
 #include "platform/calendar/wallclock.h"
 #include "platform/locale/locale.h"
+#include "platform/outlook/entryid.h"
 #include "platform/outlook/items.h"
 #include "platform/outlook/times.h"
 #include "platform/outlook/vcalendar.h"
@@ -39,6 +40,10 @@ AppointmentItem::AppointmentItem(std::shared_ptr<calendar::Store> store, QString
       folder_(std::move(folder)),
       item_(std::move(item)),
       session_(session ? std::move(session) : std::make_shared<const Session>()) {}
+
+QString AppointmentItem::EntryID() const {
+  return isNew() ? QString() : entryIdOf(item_.key);
+}
 
 QString AppointmentItem::Subject() const {
   return change_.subject.value_or(item_.subject);

@@ -48,6 +48,9 @@ class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
   AppointmentItem(std::shared_ptr<calendar::Store> store, QString folder, calendar::Item item,
                   std::shared_ptr<const Session> session = {});
 
+  /// Its identity within its folder, for `MAPIFolder.GetItemFromID`; empty before the first `Save`.
+  QString EntryID() const;
+  QString FolderId() const { return folder_; }
   QString Subject() const;
   void setSubject(const QString& text);
   QString Body() const;
