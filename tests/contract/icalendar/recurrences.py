@@ -323,6 +323,8 @@ class Case:
         r, futures = self.r, []
         walls = self.near(list(self.all))
         for wall in r.sample(walls, min(len(walls), r.choice([0, 0, 1, 2, 3]))):
+            if wall not in self.all:
+                continue
             follows = r.random() < 0.2 and not self.rule.sub_daily
             moved = wall + timedelta(days=r.choice([0, 0, 1, -1, 12, -12, 45]),
                                      minutes=0 if self.all_day else r.choice([0, 15, -60, 300]))
@@ -336,7 +338,9 @@ class Case:
             self.overrides.append(lines + ["END:VEVENT"])
             if follows:
                 futures.append((wall, moved - wall, minutes, cancelled))
-            del self.all[wall]
+            moment = self.seconds(wall) if name.endswith("Z") else None
+            for other in [w for w in self.all if w == wall or self.seconds(w) == moment]:
+                del self.all[other]
             if not cancelled:
                 start = self.seconds(moved)
                 end = self.seconds(moved + timedelta(minutes=minutes)) if self.all_day else start + minutes * 60
