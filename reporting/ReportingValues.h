@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/ado/recordset.h"
+#include "reporting/ReportRun.h"
 #include "shell/SharedValues.h"
 
 #include <functional>
@@ -18,6 +19,14 @@ struct ReportingValues {
   std::function<void()> subUpdateCommonCube;
   /// Runs the cube program after a report to SQL Server, for who keeps a local cube.
   std::function<void()> subRunCubeProgram;
+
+  /// Where interrupted reports are remembered (see cReportJournal). Filled by who starts the program; empty:
+  /// nothing is remembered, and what a crash leaves between a row and its stamp is reported again.
+  QString journalFolder;
+  /// How a target besides the databases is asked which rows of an interrupted report it has. Whoever fills
+  /// one of the functions above fills this with it; null for a target that cannot be asked: its reports are
+  /// not remembered.
+  std::function<std::unique_ptr<AskableTarget>(qint32 intTarget)> askableTarget;
 };
 
 inline ReportingValues& reportingValues() {

@@ -21,6 +21,7 @@ using platform::Failure;
 using platform::ado::Recordset;
 using platform::basic::CStr;
 using platform::basic::Value;
+using platform::owc::Range;
 namespace ado = platform::ado;
 namespace dialogs = platform::dialogs;
 
@@ -28,7 +29,8 @@ namespace {
 
 constexpr int longestText = 255;  // of a subject or name, in the recordset and in the tables
 constexpr int columnSubject = 1, columnFirstMeta = 2, columnHours = 6, columnStatus = 7;
-constexpr qint32 errNoSuchTarget = 445;  // "Object doesn't support this action"
+const QString notStamped = QStringLiteral("Not stamped");  // stored, and that is all
+constexpr qint32 errNoSuchTarget = 445;                    // "Object doesn't support this action"
 
 /// The beginning of a text that is longer than its column, in whole characters.
 QString shortened(const QString& text) {
@@ -89,11 +91,39 @@ Failure withLater(const Failure& failure, const std::optional<Failure>& later) {
           failure.source()};
 }
 
-void sendBy(const std::function<void(Recordset&)>& target, Recordset& rs, const QString& name) {
+void sendBy(const std::function<void(Recordset&)>& target, Recordset& rs, const QString& name,
+            const std::function<void(qint16)>& note) {
   if (!target)
     throw Failure(errNoSuchTarget,
                   QStringLiteral("This version cannot report to %1 yet. Nothing was reported.").arg(name));
+  note(0);
   target(rs);
+}
+
+/// What of a row of the report its target will have.
+ReportLine lineOf(Recordset& rs) {
+  ReportLine line;
+  const Value start = rs[QStringLiteral("dteStartDate")].Value();
+  const Value hours = rs[QStringLiteral("intHours")].Value();
+  line.day = platform::basic::CDate(start).date();
+  line.subject = CStr(rs[QStringLiteral("strSubject")].Value());
+  if (!platform::basic::IsNull(hours)) line.hours = platform::basic::CSng(hours);
+  for (int n = 1; n <= metaCount; ++n) {
+    const Value name = rs[QStringLiteral("strMeta%1").arg(n)].Value();
+    if (!platform::basic::IsNull(name)) line.names[size_t(n - 1)] = CStr(name);
+  }
+  return line;
+}
+
+/// A failure to stamp what is stored, with what becomes of it.
+Failure stampFailure(const Failure& failure, qsizetype unsaved) {
+  QString text = failure.description();
+  if (unsaved > 1)
+    text += platform::basic::vbCrLf + QStringLiteral("%1 appointments could not be stamped.").arg(unsaved);
+  if (!reportingValues().journalFolder.isEmpty())
+    text += platform::basic::vbCrLf +
+            QStringLiteral("What is reported and not stamped yet will be stamped at the next start.");
+  return {failure.number(), text, failure.source()};
 }
 
 }  // namespace
@@ -149,31 +179,60 @@ void cReportRows::Report(qint32 intTarget, ReportHost& host) {
   try {
     subLog(QStringLiteral("Reporting values to ") + QString::number(intTarget));
     if (!canStamp()) return;
-    auto rs = ToRecordset();
-    const auto pending = fncHandToTarget(intTarget, rs);
-    int posted = 0;
-    const auto notTaken = tolerate([&] { posted = fncTakeResults(*rs); });
-    if (pending) subHandleError(withLater(pending->failure, notTaken), pending->procedure);
-    if (notTaken) throw Failure(*notTaken);
-    subAfterReport(intTarget);
-    if (posted == rs->RecordCount()) subAskForAnotherPeriod(host);
+    cReportMemory memory;
+    if (!fncBegin(memory)) return;
+    subReport(intTarget, host, memory);
   } catch (const Failure& failure) {
     subHandleError(failure, QStringLiteral("Report"));
   }
 }
 
-std::optional<PendingError> cReportRows::fncHandToTarget(qint32 intTarget, std::shared_ptr<Recordset>& rs) {
+/// False when nothing is left to be reported, or another program is at it.
+bool cReportRows::fncBegin(cReportMemory& memory) {
+  if (!memory.Begin()) {
+    dialogs::Dialogs::current().MsgBox(
+        QStringLiteral("Another Hourbook is reporting at the moment. Nothing was reported. "
+                       "Please try again when it has finished."),
+        dialogs::vbExclamation, gTitle);
+    return false;
+  }
+  if (!memory.Earlier().news.isEmpty())
+    dialogs::Dialogs::current().MsgBox(
+        memory.Earlier().news.join(platform::basic::vbCrLf + platform::basic::vbCrLf), dialogs::vbExclamation,
+        gTitle);
+  const int found = Reports.Count();
+  subLeaveOutStamped();
+  subLeaveOutEarlier(memory);
+  return Reports.Count() > 0 || found == 0;
+}
+
+void cReportRows::subReport(qint32 intTarget, ReportHost& host, cReportMemory& memory) {
+  auto rs = ToRecordset();
+  const auto pending = fncHandToTarget(intTarget, rs, memory);
+  int posted = 0;
+  const auto notTaken = tolerate([&] { posted = fncTakeResults(*rs); });
+  // with a failure the journal stays: the next start asks the target what it has, and stamps the rest
+  if (pending) subHandleError(withLater(pending->failure, notTaken), pending->procedure);
+  if (notTaken) throw Failure(*notTaken);
+  memory.Finish();
+  subAfterReport(intTarget);
+  if (posted == rs->RecordCount()) subAskForAnotherPeriod(host);
+}
+
+std::optional<PendingError> cReportRows::fncHandToTarget(qint32 intTarget, std::shared_ptr<Recordset>& rs,
+                                                         cReportMemory& memory) {
   std::optional<PendingError> pending;
+  const auto note = [&](qint16 intPersonID) { subNote(*rs, intTarget, intPersonID, memory); };
   switch (intTarget) {
     case 1:
-      sendBy(reportingValues().subSendXMLReport, *rs, QStringLiteral("an ASP page"));
+      sendBy(reportingValues().subSendXMLReport, *rs, QStringLiteral("an ASP page"), note);
       break;
     case 2:
     case 3:
-      rs = fncReportToAccess(rs, true, &pending);
+      rs = fncReportToAccess(rs, true, &pending, note);
       break;
     case 4:
-      sendBy(reportingValues().subSendToWF, *rs, QStringLiteral("a billing system"));
+      sendBy(reportingValues().subSendToWF, *rs, QStringLiteral("a billing system"), note);
       break;
     default:
       break;  // no row gets a result
@@ -181,27 +240,73 @@ std::optional<PendingError> cReportRows::fncHandToTarget(qint32 intTarget, std::
   return pending;
 }
 
+/// Writes down what is about to be stored. Rows that the target refuses are none of it.
+void cReportRows::subNote(Recordset& rs, qint32 intTarget, qint16 intPersonID, cReportMemory& memory) {
+  if (reportingValues().journalFolder.isEmpty()) return;
+  const auto target = fncAskableTarget(intTarget, intPersonID);
+  if (!target) return;
+  ReportRun run;
+  run.target = intTarget;
+  run.place = target->Place();
+  run.person = outlookValues().gCurrentUser;
+  run.begun = platform::basic::Now().toLocal().toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+  run.mark = target->Mark();
+  for (rs.MoveFirst(); !rs.isEOF(); rs.MoveNext()) {
+    const auto& row = Reports.Item(CStr(rs[QStringLiteral("intRowCounter")].Value()));
+    ReportedRow noted = fncReportedRow(*outlookValues().gRowItems.Item(int(row->RowNumber)));
+    noted.line = lineOf(rs);
+    if (target->TakeKeys(noted.line)) run.rows.append(noted);
+  }
+  rs.MoveFirst();
+  memory.Note(run);
+}
+
+Range cReportRows::fncStatus(const QString& key) const {
+  return ReportsRange->Cells(key.toInt(), columnStatus);
+}
+
+/// The stamps of one file are written in one step, whatever comes between; what could not be written is told
+/// behind the failure that the walk may have ended with.
 int cReportRows::fncTakeResults(Recordset& rs) {
+  const auto folder = outlookValues().gCalendarFolder;
+  QHash<QString, QString> stamped;  // row by its appointment
+  int posted = 0;
+  if (folder) folder->HoldSaves();
+  const auto broken = tolerate([&] { posted = fncWalkResults(rs, stamped); });
+  QList<platform::outlook::UnsavedItem> unsaved;
+  const auto unwritten = tolerate([&] {
+    if (folder) unsaved = folder->FlushSaves();
+  });
+  if (unwritten)  // of none it is known that it was written
+    for (const QString& key : std::as_const(stamped)) fncStatus(key).setValue(notStamped);
+  for (const auto& item : unsaved) {
+    const QString key = stamped.value(item.folder + u'\n' + item.entryId);
+    if (!key.isEmpty()) fncStatus(key).setValue(notStamped);
+  }
+  if (unsaved.isEmpty() && !unwritten && !broken) return posted;
+  const auto& first = broken ? broken : unwritten;
+  throw stampFailure(first ? *first : unsaved.first().failure, unsaved.size());
+}
+
+int cReportRows::fncWalkResults(Recordset& rs, QHash<QString, QString>& stamped) {
   int posted = 0;
   rs.MoveFirst();
   while (!rs.isEOF()) {
     const QString key = CStr(rs[QStringLiteral("intRowCounter")].Value());
-    platform::owc::Range status = ReportsRange->Cells(key.toInt(), columnStatus);
     const Value result = rs[QStringLiteral("intResult")].Value();
     switch (std::holds_alternative<qint64>(result) ? std::get<qint64>(result) : 0) {
       case resultAccepted:
-        status.setValue(phrases().LNGOK);
-        Reports.Item(key)->SavePostedInfo();
+        subTakeStamp(key, stamped);
         ++posted;
         break;
       case resultMissingValue:
-        status.setValue(phrases().LNGMISSINGVALUE);
+        fncStatus(key).setValue(phrases().LNGMISSINGVALUE);
         break;
       case resultNoAnswer:
-        status.setValue(QStringLiteral("Error!"));
+        fncStatus(key).setValue(QStringLiteral("Error!"));
         break;
       case resultNoPerson:
-        status.setValue(QStringLiteral("Failed add person!"));
+        fncStatus(key).setValue(QStringLiteral("Failed add person!"));
         break;
       default:
         break;
@@ -209,6 +314,17 @@ int cReportRows::fncTakeResults(Recordset& rs) {
     rs.MoveNext();
   }
   return posted;
+}
+
+void cReportRows::subTakeStamp(const QString& key, QHash<QString, QString>& stamped) {
+  const cRowInfo& row = *Reports.Item(key);
+  const auto& appointment = *outlookValues().gRowItems.Item(int(row.RowNumber));
+  fncStatus(key).setValue(phrases().LNGOK);
+  stamped.insert(appointment.FolderId() + u'\n' + appointment.EntryID(), key);
+  const auto failure = tolerate([&] { row.SavePostedInfo(); });
+  if (!failure) return;
+  fncStatus(key).setValue(notStamped);
+  throw Failure(*failure);
 }
 
 void cReportRows::subAfterReport(qint32 intTarget) {

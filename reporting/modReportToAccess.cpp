@@ -111,11 +111,13 @@ void reportOneRow(Recordset& rs, Recordset& reports, Recordset& output, qint16 p
   output.Update();
 }
 
-void reportRows(Recordset& rs, Recordset& output, std::optional<PendingError>* pending) {
+void reportRows(Recordset& rs, Recordset& output, std::optional<PendingError>* pending,
+                const std::function<void(qint16)>& beforeFirstRow) {
   const auto reports = fncReturnRecordset(QStringLiteral("Select* from tblReports where intReportID = 0"));
   Recordset& rows = opened(reports);
   if (!rs.isBOF()) rs.MoveFirst();
   const qint16 personID = fncGetPersonID(pending);
+  if (personID >= 1 && beforeFirstRow) beforeFirstRow(personID);
   while (!rs.isEOF()) {
     reportOneRow(rs, rows, output, personID);
     rs.MoveNext();
@@ -160,12 +162,13 @@ void hand(std::optional<PendingError>* pending, const Failure& failure, const QS
 }  // namespace
 
 std::shared_ptr<Recordset> fncReportToAccess(const std::shared_ptr<Recordset>& rs, bool blnUpdateInput,
-                                             std::optional<PendingError>* pending) {
+                                             std::optional<PendingError>* pending,
+                                             const std::function<void(qint16)>& beforeFirstRow) {
   std::shared_ptr<Recordset> output;
   std::optional<PendingError> mine;
   try {
     output = blnUpdateInput ? rs : fncSetupReturRS();
-    reportRows(opened(rs), *output, pending ? pending : &mine);
+    reportRows(opened(rs), *output, pending ? pending : &mine, beforeFirstRow);
   } catch (const Failure& failure) {
     hand(pending ? pending : &mine, failure, QStringLiteral("fncReportToAccess"));
     if (output) tolerate([&] { output->Cancel(); });  // a row that has got no result
@@ -173,6 +176,12 @@ std::shared_ptr<Recordset> fncReportToAccess(const std::shared_ptr<Recordset>& r
   closeSharedConnection();
   if (mine) subHandleError(mine->failure, mine->procedure);
   return output;
+}
+
+std::optional<qint32> fncMetaKey(int n, const QString& name) {
+  const auto& values = *common().MetaDataLists.Item(n)->MetaDic;
+  if (!values.Exists(name)) return std::nullopt;
+  return values.Item(name)->ID;
 }
 
 std::shared_ptr<Recordset> fncSetupReturRS() {

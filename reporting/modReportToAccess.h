@@ -2,6 +2,7 @@
 #include "platform/ado/recordset.h"
 #include "platform/basic/failure.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -24,10 +25,15 @@ struct PendingError {
 /// committed by itself. With `blnUpdateInput` the results are written into `rs`, which is returned, else into
 /// a recordset of its own. Afterwards the shared connection is closed. A failure leaves the rows not reached
 /// without a result; it is put into `pending`, or reported (which ends the process) when the caller has given
-/// none.
+/// none. `beforeFirstRow` is called, with the person's key, when rows are about to be stored; where it fails,
+/// none is.
 std::shared_ptr<platform::ado::Recordset> fncReportToAccess(
     const std::shared_ptr<platform::ado::Recordset>& rs, bool blnUpdateInput,
-    std::optional<PendingError>* pending = nullptr);
+    std::optional<PendingError>* pending = nullptr,
+    const std::function<void(qint16 intPersonID)>& beforeFirstRow = {});
+
+/// Key of a value in list 1 to 3 of the common settings; nothing when the list does not have it.
+std::optional<qint32> fncMetaKey(int n, const QString& name);
 
 /// An empty recordset of results: `intRowCounter`, `intResult`.
 std::shared_ptr<platform::ado::Recordset> fncSetupReturRS();

@@ -31,7 +31,7 @@ QByteArray calendarText(const QByteArray& events) {
          "END:VCALENDAR\r\n";
 }
 
-void write(const QString& path, const QByteArray& bytes) {
+void writeFile(const QString& path, const QByteArray& bytes) {
   QFile file(path);
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
   ASSERT_EQ(file.write(bytes), bytes.size());
@@ -47,9 +47,9 @@ class CrashWorld : public tests::ReportingWorld {
     if (!oneFile) QDir().mkpath(path_);
     for (int number = 1; number <= rows; ++number) {
       all += eventText(number);
-      if (!oneFile) write(path_ + u"/row-%1.ics"_s.arg(number), calendarText(eventText(number)));
+      if (!oneFile) writeFile(path_ + u"/row-%1.ics"_s.arg(number), calendarText(eventText(number)));
     }
-    if (oneFile) write(path_, calendarText(all));
+    if (oneFile) writeFile(path_, calendarText(all));
   }
 
   /// As a new process: nothing of the calendar is known yet, and the list shows what is in it.

@@ -1,0 +1,169 @@
+#include "reporting/cDatabaseTarget.h"
+
+#include "database/DatabaseValues.h"
+#include "database/modDBCode.h"
+#include "database/ProbeScope.h"
+#include "platform/basic/convert.h"
+#include "platform/scripting/filesystem.h"
+#include "platform/sql/oledbkeys.h"
+#include "reporting/modReportToAccess.h"
+#include "settings/cGlobalSettings.h"
+#include "shell/Tolerate.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace hourbook {
+
+using namespace Qt::StringLiterals;
+using platform::Failure;
+using platform::ado::Recordset;
+using platform::basic::Date;
+using platform::basic::IsNull;
+using platform::basic::Value;
+
+namespace {
+
+const QString markReport = u"lastReportID"_s, markPerson = u"personID"_s;
+
+struct Line {
+  ReportLine what;
+  std::optional<Date> reported;
+  bool taken = false;
+};
+
+std::shared_ptr<Recordset> asked(const QString& question) {
+  const ProbeScope probe;
+  auto rows = fncReturnRecordset(question, true);
+  if (rows) return rows;
+  if (databaseValues().probeFailure) throw Failure(*databaseValues().probeFailure);
+  throw Failure(platform::failure::objectNotSet, u"There is no database."_s);
+}
+
+std::optional<qint32> keyOf(const Value& value) {
+  if (IsNull(value)) return std::nullopt;
+  return platform::basic::CLng(value);
+}
+
+Line lineOf(Recordset& rs) {
+  Line line;
+  const Value day = rs[u"dtmDate"_s].Value(), hours = rs[u"numHours"_s].Value();
+  const Value subject = rs[u"strSubject"_s].Value(), reported = rs[u"dteReported"_s].Value();
+  if (!IsNull(day)) line.what.day = platform::basic::CDate(day).date();
+  if (!IsNull(hours)) line.what.hours = float(platform::basic::CDbl(hours));
+  if (!IsNull(subject)) line.what.subject = platform::basic::CStr(subject);
+  if (!IsNull(reported)) line.reported = platform::basic::CDate(reported);
+  for (int n = 1; n <= metaCount; ++n)
+    line.what.keys[size_t(n - 1)] = keyOf(rs[u"intMeta%1ID"_s.arg(n)].Value());
+  return line;
+}
+
+/// A text as any database may have made it: blanks at the end dropped, and letters that its code page lacks
+/// replaced.
+QString roughly(const QString& text) {
+  QString rough;
+  for (const QChar c : text) {
+    const bool plain = c.unicode() >= u' ' && c.unicode() < 0x7f && c != u'?';
+    if (plain)
+      rough += c;
+    else if (!rough.endsWith(u'?'))
+      rough += u'?';
+  }
+  while (rough.endsWith(u' ')) rough.chop(1);
+  return rough;
+}
+
+bool sameButSubject(const ReportLine& a, const ReportLine& b) {
+  return a.day == b.day && a.hours == b.hours && a.keys == b.keys;
+}
+
+bool exactly(const ReportLine& a, const ReportLine& b) {
+  return sameButSubject(a, b) && a.subject == b.subject;
+}
+
+bool nearly(const ReportLine& a, const ReportLine& b) {
+  return sameButSubject(a, b) && roughly(a.subject) == roughly(b.subject);
+}
+
+void take(const ReportRun& run, QList<Line>& lines, QList<std::optional<Date>>& stored,
+          bool (*same)(const ReportLine&, const ReportLine&)) {
+  for (qsizetype i = 0; i < run.rows.size(); ++i) {
+    if (stored[i]) continue;
+    for (Line& line : lines) {
+      if (line.taken || !same(run.rows[i].line, line.what)) continue;
+      line.taken = true;
+      stored[i] = line.reported.value_or(Date());
+      break;
+    }
+  }
+}
+
+QString filePlace(const QString& path) {
+  const QFileInfo file(platform::scripting::systemPath(path));
+  const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
+  return QDir::cleanPath((folder.isEmpty() ? file.absolutePath() : folder) + u'/' + file.fileName());
+}
+
+}  // namespace
+
+QString fncPlaceOfConnection(const QString& strConnection) {
+  namespace keys = platform::sql::oledbkeys;
+  const platform::sql::ConnectionString connection(strConnection);
+  const QString provider = connection.provider().toLower();
+  const QString database = keys::database(connection);
+  if (database.isEmpty()) return provider + u' ' + filePlace(keys::server(connection));
+  return u"%1 %2 %3 %4"_s.arg(provider, keys::server(connection).toLower(), connection.value(u"Port"_s),
+                              database);
+}
+
+cDatabaseTarget::cDatabaseTarget(qint16 intPersonID)
+    : intPersonID_(intPersonID), blnWasOpen_(databaseValues().gConnection != nullptr) {}
+
+cDatabaseTarget::~cDatabaseTarget() {
+  auto& connection = databaseValues().gConnection;
+  if (blnWasOpen_ || !connection) return;
+  tolerate([&] { connection->Close(); });
+  connection.reset();
+}
+
+QString cDatabaseTarget::Place() {
+  subSetupConnection();
+  const auto& connection = databaseValues().gConnection;
+  if (!connection) throw Failure(platform::failure::objectNotSet, u"There is no database."_s);
+  return fncPlaceOfConnection(connection->ConnectionString());
+}
+
+bool cDatabaseTarget::TakeKeys(ReportLine& line) {
+  for (int n = 1; n <= metaCount; ++n) {
+    const QString& name = line.names[size_t(n - 1)];
+    if (name.isEmpty()) continue;
+    const auto key = fncMetaKey(n, name);
+    if (!key) return false;
+    line.keys[size_t(n - 1)] = *key;
+  }
+  return true;
+}
+
+QJsonObject cDatabaseTarget::Mark() {
+  const auto newest = asked(u"select top 1 intReportID from tblReports order by intReportID desc"_s);
+  const qint32 last = newest->isEOF() ? 0 : platform::basic::CLng((*newest)[u"intReportID"_s].Value());
+  return {{markReport, last}, {markPerson, intPersonID_}};
+}
+
+QList<std::optional<Date>> cDatabaseTarget::Stored(const ReportRun& run) {
+  if (!run.mark[markReport].isDouble() || !run.mark[markPerson].isDouble())
+    throw Failure(platform::failure::typeMismatch, u"The journal does not say which lines to look for."_s);
+  const auto rs = asked(
+      u"select intReportID, numHours, strSubject, dtmDate, dteReported, intMeta1ID, intMeta2ID, intMeta3ID "
+      "from tblReports where intReportID > %1 and intPersonID = %2 order by intReportID"_s
+          .arg(run.mark[markReport].toInt())
+          .arg(run.mark[markPerson].toInt()));
+  QList<Line> lines;
+  for (; !rs->isEOF(); rs->MoveNext()) lines.append(lineOf(*rs));
+  QList<std::optional<Date>> stored(run.rows.size());
+  take(run, lines, stored, exactly);
+  take(run, lines, stored, nearly);
+  return stored;
+}
+
+}  // namespace hourbook
