@@ -60,6 +60,7 @@ bool holdsEntries(const std::vector<Component>& components) {
 /// A rule goes along with a new start where it leaves to it all that changes. The last day, the weekday, the
 /// hour that it names would stay where they are.
 bool mayMove(const Event& event, Reader& reader, const CalendarFile& file, const QDateTime& start) {
+  if (!event.start) return true;  // nothing that could be moved; what can be done then is found out later
   const Timing timing = reader.timingOf(file, event);
   const Zone& zone = timing.allDay ? timing.viewer : timing.zone;
   const qint64 wall = zone.toWall(start.toMSecsSinceEpoch());
