@@ -140,6 +140,12 @@ QList<int> readGenerations(const Reader& reader) {
   return generations;
 }
 
+QString stateFolder() {
+  QString state = qEnvironmentVariable("XDG_STATE_HOME");
+  if (!QDir::isAbsolutePath(state)) state = QDir::homePath() + QStringLiteral("/.local/state");
+  return QDir::cleanPath(state) + QStringLiteral("/hourbook");
+}
+
 }  // namespace
 
 QString Configuration::registryFile() const {
@@ -158,9 +164,11 @@ QString Configuration::defaultFolder() {
 }
 
 QString Configuration::placesFile() {
-  QString state = qEnvironmentVariable("XDG_STATE_HOME");
-  if (!QDir::isAbsolutePath(state)) state = QDir::homePath() + QStringLiteral("/.local/state");
-  return QDir::cleanPath(state) + QStringLiteral("/hourbook/window.json");
+  return stateFolder() + QStringLiteral("/window.json");
+}
+
+QString Configuration::journalFolder() {
+  return stateFolder() + QStringLiteral("/reports");
 }
 
 Configuration Configuration::read(const QString& folder) {

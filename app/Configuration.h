@@ -63,6 +63,8 @@ struct Configuration {
   static QString defaultFolder();
   /// Where the window keeps its place: in "hourbook" in the user's state folder, which no setting names.
   static QString placesFile();
+  /// Where reports that are under way are remembered: beside it.
+  static QString journalFolder();
 };
 
 }  // namespace hourbook

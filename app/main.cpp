@@ -42,6 +42,7 @@ int run(QApplication& application) {
   const platform::registry::ScopedRegistry registryInForce(registry);
   const platform::process::ScopedProcess processInForce(platform::process::systemProcess());
   ProgramValues values;
+  values.reporting->journalFolder = Configuration::journalFolder();
   StartParts parts;
   const QString places = Configuration::placesFile();
   parts.reportForms.insert(9, [places] { return frm2KReport(places); });

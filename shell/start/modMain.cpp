@@ -7,6 +7,7 @@
 #include "platform/dialogs/dialogs.h"
 #include "platform/outlook/constants.h"
 #include "platform/owc/chartspace.h"
+#include "reporting/modFinishReports.h"
 #include "settings/cGlobalSettings.h"
 #include "settings/cPersonalSettings.h"
 #include "settings/SettingsValues.h"
@@ -105,6 +106,8 @@ void start(const StartParts& parts) try {
   workspaceValues().gOWCVersion = fncGetOWCVersion();
   workspaceValues().newGridView = parts.newGridView;
   if (parts.newGridView) workspaceValues().gGridView = parts.newGridView();
+  // before the first rows are shown: appointments that an interrupted report has stored are none of them
+  subFinishReportsAtStart();
   loadReportForm(parts);
   showReportForm();
 } catch (const Failure&) {

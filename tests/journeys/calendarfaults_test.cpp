@@ -87,14 +87,20 @@ TEST(CalendarFaultJourney, AnAppointmentThatSomebodyElseHasChangedMeanwhileIsNot
   EXPECT_ENDS_PROCESS(j.click("cmdOK"));
   EXPECT_EQ(outside::content(second), changed);
   // kept: the rows are stored before the stamps are set, and nothing that is stored is taken back. So the
-  // appointments from the failing one on stand in the database and are offered again at the next start.
+  // appointments from the failing one on stand in the database; the next start stamps them.
   EXPECT_EQ(j.newReports(), weekInJuly);
   EXPECT_EQ(j.event(u"first"_s).stamp, u"5/15/2024 10:00:00 AM"_s);
   EXPECT_EQ(j.event(u"third"_s).stamp, QString());
+  j.world.dialogs.expect(u"These appointments have been changed since they were reported"_s,
+                         platform::dialogs::vbOK);
   j.start();
+  EXPECT_TRUE(j.world.dialogs.shown.last().text.endsWith(u"\"Second\" (2024-07-09)"_s))
+      << qPrintable(j.world.dialogs.shown.last().text);
   j.fetch(july8, july14);
   EXPECT_EQ(j.subjects().value(1), u"Second, at the customer's"_s);
-  EXPECT_EQ(j.statuses(), (QStringList{u"2024-05-15"_s, u"Not Posted"_s, u"Not Posted"_s, u"Not Posted"_s}));
+  EXPECT_EQ(j.statuses(), QStringList(4, u"2024-05-15"_s));
+  j.pressOK();
+  EXPECT_EQ(j.newReports(), weekInJuly) << "none of them twice";
 }
 
 TEST(CalendarFaultJourney, AChangeElsewhereInTheCalendarMeanwhileIsKept) {

@@ -101,6 +101,7 @@ void Journey::start() {
   stop();
   run_ = std::make_unique<Run>(hourbook::Configuration::read(configuration()));
   if (busyTimeout > 0) registerDatabases(run_->components, busyTimeout);
+  run_->values.reporting->journalFolder = journal();
   hourbook::StartParts parts;
   parts.reportForms.insert(11, [] { return hourbook::frm2003Report(); });
   hourbook::Main(parts);

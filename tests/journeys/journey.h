@@ -40,6 +40,8 @@ class Journey {
   QString calendar() const { return folder() + QStringLiteral("/calendar"); }
   QString database() const { return folder() + QStringLiteral("/database/Hourbook3.mdb"); }
   QString configuration() const { return folder() + QStringLiteral("/config"); }
+  /// Where the program remembers reports that are under way.
+  QString journal() const { return home_->path() + QStringLiteral("/state/reports"); }
   QString scratch() const { return home_->path() + QStringLiteral("/scratch"); }
   /// "name.ics" in the calendar; its UID is "name".
   void add(const QString& name, const Added& appointment);

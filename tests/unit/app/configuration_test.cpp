@@ -86,10 +86,11 @@ TEST_F(PlatformConfiguration, RefusesGenerationsThatThereAreNot) {
   EXPECT_THAT(refusal(), HasSubstr("\"components/datepickers\" is \"perhaps\""));
 }
 
-TEST_F(PlatformConfiguration, KeepsTheWindowsPlaceInTheStateFolder) {
+TEST_F(PlatformConfiguration, KeepsTheWindowsPlaceAndTheJournalInTheStateFolder) {
   const QByteArray before = qgetenv("XDG_STATE_HOME");
   qputenv("XDG_STATE_HOME", "/var/state/jane");
   EXPECT_EQ(Configuration::placesFile(), QStringLiteral("/var/state/jane/hourbook/window.json"));
+  EXPECT_EQ(Configuration::journalFolder(), QStringLiteral("/var/state/jane/hourbook/reports"));
   qputenv("XDG_STATE_HOME", "not/absolute");
   EXPECT_EQ(Configuration::placesFile(),
             QDir::homePath() + QStringLiteral("/.local/state/hourbook/window.json"));
