@@ -95,8 +95,10 @@ void FileCache::read(const QString& name, const Stamp& stamp) {
     entry.error = QStringLiteral("The file's name is not in UTF-8, so the file was not read.");
   else
     entry.error = result.error;
+  const auto before = entries_.constFind(name);
+  const bool hadEvents = before != entries_.cend() && before->file;
+  grouped_ = grouped_ && !entry.file && !hadEvents;
   entries_.insert(name, std::move(entry));
-  grouped_ = false;
 }
 
 void FileCache::refresh() {
@@ -111,8 +113,9 @@ void FileCache::refresh() {
   }
   for (auto found = now.begin(); found != now.end(); ++found) {
     const auto known = entries_.constFind(found.key());
-    if (known == entries_.cend() || known->stamp != found.value() || !known->settled)
-      read(found.key(), found.value());
+    // a read that failed may have more luck this time
+    const bool again = known != entries_.cend() && (!known->settled || !known->file);
+    if (known == entries_.cend() || known->stamp != found.value() || again) read(found.key(), found.value());
   }
   if (!grouped_) regroup();
 }

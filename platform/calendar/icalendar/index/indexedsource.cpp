@@ -113,12 +113,14 @@ bool IndexedSource::refresh(Wait wait) {
 
 /// Names of files that the folder does not tell of, and of those whose times prove nothing.
 void IndexedSource::takeUnsure(QSet<QString>& linked, QSet<QString>& unsettled) {
-  Rows rows = database_->ask("SELECT name, settled, linked FROM file WHERE settled = 0 OR linked = 1");
+  Rows rows = database_->ask("SELECT name, settled, linked, form FROM file WHERE settled = 0 OR linked = 1");
   while (rows.next()) {
     const bool isSettled = rows.number(1) != 0, isLinked = rows.number(2) != 0;
+    // the folder does not tell when a file can be read again
+    const bool isUnread = rows.number(3) == static_cast<int>(Form::Unread);
     if (isSettled)
       linked.insert(rows.text(0));
-    else if (isLinked || !unsureTaken_)
+    else if (isLinked || isUnread || !unsureTaken_)
       unsettled.insert(rows.text(0));
   }
 }
@@ -136,7 +138,8 @@ bool IndexedSource::refreshOne() {
   if (again) watch_.begin(path_);  // maybe it is another file now
   const DiskState now = stateOf(path_);
   auto row = fileNamed(*database_, ownName_);
-  again = again || (row && !row->settled && !(watch_.isOn() && unsureTaken_));
+  const bool heardOf = watch_.isOn() && unsureTaken_;
+  again = again || (row && !row->settled && (row->form == Form::Unread || !heardOf));
   unsureTaken_ = true;
   if (!row || again || row->stamp != now.stamp) {
     if (!takeOne(now, again)) return false;

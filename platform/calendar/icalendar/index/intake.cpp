@@ -43,10 +43,15 @@ Intake::Result Intake::take(const QString& name, const DiskState& now, bool agai
   const FileRow before = row;
   const qint64 most = isFolder_ ? maxItemFileBytes : maxCalendarFileBytes;
   Result result = Result::Unread;
+  // what says so itself is unreadable as it is; a read that fails may do so this once
+  bool surely = name.contains(QChar::ReplacementCharacter);
   for (int attempt = 0; attempt < maxReads; ++attempt) {
     const DiskFile disk(pathOf(name));
     const DiskState state = disk.state();
-    if (!state.regular || state.size > most) break;
+    if (!state.regular || state.size > most) {
+      surely = surely || state.exists;
+      break;
+    }
     row.stamp = state.stamp;
     row.linked = state.linked;
     row.settled = state.isSettled();
@@ -58,15 +63,15 @@ Intake::Result Intake::take(const QString& name, const DiskState& now, bool agai
   if (result == Result::Unread) {
     row.stamp = now.stamp;
     row.linked = now.linked;
-    row.settled = true;
-    result = unread(row);
+    row.settled = surely;
+    result = unread(row, before);
   }
   const bool same = result == Result::Same && known;
   if (!same || before.settled != row.settled) store(database_, row);
   return result == Result::Same ? (known ? Result::Same : Result::Changed) : result;
 }
 
-Intake::Result Intake::unread(FileRow& row) {
+Intake::Result Intake::unread(FileRow& row, const FileRow& before) {
   const files::ReadResult why =
       files::readFile(pathOf(row.name), isFolder_ ? maxItemFileBytes : maxCalendarFileBytes);
   row.form = Form::Unread;
@@ -81,7 +86,8 @@ Intake::Result Intake::unread(FileRow& row) {
   row.content = 0;
   if (row.id == 0) store(database_, row);
   clearRows(database_, row.id);
-  return Result::Changed;
+  const bool asBefore = before.id != 0 && before.form == Form::Unread && before.error == row.error;
+  return asBefore && !why.ok ? Result::Same : Result::Changed;
 }
 
 Intake::Result Intake::read(FileRow& row, const DiskFile& disk, const DiskState& now) {

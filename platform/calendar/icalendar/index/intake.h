@@ -30,7 +30,8 @@ class Intake {
   QString pathOf(const QString& name) const { return isFolder_ ? root_ + u'/' + name : root_; }
   Result read(FileRow& row, const DiskFile& disk, const DiskState& now);
   Result takeWhole(FileRow& row, const QByteArray& bytes);
-  Result unread(FileRow& row);
+  /// Unsettled where the next look may have more luck. `before`: as it stands in the index.
+  Result unread(FileRow& row, const FileRow& before);
   void rowsOf(const FileRow& row, const QByteArray& bytes);
 
   Database& database_;

@@ -5,7 +5,7 @@ namespace platform::calendar::icalendar::index {
 void createTables(Database& database, const QString& calendarPath) {
   database.script(R"(
     PRAGMA application_id = 0x48426978;
-    PRAGMA user_version = 1;
+    PRAGMA user_version = 2;
     CREATE TABLE calendar (path TEXT NOT NULL, stamp INTEGER NOT NULL, complete INTEGER NOT NULL);
     CREATE TABLE file (
       id INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE, stamp INTEGER NOT NULL, content INTEGER NOT NULL,

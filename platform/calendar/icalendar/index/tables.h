@@ -17,7 +17,8 @@ struct FileRow {
   quint64 stamp = 0;    // of its times, size and inode
   quint64 content = 0;  // of a whole file's bytes
   Form form = Form::Whole;
-  bool settled = true;  // false: written so shortly before it was read that its times prove nothing
+  bool settled =
+      true;  // false: written so shortly before it was read that its times prove nothing, or a read failed
   bool linked = false;  // can be changed under another name, of which the folder hears nothing
   QString error;        // of an unread one
 };
@@ -42,7 +43,7 @@ struct EventPlace {
   quint64 sum = 0;
 };
 
-inline constexpr int schemaVersion = 1;
+inline constexpr int schemaVersion = 2;
 inline constexpr int applicationId = 0x48426978;
 
 void createTables(Database& database, const QString& calendarPath);

@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -44,6 +45,23 @@ QByteArray edited(Chance& chance, QByteArray text, int number) {
       return text.insert(somewhere("END:VCALENDAR"), someEvent(chance, number, false));
   }
 }
+
+/// No file can be opened as long as it lives; what is open already can be read on.
+class NoMoreFiles {
+ public:
+  NoMoreFiles() {
+    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before_), 0);
+    struct rlimit none = before_;
+    none.rlim_cur = 0;
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  }
+  ~NoMoreFiles() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+  NoMoreFiles(const NoMoreFiles&) = delete;
+  NoMoreFiles& operator=(const NoMoreFiles&) = delete;
+
+ private:
+  struct rlimit before_ {};
+};
 
 }  // namespace
 
@@ -267,4 +285,38 @@ TEST_F(KeepingStep, AnEndInTheMidstOfACheckWaitsForIt) {
     index->changeTag();
   }
   expectMonth(*open(folder()), folder());
+}
+
+TEST_F(KeepingStep, AReadThatFailsOnceHidesNothingForGood) {
+  fill(4);
+  const auto index = open(folder());
+  expectMonth(*index, folder());
+  write(path(u"1.ics"_qs), item("u1", "edited"));
+  makeOld(path(u"1.ics"_qs));
+  {
+    const NoMoreFiles none;
+    EXPECT_EQ(index->problems().size(), 1);
+    const QString tag = index->changeTag();
+    EXPECT_EQ(index->problems().size(), 1);
+    EXPECT_EQ(index->changeTag(), tag) << "what cannot be read still was told as a change";
+  }
+  EXPECT_TRUE(index->answeredFromIndex());
+  const auto next = open(folder());
+  expectMonth(*next, folder());
+  EXPECT_TRUE(next->problems().isEmpty());
+  expectMonth(*index, folder());
+  EXPECT_TRUE(index->problems().isEmpty());
+}
+
+TEST_F(KeepingStep, AFileThatCouldNotBeReadOnceIsReadByTheNextQuestionWithoutAnIndex) {
+  write(path(u"a.ics"_qs), item("a", "one"));
+  makeOld(path(u"a.ics"_qs));
+  FileCache plain(folder(), u"Test"_qs);
+  ASSERT_EQ(::rename(qPrintable(path(u"a.ics"_qs)), qPrintable(folder() + u".kept"_qs)), 0);
+  ASSERT_EQ(::symlink(qPrintable(path(u"a.ics"_qs)), qPrintable(path(u"a.ics"_qs))), 0);  // to itself
+  EXPECT_EQ(plain.problems().size(), 1);
+  EXPECT_EQ(plain.countUpTo(9), 0);
+  ASSERT_EQ(::rename(qPrintable(folder() + u".kept"_qs), qPrintable(path(u"a.ics"_qs))), 0);
+  EXPECT_TRUE(plain.problems().isEmpty());
+  EXPECT_EQ(plain.countUpTo(9), 1);
 }
