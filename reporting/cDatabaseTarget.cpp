@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 namespace hourbook {
 
@@ -58,19 +59,34 @@ Line lineOf(Recordset& rs) {
   return line;
 }
 
-/// A text as any database may have made it: blanks at the end dropped, and letters that its code page lacks
-/// replaced.
-QString roughly(const QString& text) {
-  QString rough;
-  for (const QChar c : text) {
-    const bool plain = c.unicode() >= u' ' && c.unicode() < 0x7f && c != u'?';
-    if (plain)
-      rough += c;
-    else if (!rough.endsWith(u'?'))
-      rough += u'?';
+QString withoutBlanksAtTheEnd(QString text) {
+  while (text.endsWith(u' ')) text.chop(1);
+  return text;
+}
+
+/// Is the second text the first one as some database may have made it? Blanks at the end dropped, and letters
+/// that its code page lacks replaced by others (a question mark, or the letter without its mark).
+bool mayHaveBecome(const QString& text, const QString& stored) {
+  QString pattern;
+  int lost = 0;  // of the stretch that the walk is in
+  const auto closeStretch = [&] {
+    if (lost > 0) pattern += u".{0,%1}"_s.arg(2 * lost);
+    lost = 0;
+  };
+  for (const QChar c : withoutBlanksAtTheEnd(text)) {
+    const bool plain = c.unicode() >= u' ' && c.unicode() < 0x7f;
+    if (!plain) {
+      ++lost;
+      continue;
+    }
+    closeStretch();
+    pattern += QRegularExpression::escape(QString(c));
   }
-  while (rough.endsWith(u' ')) rough.chop(1);
-  return rough;
+  closeStretch();
+  return QRegularExpression(QRegularExpression::anchoredPattern(pattern),
+                            QRegularExpression::DotMatchesEverythingOption)
+      .match(withoutBlanksAtTheEnd(stored))
+      .hasMatch();
 }
 
 bool sameButSubject(const ReportLine& a, const ReportLine& b) {
@@ -82,7 +98,7 @@ bool exactly(const ReportLine& a, const ReportLine& b) {
 }
 
 bool nearly(const ReportLine& a, const ReportLine& b) {
-  return sameButSubject(a, b) && roughly(a.subject) == roughly(b.subject);
+  return sameButSubject(a, b) && mayHaveBecome(a.subject, b.subject);
 }
 
 void take(const ReportRun& run, QList<Line>& lines, QList<std::optional<Date>>& stored,
@@ -111,7 +127,10 @@ QString fncPlaceOfConnection(const QString& strConnection) {
   const platform::sql::ConnectionString connection(strConnection);
   const QString provider = connection.provider().toLower();
   const QString database = keys::database(connection);
-  if (database.isEmpty()) return provider + u' ' + filePlace(keys::server(connection));
+  if (provider.startsWith(u"microsoft."_s)) return provider + u' ' + filePlace(keys::server(connection));
+  if (database.isEmpty())  // then it follows from the login
+    return u"%1 %2 %3 of %4"_s.arg(provider, keys::server(connection).toLower(), connection.value(u"Port"_s),
+                                   keys::firstValue(connection, {"User ID", "UID", "User"}));
   return u"%1 %2 %3 %4"_s.arg(provider, keys::server(connection).toLower(), connection.value(u"Port"_s),
                               database);
 }

@@ -200,6 +200,15 @@ bool cReportRows::fncBegin(cReportMemory& memory) {
     dialogs::Dialogs::current().MsgBox(
         memory.Earlier().news.join(platform::basic::vbCrLf + platform::basic::vbCrLf), dialogs::vbExclamation,
         gTitle);
+  if (!memory.Earlier().blocked.isEmpty()) {
+    dialogs::Dialogs::current().MsgBox(
+        QStringLiteral(
+            "It cannot be found out what an interrupted report has stored. Nothing was reported. Please try "
+            "again later.") +
+            platform::basic::vbCrLf + memory.Earlier().blocked,
+        dialogs::vbExclamation, gTitle);
+    return false;
+  }
   const int found = Reports.Count();
   subLeaveOutStamped();
   subLeaveOutEarlier(memory);
@@ -242,7 +251,7 @@ std::optional<PendingError> cReportRows::fncHandToTarget(qint32 intTarget, std::
 
 /// Writes down what is about to be stored. Rows that the target refuses are none of it.
 void cReportRows::subNote(Recordset& rs, qint32 intTarget, qint16 intPersonID, cReportMemory& memory) {
-  if (reportingValues().journalFolder.isEmpty()) return;
+  if (reportingValues().journalFolder.isEmpty() || rs.RecordCount() == 0) return;
   const auto target = fncAskableTarget(intTarget, intPersonID);
   if (!target) return;
   ReportRun run;
@@ -285,6 +294,7 @@ int cReportRows::fncTakeResults(Recordset& rs) {
   }
   if (unsaved.isEmpty() && !unwritten && !broken) return posted;
   const auto& first = broken ? broken : unwritten;
+  if (stamped.isEmpty()) throw Failure(*first);
   throw stampFailure(first ? *first : unsaved.first().failure, unsaved.size());
 }
 

@@ -76,6 +76,7 @@ class Finisher {
     QList<ReportedRow> left;
     for (qsizetype i = 0; i < run_.rows.size(); ++i) {
       if (reasons_[i].isEmpty()) continue;
+      findAgain(run_.rows[i]);
       left.append(run_.rows[i]);
       finished.unsettled.append({file_, run_.rows[i], reasons_[i]});
     }
@@ -89,6 +90,7 @@ class Finisher {
       finished.news.append(text);
       run_.told = text;
     }
+    if (!left.isEmpty() && finished.blocked.isEmpty()) finished.blocked = blocked_;
     if (left.isEmpty())
       cReportJournal::Remove(file_);
     else if (fncJournalText(run_) != before_)
@@ -104,8 +106,15 @@ class Finisher {
     if (!open) return {};
     QString reason;
     const auto failure = tolerate([&] { reason = fncAskIt(); });
-    return failure ? u"the place that it was reported to cannot be asked: "_s + failure->description()
-                   : reason;
+    if (!failure) return reason;
+    reason = u"the place that it was reported to cannot be asked: "_s + failure->description();
+    blocked_ = reason;
+    return reason;
+  }
+
+  /// The file of an appointment may have got another name, by which the list will know it.
+  static void findAgain(ReportedRow& row) {
+    tolerate([&] { row.entryId = folderOf(row.folder)->GetItemFromID(row.entryId)->EntryID(); });
   }
 
   QString fncAskIt() {
@@ -180,6 +189,7 @@ class Finisher {
   QByteArray before_;
   QString file_;
   QStringList reasons_;  // why a row is left; empty: it is done
+  QString blocked_;      // why the present place could not be asked
   QStringList changed_;
 };
 
@@ -193,8 +203,14 @@ void setAside(const QString& file, const Failure& failure, FinishedReports& fini
 
 void finishRun(const QString& file, FinishedReports& finished) {
   ReportRun run;
-  if (const auto unreadable = tolerate([&] { run = cReportJournal::Read(file); }))
-    return setAside(file, *unreadable, finished);
+  if (const auto unreadable = tolerate([&] { run = cReportJournal::Read(file); })) {
+    if (unreadable->number() != platform::failure::permissionDenied)
+      return setAside(file, *unreadable, finished);
+    // it may be readable the next time, and is not to be forgotten until then
+    finished.blocked = unreadable->description();
+    finished.news.append(u"The journal of an interrupted report cannot be read now: "_s + finished.blocked);
+    return;
+  }
   Finisher finisher(run, file);
   finisher.askTarget();
   finisher.stampAll();
@@ -246,7 +262,6 @@ ReportedRow fncReportedRow(const AppointmentItem& appointment) {
 std::unique_ptr<AskableTarget> fncAskableTarget(qint32 intTarget, qint16 intPersonID) {
   if (!isDatabase(intTarget))
     return reportingValues().askableTarget ? reportingValues().askableTarget(intTarget) : nullptr;
-  if (!isDatabase(reportTarget().ReportTo)) return nullptr;  // reports go to no database now
   return std::make_unique<cDatabaseTarget>(intPersonID);
 }
 

@@ -22,6 +22,9 @@ struct FinishedReports {
   QList<UnsettledRow> unsettled;
   /// What the user has to know and was not told yet; empty for most.
   QStringList news;
+  /// Why it is not known at present what interrupted reports have stored; not empty: nothing may be reported,
+  /// since what is stored next could be taken for theirs.
+  QString blocked;
 };
 
 /// Works off the journal: asks the target which rows of interrupted reports it has stored, stamps their

@@ -1,6 +1,7 @@
 // What the next start makes of a report that was interrupted.
 #include "journalworld.h"
 #include "platform/basic/convert.h"
+#include "platform/files/posix/systemcalls.h"
 
 using namespace hourbook;
 using namespace Qt::StringLiterals;
@@ -132,6 +133,64 @@ TEST_F(Finishing, KnowsRowsWhoseLettersTheDatabaseHasLost) {
   w.other()->execute(u"update tblReports set strSubject = '?n?c?d? ?'"_s);
   w.start();
   EXPECT_EQ(w.stamped(), QList<bool>({true, false}));
+}
+
+TEST_F(Finishing, KnowsRowsWhoseLettersTheDatabaseHasPutLikeOnesFor) {
+  w.addComplete(u"Łódź"_s);
+  w.addComplete(u"Lodz x"_s);
+  w.crashAfterRows(1);
+  w.other()->execute(u"update tblReports set strSubject = 'Lodz '"_s);
+  w.start();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, false}));
+}
+
+TEST_F(Finishing, WorksAlsoWhereTheCommonSettingsNameATargetBeyondTheDatabases) {
+  addThree();
+  hourbook::reportTarget().ReportTo = 4;  // and the file is reported to all the same
+  w.crashBeforeTheStamps();
+  EXPECT_EQ(w.journals().size(), 1);
+  w.start();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
+TEST_F(Finishing, OfARunWhoseDatabaseCannotBeAskedLetsNothingBeReported) {
+  addThree();
+  w.crashBeforeTheStamps();
+  w.plan->failContaining(u"where intReportID >"_s, tests::diskFull);
+  w.world.dialogs.expect(u"cannot be asked: Not enough space on disk."_s, ok);
+  w.world.dialogs.expect(
+      u"It cannot be found out what an interrupted report has stored. Nothing was reported."_s, ok);
+  w.report();
+  EXPECT_EQ(w.storedRows(), 3);
+  EXPECT_EQ(w.run().rows.size(), 3);
+  w.plan->clear();
+  w.start();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+}
+
+TEST_F(Finishing, OfAJournalThatCannotBeReadNowWaitsUntilItCan) {
+  addThree();
+  w.crashBeforeTheStamps();
+  {
+    platform::files::SystemCalls calls = platform::files::SystemCalls::ofTheSystem();
+    calls.read = [](int, void*, size_t) -> ssize_t {
+      errno = EIO;
+      return -1;
+    };
+    const platform::files::ScopedSystemCalls scope(calls);
+    w.world.dialogs.expect(u"The journal of an interrupted report cannot be read now: "_s, ok);
+    w.start();
+  }
+  EXPECT_EQ(w.journals().size(), 1);
+  w.start();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+}
+
+TEST_F(Finishing, AReportWithoutACompleteRowFailsAsWithoutAJournal) {
+  w.add({u"half"_s, {u"Acme"_s}});
+  w.expectFailure(u"Report"_s, u"Either BOF or EOF is True"_s, [&] { w.report(); });
+  EXPECT_FALSE(w.world.dialogs.shown.last().text.contains(u"will be stamped"_s));
 }
 
 TEST_F(Finishing, StampsWithTheMomentOfTheReportANightLater) {
