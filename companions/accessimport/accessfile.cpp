@@ -26,6 +26,7 @@ namespace {
 
 constexpr int patienceMs = 10 * 60 * 1000;  // for one table
 const QString dateForm = u"%Y-%m-%dT%H:%M:%S"_s;
+constexpr int longestText = 199'996;  // bytes; mdbtools cuts what is longer without a word
 
 // The header's hidden part is scrambled with a key that all files of this format share.
 constexpr int hiddenAt = 0x18, hiddenLength = 128, passwordAt = 0x42, passwordLength = 40, dateAt = 0x72;
@@ -75,7 +76,7 @@ std::optional<Value> valueOf(const QJsonValue& json, Type type) {
       return {};
     case Type::Integer:
     case Type::Long:
-      if (number && std::abs(json.toDouble()) <= 2147483648.0) return Value(qint32(json.toDouble()));
+      if (number && std::abs(json.toDouble()) <= 2147483647.0) return Value(qint32(json.toDouble()));
       return {};
     case Type::Single:
       if (number) return Value(float(json.toDouble()));
@@ -173,6 +174,9 @@ QByteArray AccessFile::run(const QString& program, const QStringList& arguments)
   if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
     fail(u"\"%1\" cannot be read as an Access database (%2): %3"_s.arg(
         path_, program, QString::fromUtf8(process.readAllStandardError()).simplified()));
+  const QString warned = QString::fromUtf8(process.readAllStandardError()).simplified();
+  if (!warned.isEmpty() && (program == u"mdb-json" || program == u"mdb-count"))  // they go on past damage
+    fail(u"\"%1\" may be damaged (%2): %3"_s.arg(path_, program, warned));
   return process.readAllStandardOutput();
 }
 
@@ -233,6 +237,11 @@ void AccessFile::rows(const QString& table, const QList<AccessColumn>& columns,
       if (!value)
         fail(u"Row %1 of \"%2\" in \"%3\": the value of \"%4\" is not understood."_s.arg(number).arg(
             table, path_, column.name));
+      const auto* const text = std::get_if<QString>(&*value);
+      if (text && text->toUtf8().size() >= longestText)
+        fail(u"Row %1 of \"%2\" in \"%3\": the text of \"%4\" is longer than can be read from there."_s
+                 .arg(number)
+                 .arg(table, path_, column.name));
       values.append(*value);
     }
     take(values);

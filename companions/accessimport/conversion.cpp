@@ -79,6 +79,18 @@ QList<AccessColumn> takenOver(const QString& table, QList<AccessColumn> columns,
   return columns;
 }
 
+/// A column of the product that somebody has given a kind of his own would come out empty.
+void refuseForeignKinds(const SchemaTable& plan, const QList<AccessColumn>& columns) {
+  for (const SchemaColumn& wanted : plan.columns) {
+    const AccessColumn* const there = find(columns, wanted.strName);
+    if (there && !there->foreignKind.isEmpty())
+      fail(
+          u"The column \"%1\" of \"%2\" holds values of the kind \"%3\", which cannot be read. Give it the "
+          u"kind "
+          u"that it had in Access and begin again."_s.arg(there->name, plan.strName, there->foreignKind));
+  }
+}
+
 void addOwnColumn(TableDef& table, const AccessColumn& column) {
   subCreateDAOField(table, column.name, column.caption, daoType(column.type), column.size);
 }
@@ -161,9 +173,11 @@ QList<Plan> planOf(const AccessFile& file, QStringList& notes) {
   QList<Plan> plans;
   for (const char* name : fillingOrder) {
     const QString table = QLatin1String(name);
-    if (file.has(table))
-      plans.append({table, takenOver(table, file.columns(table), notes), false});
-    else if (table != u"tblOtherSettings")  // older databases have none
+    if (file.has(table)) {
+      const QList<AccessColumn> columns = file.columns(table);
+      refuseForeignKinds(fncSchemaTable(table), columns);
+      plans.append({table, takenOver(table, columns, notes), false});
+    } else if (table != u"tblOtherSettings")  // older databases have none
       fail(u"The Access database holds no table \"%1\", so it is none of this program's."_s.arg(table));
   }
   for (const QString& table : file.tables()) {

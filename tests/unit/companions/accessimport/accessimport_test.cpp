@@ -225,6 +225,22 @@ TEST_F(AccessImport, AThousandRowsOverManyPagesAreAllThere) {
   EXPECT_EQ(rowsOf(*open(target()), u"select count(*) from tblPersons"_s), QStringList(u"1000"_s));
 }
 
+TEST_F(AccessImport, ATextThatTheReaderWouldCutIsNamedAndNotTaken) {
+  QList<QJsonObject> tables = oldTables();
+  tables.append(table(u"tblOtherSettings"_s,
+                      {u"intSettingID:counter"_s, u"strPropName:text"_s, u"strPropValue:memo"_s},
+                      {QJsonArray{1, u"long"_s, QString(210000, u'x')}}));
+  EXPECT_TRUE(refusal(write(tables)).contains(u"the text of \"strPropValue\" is longer than can be read"_s));
+}
+
+TEST_F(AccessImport, AColumnOfTheProgramThatWasGivenAnotherKindIsRefused) {
+  QList<QJsonObject> tables = oldTables();
+  tables[3] = table(u"tblPersons"_s, {u"intPersonID:counter"_s, u"strPersonName:ole"_s});
+  EXPECT_TRUE(
+      refusal(write(tables))
+          .startsWith(u"The column \"strPersonName\" of \"tblPersons\" holds values of the kind \"OLE\""_s));
+}
+
 TEST_F(AccessImport, AnExistingTargetStays) {
   const QString source = write(oldTables());
   ASSERT_TRUE(QDir(folder.path()).mkdir(u"new"_s));
