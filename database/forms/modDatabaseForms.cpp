@@ -12,8 +12,7 @@ namespace {
 ConnectionChoice askWhichDatabase(const QString& strSQLScriptFileName) {
   frmChooseConnection form;
   form.strSQLScriptFileName = strSQLScriptFileName;
-  // the program has no example data to load into a database
-  form.blnHideExampleDataOption = true;
+  // kept: the box for example data is offered, though nothing loads any yet; who reads its answer is to come
   subShowChooseConnection(form);
   return {form.intConnectionOption, form.blnLoadExampleData};
 }
@@ -35,7 +34,6 @@ void subShowSQLLogon(frmSQLLogon& form) {
 void subUseDatabaseForms(DatabaseValues& values) {
   values.blnMayCreateDatabase = true;
   values.frmChooseConnection = askWhichDatabase;
-  values.frmSQLLogon = subShowSQLLogon;
   values.frmSQLLogon = subShowSQLLogon;
 }
 

@@ -126,8 +126,8 @@ TEST_F(ChooseConnectionWindow, IsWhatTheDatabaseCodeShows) {
       [](QDialog& window) {
         EXPECT_TRUE(
             part<QRadioButton>(window, "optSelectExistingSQLDB")->accessibleName().endsWith(u"Some.sql"_s));
-        EXPECT_FALSE(part<QCheckBox>(window, "chkExampleData")->isVisible()) << "there is none to load";
-        expectLetters(window, 4);
+        EXPECT_TRUE(part<QCheckBox>(window, "chkExampleData")->isVisible());
+        expectLetters(window, 5);
         part<QRadioButton>(window, "optCreateSQLDataBase")->click();
         part<QPushButton>(window, "cmdOK")->click();
       });
