@@ -81,6 +81,8 @@ QList<std::pair<QByteArray, QByteArray>> libraryOptions(const ConnectionString& 
   // a server that is gone is noticed within half a minute, and not after the system's two hours
   add("tcp_user_timeout", QStringLiteral("30000"));
   add("keepalives_idle", QStringLiteral("20"));
+  add("keepalives_interval", QStringLiteral("5"));
+  add("keepalives_count", QStringLiteral("2"));
   return options;
 }
 
