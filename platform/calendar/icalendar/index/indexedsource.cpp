@@ -245,7 +245,15 @@ template <class Result, class Asked, class Otherwise>
 Result IndexedSource::answered(Wait wait, const Asked& asked, const Otherwise& otherwise) {
   for (int attempt = 0; attempt < maxAttempts; ++attempt) {
     try {
-      if (!ready() || !refresh(wait)) break;
+      // closed where its rows may be behind the files, and nothing would tell of it again
+      if (!ready()) {
+        if (database_) close();
+        break;
+      }
+      if (!refresh(wait)) {
+        if (isFolder_) close();
+        break;
+      }
       if (!answeredFromIndex_) cache_.forget();
       answeredFromIndex_ = true;
       const Reading reading(*database_);
@@ -262,7 +270,10 @@ Result IndexedSource::answered(Wait wait, const Asked& asked, const Otherwise& o
       }
     } catch (const IndexFailure& failure) {
       if (failure.isBusy()) {  // another process is at it; this one goes without for a while
-        if (!database_) taken_ = Clock::now();
+        if (database_)
+          close();  // what was heard of is not taken in
+        else
+          taken_ = Clock::now();
         break;
       }
       close();

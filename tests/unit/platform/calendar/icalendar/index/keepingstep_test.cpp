@@ -1,3 +1,4 @@
+#include "platform/calendar/icalendar/index/indexfile.h"
 #include "tests/unit/platform/calendar/icalendar/index/world.h"
 
 #include <QDir>
@@ -10,6 +11,8 @@
 
 // Changes of others, while the program runs and while it does not.
 using namespace index_tests;
+using platform::calendar::icalendar::index::Database;
+using platform::calendar::icalendar::index::IndexFile;
 
 namespace {
 
@@ -319,4 +322,22 @@ TEST_F(KeepingStep, AFileThatCouldNotBeReadOnceIsReadByTheNextQuestionWithoutAnI
   ASSERT_EQ(::rename(qPrintable(folder() + u".kept"_qs), qPrintable(path(u"a.ics"_qs))), 0);
   EXPECT_TRUE(plain.problems().isEmpty());
   EXPECT_EQ(plain.countUpTo(9), 1);
+}
+
+TEST_F(KeepingStep, WhatChangedWhileAnotherProgramHeldTheIndexIsSeenBehindThat) {
+  fill(6);
+  makeOld(folder());
+  const auto index = open(folder());
+  expectMonth(*index, folder());
+  {
+    Database other(index->indexPath(), IndexFile(cache(), folder()).identity(), Database::Access::ReadWrite);
+    other.script("BEGIN IMMEDIATE");
+    write(path(u"1.ics"_qs), item("u1", "edited"));
+    write(path(u"2.ics"_qs), item("u2", "moved into the month"));
+    expectMonth(*index, folder());
+    EXPECT_FALSE(index->answeredFromIndex());
+    other.script("ROLLBACK");
+  }
+  expectMonth(*index, folder());
+  EXPECT_TRUE(index->answeredFromIndex());
 }
