@@ -250,6 +250,9 @@ Snapshot Hits::snapshot(const FileRow& file, const QString& uid) {
   }
   for (const Segment& segment : segmentsOf(database_, file.id))
     if (segment.lastEnd >= 0) snapshot.newEventAt = segment.start + segment.lastEnd;
+  // the rows are trusted with where events are read, not with where one is written
+  if (snapshot.newEventAt >= 0 && disk.stretch(snapshot.newEventAt, 3).toUpper() != "END")
+    throw Stale{file.name};
   QByteArray firstLines = disk.stretch(0, qMin<qint64>(before.size, 4096));
   if (!firstLines.contains('\n'))
     firstLines = disk.stretch(0, qMin<qint64>(before.size, 2 * maxPropertyBytes));

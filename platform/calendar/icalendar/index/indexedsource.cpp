@@ -316,8 +316,7 @@ QList<Group> IndexedSource::between(qint64 from, qint64 to) {
     take(database_->ask("SELECT uid FROM event WHERE wide = 1 AND hi >= ? AND lo <= ?", from, to));
     return named(uids);
   };
-  const Wait wait = answeredOnce_ ? Wait::Full : Wait::Short;
-  answeredOnce_ = true;
+  const Wait wait = std::exchange(answeredOnce_, true) ? Wait::Full : Wait::Short;
   return answered<QList<Group>>(wait, asked, [&] { return cache_.between(from, to); });
 }
 
@@ -339,7 +338,8 @@ QList<Group> IndexedSource::withSubject(const QString& subject) {
     }
     return named(uids);
   };
-  return answered<QList<Group>>(Wait::Short, asked, [&] { return cache_.withSubject(subject); });
+  const Wait wait = std::exchange(answeredOnce_, true) ? Wait::Full : Wait::Short;
+  return answered<QList<Group>>(wait, asked, [&] { return cache_.withSubject(subject); });
 }
 
 qint64 IndexedSource::countUpTo(qint64 most) {
@@ -403,10 +403,14 @@ QString IndexedSource::changeTag() {
 
 Snapshot IndexedSource::snapshot(const QString& name, const QString& uid) {
   const auto asked = [&] {
+    seen_.reset();
     const auto row = fileNamed(*database_, name);
     if (!row || row->form != Form::Parts) return cache_.snapshot(name, uid);
-    return hits_->snapshot(*row, uid);
+    Snapshot made = hits_->snapshot(*row, uid);
+    seen_ = row->stamp;
+    return made;
   };
+  seen_.reset();
   return answered<Snapshot>(Wait::Full, asked, [&] { return cache_.snapshot(name, uid); });
 }
 
@@ -420,9 +424,13 @@ void IndexedSource::written(const QString& name, const QList<files::Splice>& spl
     const DiskState now = stateOf(path);
     const bool asTold = now.mtimeNs == after.mtimeNs && now.size == after.size && now.inode == after.inode;
     Change change(*database_);
-    const Intake::Result result =
-        splices.isEmpty() || !asTold ? intake_->take(name, now, true) : intake_->taken(name, splices, now);
+    // another program may have taken in another state of the file since the splices were made
+    const auto row = fileNamed(*database_, name);
+    const bool known = row && seen_ && *seen_ == row->stamp;
+    const Intake::Result result = splices.isEmpty() || !asTold || !known ? intake_->take(name, now, true)
+                                                                         : intake_->taken(name, splices, now);
     change.commit();
+    seen_.reset();
     changed();
     if (!isFolder_ || result == Intake::Result::Unread) return;
     // the folder tells of our own writing as well, which is no news unless somebody wrote behind us

@@ -18,7 +18,7 @@ struct IndexOptions {
   int checkEveryMs = 2000;
   /// After a start an index answers when its folder is as it was; its files are looked at meanwhile. So long
   /// does the first answer wait for that; every later one waits until it is done.
-  int firstAnswerMs = 60;
+  int firstAnswerMs = 3000;
 };
 
 /// The events of a calendar from an index that outlives the process: rows that say when each event can be,
@@ -89,6 +89,7 @@ class IndexedSource : public EventSource {
   bool answeredOnce_ = false, answeredFromIndex_ = false;
   int failures_ = 0;
   std::optional<Clock::time_point> taken_;  // since then another process has the index
+  std::optional<quint64> seen_;             // the stamp of the rows that the last snapshot was made from
   QString nonce_;
   quint64 revision_ = 0;
 };

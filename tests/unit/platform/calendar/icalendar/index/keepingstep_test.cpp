@@ -155,6 +155,17 @@ TEST_F(KeepingStep, TheFirstQuestionWaitsForTheCheckAsLongAsItMay) {
   expectMonth(*openWith(patient, folder()), folder());
 }
 
+TEST_F(KeepingStep, ASecondQuestionForASubjectWaitsForTheWholeCheck) {
+  fill(400);
+  expectMonth(*open(folder()), folder());
+  write(path(u"2.ics"_qs), item("u2", "written meanwhile"));
+  IndexOptions hasty = options();
+  hasty.firstAnswerMs = 0;
+  const auto index = openWith(hasty, folder());
+  index->withSubject(u"written meanwhile"_qs);
+  EXPECT_EQ(index->withSubject(u"written meanwhile"_qs).size(), 1);
+}
+
 TEST_F(KeepingStep, AnEventThatIsShownIsNeverAnOldOne) {
   fill(10);
   expectMonth(*open(folder()), folder());

@@ -1,3 +1,4 @@
+#include "platform/calendar/icalendar/index/indexfile.h"
 #include "tests/unit/platform/calendar/icalendar/index/world.h"
 
 #include <QFile>
@@ -6,6 +7,8 @@
 using namespace index_tests;
 using platform::calendar::icalendar::EventRef;
 using platform::calendar::icalendar::Snapshot;
+using platform::calendar::icalendar::index::Database;
+using platform::calendar::icalendar::index::IndexFile;
 using platform::files::Fingerprint;
 using platform::files::Splice;
 
@@ -130,4 +133,41 @@ TEST_F(Writing, AWriteOfAnotherProgramRightBehindOnesOwnIsNotMissed) {
   index->written(u"a.ics"_qs, {}, result.fingerprint);
   write(path(u"b.ics"_qs), someCalendar(chance, 3));
   expectSame(*index, folder());
+}
+
+TEST_F(Writing, RowsOfAnotherStateThanTheOneThatWasChangedAreNotBuiltUpon) {
+  Chance chance(14);
+  QByteArray text = someCalendar(chance, 620);
+  write(file(), text);
+  const auto index = open(file());
+  const Snapshot seen = index->snapshot(u"one.ics"_qs, u"event-600@example.com"_qs);
+  ASSERT_FALSE(seen.events.isEmpty());
+  const EventRef& ref = seen.events.first();
+  const QByteArray was = ref.file->document.raw(*ref.event->component).toByteArray();
+  // of the same size, taken in by another program, and taken back before this one's own change
+  QByteArray between = text;
+  between.replace("UID:event-3@", "UID:event-4@");
+  write(file(), between);
+  expectSame(*open(file()), file());
+  write(file(), text);
+  const QList<Splice> splices{{ref.file->base + ref.event->component->offset, was, {}}};
+  index->written(u"one.ics"_qs, splices, replace(file(), splices));
+  FileCache plain(file(), u"Test"_qs);
+  EXPECT_EQ(allShownBy(*index), allShownBy(plain));
+  expectSame(*index, file());
+}
+
+TEST_F(Writing, ANewEventGoesWhereTheFileHasItsEndWhateverTheIndexSays) {
+  Chance chance(15);
+  const QByteArray text = someCalendar(chance, 600);
+  write(file(), text);
+  makeOld(file());
+  const auto index = open(file());
+  const QString wanted = u"event-1@example.com"_qs;
+  const qint64 right = index->snapshot(u"one.ics"_qs, wanted).newEventAt;
+  {
+    Database other(index->indexPath(), IndexFile(cache(), file()).identity(), Database::Access::ReadWrite);
+    other.script("UPDATE segment SET lastEnd = lastEnd - 40 WHERE lastEnd > 40");
+  }
+  EXPECT_EQ(index->snapshot(u"one.ics"_qs, wanted).newEventAt, right);
 }
