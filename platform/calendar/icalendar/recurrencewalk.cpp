@@ -205,15 +205,33 @@ class Periods {
   QDate first_;
 };
 
-/// The starts of one period that stand at the rule's positions, in order.
-QList<qint64> atPositions(const QList<int>& positions, const QList<qint64>& starts) {
-  if (positions.isEmpty()) return starts;
-  QList<qint64> found;
-  for (qsizetype i = 0; i < starts.size(); ++i)
-    if (positions.contains(static_cast<int>(i + 1)) ||
-        positions.contains(static_cast<int>(i - starts.size())))
-      found.append(starts[i]);
-  return found;
+/// The starts of one period, each counted as it is made: a rule that names hours, minutes and seconds makes
+/// millions. False when the walk is at its end.
+bool offerAll(const QList<QDate>& days, const QList<qint64>& times, qint64 start, Counter& counter) {
+  for (const QDate& day : days) {
+    const qint64 midnight = wallOf(day, QTime(0, 0));
+    for (const qint64 time : times)
+      if (midnight + time >= start && !counter.offer(midnight + time)) return false;
+  }
+  return true;
+}
+
+/// Of the starts of one period those at the rule's positions, in order.
+bool offerAtPositions(const Rule& rule, const QList<QDate>& days, const QList<qint64>& times, qint64 start,
+                      Counter& counter) {
+  const qint64 count = days.size() * times.size();
+  QList<qint64> places;
+  for (const int position : rule.bySetPos) {
+    const qint64 place = position > 0 ? position - 1 : count + position;
+    if (place >= 0 && place < count) places.append(place);
+  }
+  std::sort(places.begin(), places.end());
+  places.erase(std::unique(places.begin(), places.end()), places.end());
+  for (const qint64 place : std::as_const(places)) {
+    const qint64 wall = wallOf(days[place / times.size()], QTime(0, 0)) + times[place % times.size()];
+    if (wall >= start && !counter.offer(wall)) return false;
+  }
+  return true;
 }
 
 bool walkPeriods(const Rule& rule, qint64 start, qint64 from, qint64 last, Counter& counter) {
@@ -223,12 +241,10 @@ bool walkPeriods(const Rule& rule, qint64 start, qint64 from, qint64 last, Count
   for (;; ++number) {
     const QDate begin = periods.begin(number);
     if (!begin.isValid() || wallOf(begin, QTime(0, 0)) > last) return counter.whole();
-    QList<qint64> starts;
-    for (const QDate& day : periods.days(begin))
-      for (const qint64 time : times) starts.append(wallOf(day, QTime(0, 0)) + time);
-    for (const qint64 wall : atPositions(rule.bySetPos, starts))
-      if (wall >= start && !counter.offer(wall)) return counter.whole();
-    if (!counter.pass()) return counter.whole();
+    if (!(rule.bySetPos.isEmpty() ? offerAll(periods.days(begin), times, start, counter)
+                                  : offerAtPositions(rule, periods.days(begin), times, start, counter)) ||
+        !counter.pass())
+      return counter.whole();
   }
 }
 

@@ -201,3 +201,21 @@ TEST(Rules, AWalkWithoutEndIsBrokenOff) {
                    u"2024-01-01 00:00"_qs, u"2024-01-02 00:00"_qs),
             QStringList{u"..."_qs});
 }
+
+TEST(Rules, EverySecondOfAYearIsCountedAsItComesAndItsPlacesAreFoundWithoutThem) {
+  const auto upTo = [](int from, int to) {
+    QByteArray list = QByteArray::number(from);
+    for (int i = from + 1; i <= to; ++i) list += ',' + QByteArray::number(i);
+    return list;
+  };
+  const QByteArray all = "FREQ=YEARLY;BYMONTHDAY=" + upTo(1, 31) + ";BYHOUR=" + upTo(0, 23) +
+                         ";BYMINUTE=" + upTo(0, 59) + ";BYSECOND=" + upTo(0, 59);
+  const QString start = u"1601-01-01 00:00"_qs, from = u"2023-12-31 00:00"_qs, to = u"2024-12-31 23:59"_qs;
+  EXPECT_EQ(starts(all, start, from, to), QStringList{u"..."_qs});
+  EXPECT_EQ(starts(all + ";BYSETPOS=-60,1,-61,61", start, from, to),
+            (QStringList{u"2023-12-31 23:58"_qs, u"2023-12-31 23:59"_qs, u"2024-01-01 00:00"_qs,
+                         u"2024-01-01 00:01"_qs, u"2024-12-31 23:58"_qs, u"2024-12-31 23:59"_qs}));
+  EXPECT_EQ(starts("FREQ=MONTHLY;BYMONTHDAY=1;BYHOUR=9,10;BYSETPOS=1,-2,2,-1", u"2024-01-01 09:00"_qs,
+                   u"2024-01-01 00:00"_qs, u"2024-02-01 09:30"_qs),
+            (QStringList{u"2024-01-01 09:00"_qs, u"2024-01-01 10:00"_qs, u"2024-02-01 09:00"_qs}));
+}
