@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSysInfo>
 
 #include <cerrno>
 #include <cstdio>
@@ -38,7 +39,8 @@ bool isOurs(const QString& path) {
 IndexFile::IndexFile(const QString& cacheFolder, QString calendarPath)
     : folder_(cacheFolder),
       calendarPath_(std::move(calendarPath)),
-      identity_(checksumOf(calendarPath_.toUtf8(), schemaVersion)) {
+      // two machines may share a home, but not a write-ahead log
+      identity_(checksumOf(calendarPath_.toUtf8() + '\0' + QSysInfo::machineUniqueId(), schemaVersion)) {
   path_ = folder_ + QStringLiteral("/%1.sqlite").arg(identity_, 16, 16, QLatin1Char('0'));
 }
 
