@@ -154,10 +154,19 @@ QByteArray Hits::headOf(qint64 file, qint64 calendar) {
   if (heads_.size() >= maxHeads) heads_.clear();
   QByteArray head;
   Rows rows = database_.ask(
-      "SELECT h.bytes FROM head h JOIN segment s ON s.id = h.segment WHERE h.file = ? AND h.calendar = ? "
+      "SELECT h.bytes, h.zone FROM head h JOIN segment s ON s.id = h.segment WHERE h.file = ? AND h.calendar "
+      "= ? "
       "ORDER BY s.start, h.id",
       file, calendar);
-  while (rows.next()) head += rows.bytes(0);
+  QSet<QByteArray> zones;  // some programs define a zone anew for each event
+  while (rows.next()) {
+    const QByteArray bytes = rows.bytes(0);
+    if (rows.number(1) != 0) {
+      if (zones.contains(bytes)) continue;
+      zones.insert(bytes);
+    }
+    head += bytes;
+  }
   heads_.insert({file, calendar}, head);
   return head;
 }

@@ -95,7 +95,8 @@ Intake::Result Intake::read(FileRow& row, const DiskFile& disk, const DiskState&
     if (row.form != Form::Parts) clearRows(database_, row.id);
     const bool wasParts = row.form == Form::Parts;
     Parts parts(database_, row);
-    const Parts::Result result = parts.refresh(disk, now.size);
+    Parts::Result result = parts.refresh(disk, now.size);
+    if (result == Parts::Result::Changed && hasLargeHead(row.id)) result = Parts::Result::Odd;
     if (result == Parts::Result::Same && wasParts) return Result::Same;
     if (result == Parts::Result::Changed) {
       row.form = Form::Parts;
@@ -114,6 +115,16 @@ Intake::Result Intake::read(FileRow& row, const DiskFile& disk, const DiskState&
   const QByteArray bytes = disk.stretch(0, now.size);
   if (bytes.size() != now.size) return Result::Unread;
   return takeWhole(row, bytes);
+}
+
+/// Each event of a calendar carries its head along.
+bool Intake::hasLargeHead(qint64 file) {
+  return database_
+      .number(
+          "SELECT 1 FROM (SELECT DISTINCT calendar, bytes FROM head WHERE file = ?) GROUP BY calendar "
+          "HAVING sum(length(bytes)) > ? LIMIT 1",
+          file, maxHeadBytes)
+      .has_value();
 }
 
 Intake::Result Intake::takeWhole(FileRow& row, const QByteArray& bytes) {

@@ -10,6 +10,9 @@ inline constexpr qint64 wholeBytes = 64 * 1024;
 /// A calendar in one file that cannot be taken apart by the quick look is parsed whole for each question up
 /// to this size. Above, the index leaves it to who keeps it in memory.
 inline constexpr qint64 maxOddBytes = 256 * 1024;
+/// A calendar with more than this ahead of and between its events, equal zones counted once, is treated so,
+/// too.
+inline constexpr qint64 maxHeadBytes = 256 * 1024;
 
 /// Takes in what stands in the calendar's files.
 class Intake {
@@ -29,6 +32,7 @@ class Intake {
  private:
   QString pathOf(const QString& name) const { return isFolder_ ? root_ + u'/' + name : root_; }
   Result read(FileRow& row, const DiskFile& disk, const DiskState& now);
+  bool hasLargeHead(qint64 file);
   Result takeWhole(FileRow& row, const QByteArray& bytes);
   /// Unsettled where the next look may have more luck. `before`: as it stands in the index.
   Result unread(FileRow& row, const FileRow& before);

@@ -85,3 +85,36 @@ TEST_F(IndexTest, FilesOfOtherProgramsAreShownAsReadingThemShows) {
   write(file(), joined);
   expectSame(*open(file()), file());
 }
+
+TEST_F(IndexTest, AZoneThatIsDefinedAnewForEachEventIsCarriedAlongOnce) {
+  const auto calendar = [](bool alike) {
+    QByteArray text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+    for (int i = 0; i < 300; ++i) {
+      const QByteArray number = QByteArray::number(alike ? 0 : i);
+      const QByteArray hours = QByteArray::number(i % 9 + 1) + "00\r\n";
+      text += "BEGIN:VTIMEZONE\r\nTZID:Own " + number + "\r\nX-NOTE:" + QByteArray(950, 'n') +
+              "\r\nBEGIN:STANDARD\r\nDTSTART:19700101T000000\r\nTZOFFSETFROM:+0" +
+              (alike ? QByteArray("200\r\n") : hours) + "TZOFFSETTO:+0" +
+              (alike ? QByteArray("200\r\n") : hours) + "END:STANDARD\r\nEND:VTIMEZONE\r\n";
+      text += "BEGIN:VEVENT\r\nUID:event-" + QByteArray::number(i) + "@example.com\r\nDTSTART;TZID=Own " +
+              number + ":20200101T" + QByteArray::number(10 + i % 10) +
+              "0000\r\nSUMMARY:Plain\r\nEND:VEVENT\r\n";
+    }
+    return text + "END:VCALENDAR\r\n";
+  };
+  write(file(), calendar(true));
+  {
+    const auto index = open(file());
+    expectSame(*index, file());
+    EXPECT_TRUE(index->answeredFromIndex());
+    const auto group = index->withUid(u"event-299@example.com"_qs);
+    ASSERT_EQ(group.masters.size(), 1);
+    EXPECT_LT(group.masters.first().file->document.bytes.size(), 2000);
+  }
+  write(file(), calendar(false));
+  const auto index = open(file());
+  expectSame(*index, file());
+  EXPECT_FALSE(index->answeredFromIndex()) << "each event carries all zones along";
+  write(path(u"many.ics"_qs), calendar(false));
+  expectSame(*open(folder()), folder());
+}
