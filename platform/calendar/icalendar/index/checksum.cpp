@@ -28,6 +28,7 @@ void Checksum::take(const char* sixteen) {
 }
 
 void Checksum::add(const char* data, size_t size) {
+  if (size == 0) return;
   total_ += size;
   if (held_ > 0) {
     const size_t more = std::min(size, sizeof hold_ - held_);
@@ -40,7 +41,7 @@ void Checksum::add(const char* data, size_t size) {
     held_ = 0;
   }
   for (; size >= sizeof hold_; data += sizeof hold_, size -= sizeof hold_) take(data);
-  std::memcpy(hold_, data, size);
+  if (size > 0) std::memcpy(hold_, data, size);  // without bytes, data may be null
   held_ = size;
 }
 

@@ -107,7 +107,6 @@ TEST(DatabaseFile, SafetyOfTheFileIsSwitchedOn) {
   EXPECT_TRUE(pragma(u"foreign_keys"_qs) == Value(qint32{1}));
   EXPECT_TRUE(pragma(u"synchronous"_qs) == Value(qint32{3})) << "EXTRA";
   EXPECT_TRUE(pragma(u"journal_mode"_qs) == Value(u"delete"_qs));
-  EXPECT_TRUE(pragma(u"busy_timeout"_qs) == Value(qint32{busyTimeoutMs}));
 }
 
 TEST(DatabaseFile, NothingIsLeftOpenWhenAConnectionFails) {
