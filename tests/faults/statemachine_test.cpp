@@ -332,7 +332,7 @@ class Life {
     tell(u"crash"_s);
     if (holding_) {
       // a process that dies runs no destructor
-      static std::vector<IcalendarStore*> neverEnded;
+      static std::vector<decltype(store_.get())> neverEnded;
       neverEnded.push_back(store_.release());
     }
     store_.reset();
