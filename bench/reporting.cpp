@@ -6,11 +6,14 @@
 #include "outlook/OutlookValues.h"
 #include "platform/ado/registration.h"
 #include "platform/automation/components.h"
+#include "platform/basic/convert.h"
 #include "platform/dao/registration.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/scripting/filesystem.h"
 #include "platform/sql/sqlite/engine.h"
+#include "reporting/cReportMemory.h"
 #include "reporting/modReportToAccess.h"
+#include "reporting/ReportingValues.h"
 #include "settings/cGlobalSettings.h"
 #include "settings/cPersonalSettings.h"
 #include "shell/modLanguage.h"
@@ -51,6 +54,7 @@ struct Program {
     settings->gGlobalSettings = std::make_shared<hourbook::cGlobalSettings>();
     settings->gGlobalSettings->ReadGlobalSettings(2, folder.path());
     outlook->gCurrentUser = sampledata::personName();
+    reporting->journalFolder = folder.filePath(u"state/reports"_s);
   }
 
   QString databaseFile() const { return folder.filePath(u"Hourbook3.mdb"_s); }
@@ -61,6 +65,7 @@ struct Program {
   hourbook::Shared<hourbook::OutlookValues>::Scope outlook;
   hourbook::Shared<hourbook::DatabaseValues>::Scope database;
   hourbook::Shared<hourbook::SettingsValues>::Scope settings;
+  hourbook::Shared<hourbook::ReportingValues>::Scope reporting;
   QTemporaryDir folder;
 };
 
@@ -91,6 +96,30 @@ std::shared_ptr<Recordset> reportRecordset() {
     rs->Update();
   }
   return rs;
+}
+
+/// What is written down of the rows before the first of them is stored.
+hourbook::ReportRun noteOf(Recordset& rs, qint16 person) {
+  const auto target = hourbook::fncAskableTarget(2, person);
+  hourbook::ReportRun run;
+  run.target = 2;
+  run.place = target->Place();
+  run.mark = target->Mark();
+  for (rs.MoveFirst(); !rs.isEOF(); rs.MoveNext()) {
+    hourbook::ReportedRow row;
+    row.folder = u"calendar"_s;
+    row.entryId = u"0123456789abcdef@calendar.example//0123456789abcdef.ics"_s;
+    row.tag = u"0123456789012345678901234567890123456789"_s;
+    row.subject = row.line.subject = platform::basic::CStr(rs[u"strSubject"_s].Value());
+    row.start = u"2024-06-10T08:00:00Z"_s;
+    row.line.day = QDate(2024, 6, 10);
+    for (int n = 1; n <= hourbook::metaCount; ++n)
+      row.line.names[size_t(n - 1)] = platform::basic::CStr(rs[u"strMeta%1"_s.arg(n)].Value());
+    if (!target->TakeKeys(row.line)) qFatal("a value is missing");
+    run.rows.append(row);
+  }
+  rs.MoveFirst();
+  return run;
 }
 
 void require(int code, sqlite3* db) {
@@ -133,7 +162,12 @@ void measureReporting() {
       u"report 199 rows, each committed by itself"_s, 7,
       [] {
         const auto rs = reportRecordset();
-        hourbook::fncReportToAccess(rs, true);
+        hourbook::cReportMemory memory;
+        if (!memory.Begin()) qFatal("the journal is locked");
+        hourbook::fncReportToAccess(rs, true, nullptr,
+                                    [&](qint16 person) { memory.Note(noteOf(*rs, person)); });
+        if (!memory.IsNoted()) qFatal("nothing was written down");
+        memory.Finish();
         rs->MoveFirst();
         if (platform::basic::IsNull((*rs)[u"intResult"_s].Value())) qFatal("the rows were not stored");
       },
