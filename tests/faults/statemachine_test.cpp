@@ -332,8 +332,8 @@ class Life {
     tell(u"crash"_s);
     if (holding_) {
       // a process that dies runs no destructor
-      static std::vector<decltype(store_.get())> neverEnded;
-      neverEnded.push_back(store_.release());
+      static auto* const neverEnded = new std::vector<Store*>;  // no leak: it can be reached to the end
+      neverEnded->push_back(store_.release());
     }
     store_.reset();
     open();
