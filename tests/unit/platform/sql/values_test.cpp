@@ -1,10 +1,12 @@
 #include "platform/sql/sqlite/values.h"
 
 #include "platform/basic/failure.h"
+#include "platform/sql/errors.h"
 #include "platform/sql/sqlite/databasefile.h"
 #include "platform/sql/sqlite/engine.h"
 #include "scopedtimezone.h"
 
+#include <QElapsedTimer>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -107,6 +109,32 @@ TEST(DatabaseFile, SafetyOfTheFileIsSwitchedOn) {
   EXPECT_TRUE(pragma(u"foreign_keys"_qs) == Value(qint32{1}));
   EXPECT_TRUE(pragma(u"synchronous"_qs) == Value(qint32{3})) << "EXTRA";
   EXPECT_TRUE(pragma(u"journal_mode"_qs) == Value(u"delete"_qs));
+}
+
+TEST(DatabaseFile, AWaitForAnotherConnectionLastsAsLongAsItIsToldAndThenFailsClearly) {
+  const QTemporaryDir folder;
+  const QString path = folder.filePath(u"a.mdb"_qs);
+  SqliteEngine().createDatabase(path);
+  ConnectionString connection;
+  connection.set(u"Data Source"_qs, path);
+  constexpr int bound = 80;
+  const auto holder = SqliteDriver().connect(connection), waiting = SqliteDriver(bound).connect(connection);
+  holder->execute(u"create table t (a int)"_qs);
+  holder->begin();
+  holder->execute(u"insert into t values (1)"_qs);
+  QElapsedTimer since;
+  since.start();
+  try {
+    waiting->execute(u"insert into t values (2)"_qs);
+    ADD_FAILURE() << "written into a locked database";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.number(), errors::locked);
+  }
+  EXPECT_GE(since.elapsed(), bound) << "given up too early";
+  holder->commit();
+  waiting->execute(u"insert into t values (2)"_qs);
+  EXPECT_EQ(waiting->execute(u"select a from t"_qs).rows.size(), 2);
+  EXPECT_EQ(busyTimeoutMs, 10000);
 }
 
 TEST(DatabaseFile, NothingIsLeftOpenWhenAConnectionFails) {
