@@ -110,27 +110,35 @@ qint64 lastCounted(const Rule& rule, qint64 start) {
   return start + periods * stride + dayMs;
 }
 
+/// The last reading that a rule with COUNT makes. An event that is only marked as lasting all day may turn
+/// out to be one of days or one at a time, and its day is that of a zone that is not known here: the later
+/// counts.
+qint64 lastCountedOf(const Event& event, const Rule& rule) {
+  const qint64 start = event.start->wall();
+  Rule ofDays = rule;
+  ofDays.clearTimes();
+  if (event.start->form == Form::Date) return lastCounted(ofDays, start);
+  if (!event.markedAllDay) return lastCounted(rule, start);
+  if (rule.isSubDaily()) return without;  // of how many hours a day has what the rule names, depends on that
+  qint64 last = qMax(lastCounted(rule, start), lastCounted(ofDays, start));
+  if (event.start->form == Form::Utc)
+    for (const qint64 shift : {-dayMs, dayMs}) last = qMax(last, lastCounted(ofDays, start + shift));
+  return last;
+}
+
 /// The last reading that the rules of a series make.
 qint64 lastByRules(const Event& event) {
   qint64 last = std::numeric_limits<qint64>::min();
   for (const QByteArray& text : event.rules) {
     QString why;
-    auto rule = ruleOf(text, &why);
+    const auto rule = ruleOf(text, &why);
     if (!rule) continue;
     qint64 ofRule = without;
     if (rule->until)
       ofRule = rule->until->wall() + marginOf(event, *rule->until) +
                (rule->until->form == Form::Date || mayBeAllDay(event) ? dayMs : 0);
-    if (rule->count > 0) {
-      if (mayBeAllDay(event)) rule->clearTimes();
-      const bool dayDepends = event.markedAllDay && event.start->form == Form::Utc;
-      for (const qint64 shift : {0LL, -dayMs, dayMs})
-        if (shift == 0 || dayDepends) {
-          const qint64 counted = lastCounted(*rule, event.start->wall() + shift);
-          last = qMax(last, qMin(ofRule, plus(counted, marginOf(event, *event.start))));
-        }
-      continue;
-    }
+    if (rule->count > 0)
+      ofRule = qMin(ofRule, plus(lastCountedOf(event, *rule), marginOf(event, *event.start)));
     last = qMax(last, ofRule);
   }
   return last;

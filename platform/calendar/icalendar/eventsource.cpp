@@ -82,21 +82,28 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
 
 void FileCache::read(const QString& name, const Stamp& stamp) {
   const bool one = !isFolder();
+  // told before the file is read: what is written behind that has another time
+  const bool settled = nanoseconds(fs::file_time_type::clock::now()) - stamp.mtimeNs > settlingNs;
   const files::ReadResult result =
       files::readFile(pathOf(name), one ? maxCalendarFileBytes : maxItemFileBytes);
   if (!result.ok && one)
     fail(result.fingerprint.exists ? errAccessDenied : errNotFound, label_, result.error);
   Entry entry;
   entry.stamp = stamp;
-  entry.settled = nanoseconds(fs::file_time_type::clock::now()) - stamp.mtimeNs > settlingNs;
+  entry.settled = settled;
+  const auto before = entries_.constFind(name);
+  const bool hadEvents = before != entries_.cend() && before->file;
+  if (hadEvents && result.ok && before->file->document.bytes == result.bytes) {  // its times proved nothing
+    entry.file = before->file;
+    entries_.insert(name, std::move(entry));
+    return;
+  }
   if (result.ok)
     entry.file = calendarFile(name, result.bytes);
   else if (name.contains(QChar::ReplacementCharacter))
     entry.error = QStringLiteral("The file's name is not in UTF-8, so the file was not read.");
   else
     entry.error = result.error;
-  const auto before = entries_.constFind(name);
-  const bool hadEvents = before != entries_.cend() && before->file;
   grouped_ = grouped_ && !entry.file && !hadEvents;
   entries_.insert(name, std::move(entry));
 }

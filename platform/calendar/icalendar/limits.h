@@ -11,8 +11,8 @@ inline constexpr qint64 maxItemFileBytes = 64LL * 1024 * 1024;        // of one 
 /// From this size on a copy of a calendar in one file is kept before its first change.
 inline constexpr qint64 minBackupBytes = 1024 * 1024;
 
-/// A file written so shortly before it was read may have been written once more with the same time: the
-/// clocks of file systems are coarse.
-inline constexpr qint64 settlingNs = 100 * 1000 * 1000;
+/// A file written so shortly before it was read may have been written once more with the same time: file
+/// systems count in steps of up to two seconds (FAT; one second: ext3, HFS+, some network drives).
+inline constexpr qint64 settlingNs = 2'000'000'000;
 
 }  // namespace platform::calendar::icalendar

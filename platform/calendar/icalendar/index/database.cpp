@@ -78,6 +78,12 @@ void Database::script(const char* sql) {
   check(sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr));
 }
 
+bool Database::hasMoved() {
+  int moved = 0;
+  check(sqlite3_file_control(handle_, "main", SQLITE_FCNTL_HAS_MOVED, &moved));
+  return moved != 0;
+}
+
 sqlite3_stmt* Database::prepared(const char* sql) {
   sqlite3_stmt*& statement = statements_[sql];
   if (!statement) {

@@ -3,6 +3,9 @@
 #include <QHash>
 #include <QString>
 
+#include <memory>
+#include <optional>
+
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -63,6 +66,10 @@ class Database {
     return rows.next() && !rows.isNull(0) ? std::optional(rows.number(0)) : std::nullopt;
   }
   void script(const char* sql);
+  /// Whether another file, or none, stands where this one was opened.
+  bool hasMoved();
+  /// What is held as long as the connection lives.
+  void hold(std::shared_ptr<void> held) { held_ = std::move(held); }
 
  private:
   sqlite3_stmt* prepared(const char* sql);
@@ -76,6 +83,7 @@ class Database {
   void bind(sqlite3_stmt* statement, int at, const QString& value);
   void bind(sqlite3_stmt* statement, int at, const QByteArray& value);  // as a blob
 
+  std::shared_ptr<void> held_;
   sqlite3* handle_ = nullptr;
   QHash<const char*, sqlite3_stmt*> statements_;  // the texts are literals
 };

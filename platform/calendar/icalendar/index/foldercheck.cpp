@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <numeric>
 
 namespace platform::calendar::icalendar::index {
@@ -61,23 +62,30 @@ FolderCheck::~FolderCheck() {
 void FolderCheck::start() {
   if (thread_.joinable()) return;
   done_ = false;
-  thread_ = std::thread([this] {
-    Differences found = look();
-    const std::lock_guard lock(mutex_);
-    found_ = std::move(found);
+  try {
+    thread_ = std::thread([this] {
+      Differences found = look();
+      const std::lock_guard lock(mutex_);
+      found_ = std::move(found);
+      done_ = true;
+      finished_.notify_all();
+    });
+  } catch (const std::exception&) {  // the system has no thread, or no memory, to spare
+    found_ = {};
+    found_.failed = true;
     done_ = true;
-    finished_.notify_all();
-  });
+  }
 }
 
 std::optional<FolderCheck::Differences> FolderCheck::take(int waitMs) {
-  if (!thread_.joinable()) return std::nullopt;
+  if (!thread_.joinable() && !done_) return std::nullopt;
   {
     std::unique_lock lock(mutex_);
     if (!finished_.wait_for(lock, std::chrono::milliseconds(waitMs), [&] { return done_; }))
       return std::nullopt;
   }
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
+  done_ = false;
   return std::exchange(found_, {});
 }
 

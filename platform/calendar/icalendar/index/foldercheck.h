@@ -42,6 +42,7 @@ class FolderCheck {
   /// Stops the check, if one runs.
   ~FolderCheck();
 
+  /// Where no thread can be had the check has failed, which `take` tells.
   void start();
   /// Waits at most so long; nothing while the check still runs, or when none was started.
   std::optional<Differences> take(int waitMs);

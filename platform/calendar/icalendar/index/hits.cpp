@@ -15,7 +15,7 @@ namespace {
 constexpr qsizetype parsedFactor = 3;  // what a parsed file takes, in its bytes
 constexpr int maxHeads = 64;           // of calendars, kept at once
 
-quint64 keyOf(const std::array<quint64, 6>& parts) {
+quint64 keyOf(const std::array<quint64, 7>& parts) {
   return checksumOf({reinterpret_cast<const char*>(parts.data()), sizeof parts});
 }
 
@@ -48,6 +48,7 @@ QSet<QString> zonesOf(const CalendarFile& part) {
 
 void Hits::forget() {
   heads_.clear();
+  ++changes_;
 }
 
 void Hits::collect(quint64 uid, QHash<qint64, HitFile>& files) {
@@ -113,11 +114,15 @@ void Hits::read(const HitFile& file, QList<EventRef>& into) {
 }
 
 Hits::Kept Hits::whole(const HitFile& file) {
-  const quint64 key = keyOf({1, static_cast<quint64>(file.id), file.stamp, file.content, 0, 0});
-  if (const Kept* kept = kept_.object(key)) return *kept;
+  const quint64 key = keyOf({1, nameSum(file.name), file.stamp, file.content, 0, 0, 0});
+  if (const KeptPart* kept = kept_.object(key)) return kept->file;
   const Kept made = everything(file);
-  kept_.insert(key, new Kept(made), made->document.bytes.size() * parsedFactor + 512);
+  keep(key, {made, 0, changes_});
   return made;
+}
+
+void Hits::keep(quint64 key, const KeptPart& part) {
+  kept_.insert(key, new KeptPart(part), part.file->document.bytes.size() * parsedFactor + 512);
 }
 
 /// A file in full, which must be what its rows are about.
@@ -138,13 +143,22 @@ QByteArray Hits::bytesOf(const HitFile& file, const Hit& hit, const DiskFile& di
 }
 
 Hits::Kept Hits::part(const HitFile& file, const Hit& hit, const DiskFile& disk) {
+  // by the file's name: the number of a file that went is given to the next that comes
   const quint64 key =
-      keyOf({static_cast<quint64>(file.id), static_cast<quint64>(hit.segmentStart + hit.place.offset),
+      keyOf({2, nameSum(file.name), static_cast<quint64>(hit.segmentStart + hit.place.offset),
              static_cast<quint64>(hit.segmentLine + hit.place.line), hit.place.sum,
              static_cast<quint64>(hit.place.number), checksumOf(headOf(file.id, hit.place.calendar))});
-  if (const Kept* kept = kept_.object(key)) return *kept;
-  const Kept made = built(file, hit, bytesOf(file, hit, disk));
-  kept_.insert(key, new Kept(made), made->document.bytes.size() * parsedFactor + 512);
+  if (KeptPart* kept = kept_.object(key)) {
+    if (kept->changes == changes_) return kept->file;
+    // what another calendar of the file says of a zone is no part of the event's own bytes and head
+    if (checksumOf(zonesElsewhere(file.id, hit.place.calendar, *kept->file)) == kept->zones) {
+      kept->changes = changes_;
+      return kept->file;
+    }
+  }
+  quint64 zones = 0;
+  const Kept made = built(file, hit, bytesOf(file, hit, disk), &zones);
+  keep(key, {made, zones, changes_});
   return made;
 }
 
@@ -171,13 +185,14 @@ QByteArray Hits::headOf(qint64 file, qint64 calendar) {
   return head;
 }
 
-Hits::Kept Hits::built(const HitFile& file, const Hit& hit, const QByteArray& event) {
+Hits::Kept Hits::built(const HitFile& file, const Hit& hit, const QByteArray& event, quint64* zonesSum) {
   const PartPlace place{file.name, hit.segmentStart + hit.place.offset, hit.segmentLine + hit.place.line,
                         hit.place.number};
   const QByteArray head = headOf(file.id, hit.place.calendar), tail = "END:VCALENDAR\r\n";
   Kept made = calendarPart(place, head, event, tail);
   if (!made) throw Stale{file.name};
   const QByteArray zones = zonesElsewhere(file.id, hit.place.calendar, *made);
+  if (zonesSum) *zonesSum = checksumOf(zones);
   if (!zones.isEmpty()) made = calendarPart(place, zones + head, event, tail);
   if (!made) throw Stale{file.name};
   return made;

@@ -25,9 +25,10 @@ class Hits {
   QList<EventRef> named(const QSet<quint64>& uids);
   /// All events.
   QList<EventRef> all();
+  /// Something of the files has changed. What was parsed is kept, and each part looked at once more.
+  void forget();
   /// Those of a name in one file in parts, and what a write has to know of it. Throws Stale.
   Snapshot snapshot(const FileRow& file, const QString& uid);
-  void forget();
 
  private:
   struct Hit {
@@ -44,6 +45,11 @@ class Hits {
     QSet<quint64> uids;
   };
   using Kept = std::shared_ptr<const CalendarFile>;
+  struct KeptPart {
+    Kept file;
+    quint64 zones = 0;    // of the definitions of zones that other calendars of the file lent to it
+    quint64 changes = 0;  // up to which change of the calendar's files that is known to hold
+  };
 
   QString pathOf(const QString& name) const { return isFolder_ ? root_ + u'/' + name : root_; }
   void collect(quint64 uid, QHash<qint64, HitFile>& files);
@@ -52,7 +58,8 @@ class Hits {
   Kept everything(const HitFile& file) const;
   Kept part(const HitFile& file, const Hit& hit, const DiskFile& disk);
   QByteArray bytesOf(const HitFile& file, const Hit& hit, const DiskFile& disk) const;
-  Kept built(const HitFile& file, const Hit& hit, const QByteArray& event);
+  void keep(quint64 key, const KeptPart& part);
+  Kept built(const HitFile& file, const Hit& hit, const QByteArray& event, quint64* zonesSum = nullptr);
   QByteArray headOf(qint64 file, qint64 calendar);
   /// Definitions of zones that the event's own calendar has not, from the others of its file, as calendars.
   QByteArray zonesElsewhere(qint64 file, qint64 calendar, const CalendarFile& part);
@@ -61,9 +68,10 @@ class Hits {
   Database& database_;
   QString root_;
   bool isFolder_;
-  QCache<quint64, Kept> kept_;                          // by content and place
+  QCache<quint64, KeptPart> kept_;                      // by content and place
   QHash<std::pair<qint64, qint64>, QByteArray> heads_;  // by file and calendar
-  QHash<QString, bool> known_;                          // names of zones, whether they tell the zone
+  quint64 changes_ = 0;
+  QHash<QString, bool> known_;  // names of zones, whether they tell the zone
 };
 
 }  // namespace platform::calendar::icalendar::index

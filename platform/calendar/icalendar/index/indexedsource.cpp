@@ -1,6 +1,8 @@
 #include "platform/calendar/icalendar/index/indexedsource.h"
 
 #include "platform/calendar/icalendar/index/checksum.h"
+#include "platform/calendar/icalendar/index/indexsweep.h"
+#include "platform/calendar/icalendar/limits.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,6 +21,7 @@ constexpr int maxAttempts = 4;  // against files that change while they are read
 constexpr int maxFailures = 3;  // of the index itself, before this process goes without
 constexpr std::chrono::seconds retryAfter{10};
 constexpr int longestCheckMs = 120'000;
+constexpr int maxResettled = 500;  // files for one question
 constexpr qint64 noBoundBelow = std::numeric_limits<qint64>::min();
 constexpr qint64 noBoundAbove = std::numeric_limits<qint64>::max();
 
@@ -50,7 +53,7 @@ bool IndexedSource::ready() {
   }
   const bool another =
       root.folder != isFolder_ || (root.folder && (root.device != rootDevice_ || root.inode != rootInode_));
-  if (database_ && another) close();
+  if (database_ && (another || database_->hasMoved())) close();
   if (!database_) {
     isFolder_ = root.folder;
     rootDevice_ = root.device;
@@ -78,31 +81,47 @@ bool IndexedSource::open() {
   if (options_.watches) watch_.begin(path_);
   const DiskState root = stateOf(path_);
   database_ = file_.open();
-  bool checked = false;
-  if (!database_) {
-    bool readable = true;
-    database_ = file_.make([&](Database& fresh) {
-      if (isFolder_)
-        readable = passAll(fresh);
-      else
-        Intake(fresh, path_, false).take(ownName_, stateOf(path_), false);
-    });
-    if (!readable) {
-      close();
-      file_.remove();
-      return false;
-    }
-    checked = true;
-    unsureTaken_ = watch_.isOn();
+  bool fresh = !database_;
+  try {
+    if (fresh && !make()) return false;
+  } catch (const IndexFailure& failure) {
+    if (!failure.isBusy()) throw;
+    database_ = file_.open();  // somebody may have made it meanwhile
+    if (!database_) throw;
+    fresh = false;
   }
   intake_.emplace(*database_, path_, isFolder_);
   hits_.emplace(*database_, path_, isFolder_);
-  if (!isFolder_ || checked) return true;
+  sweepIndexesOnce(options_.cacheFolder, file_.path());
+  if (!isFolder_ || fresh) return true;
   const auto known = database_->number("SELECT stamp FROM calendar").value_or(0);
   if (!watch_.isOn() || known == 0 || static_cast<quint64>(known) != root.stamp) return passAll(*database_);
   check_ = std::make_unique<FolderCheck>(path_, file_.path(), file_.identity());
   check_->start();
   return true;
+}
+
+/// False when the calendar cannot be read.
+bool IndexedSource::make() {
+  bool readable = true;
+  database_ = file_.make([&](Database& fresh) {
+    if (isFolder_)
+      readable = passAll(fresh);
+    else
+      Intake(fresh, path_, false).take(ownName_, stateOf(path_), false);
+  });
+  unsureTaken_ = watch_.isOn();
+  if (readable) return true;
+  discard();
+  return false;
+}
+
+/// Away with it, unless somebody else uses it: then this one goes without for a while.
+bool IndexedSource::discard() {
+  close();
+  const bool removed = file_.remove();
+  if (!removed) taken_ = Clock::now();
+  return removed;
 }
 
 bool IndexedSource::refresh(Wait wait) {
@@ -111,8 +130,12 @@ bool IndexedSource::refresh(Wait wait) {
   return isFolder_ ? refreshFolder(wait) : refreshOne();
 }
 
-/// Names of files that the folder does not tell of, and of those whose times prove nothing.
+/// Names of files that the folder does not tell of, and of those whose times prove nothing. Those that are
+/// being heard of need not be read again, but a few of them are once their times do prove something, so that
+/// they are not asked about for ever, nor all of them at the next start.
 void IndexedSource::takeUnsure(QSet<QString>& linked, QSet<QString>& unsettled) {
+  const bool quiet = watch_.isOn() && Clock::now() - lastTaken_ > std::chrono::nanoseconds(settlingNs);
+  int resettled = 0;
   Rows rows = database_->ask("SELECT name, settled, linked, form FROM file WHERE settled = 0 OR linked = 1");
   while (rows.next()) {
     const bool isSettled = rows.number(1) != 0, isLinked = rows.number(2) != 0;
@@ -120,7 +143,7 @@ void IndexedSource::takeUnsure(QSet<QString>& linked, QSet<QString>& unsettled) 
     const bool isUnread = rows.number(3) == static_cast<int>(Form::Unread);
     if (isSettled)
       linked.insert(rows.text(0));
-    else if (isLinked || isUnread || !unsureTaken_)
+    else if (isLinked || isUnread || !unsureTaken_ || (quiet && ++resettled <= maxResettled))
       unsettled.insert(rows.text(0));
   }
 }
@@ -153,6 +176,7 @@ bool IndexedSource::refreshFolder(Wait wait) {
   if (news.lost) {
     if (!watch_.begin(path_)) lastPass_ = {};
     if (!passAll(*database_)) return false;
+    unsureTaken_ = false;  // of files whose times prove nothing, what was lost would have told
   }
   if (!watch_.isOn() && (options_.checkEveryMs <= 0 ||
                          Clock::now() - lastPass_ >= std::chrono::milliseconds(options_.checkEveryMs))) {
@@ -194,7 +218,9 @@ void IndexedSource::takeFiles(QSet<QString> names, bool again) {
     any = intake_->take(name, stateOf(path_ + u'/' + name), again) != Intake::Result::Same || any;
   }
   change.commit();
-  if (any) changed();
+  if (!any) return;
+  lastTaken_ = Clock::now();
+  changed();
 }
 
 /// Looks at every file. False when the folder cannot be read.
@@ -220,6 +246,7 @@ bool IndexedSource::passAll(Database& database) {
   if (change) change->commit();
   check_.reset();
   lastPass_ = Clock::now();
+  if (any || fresh) lastTaken_ = lastPass_;
   if (any) changed();
   return true;
 }
@@ -276,9 +303,7 @@ Result IndexedSource::answered(Wait wait, const Asked& asked, const Otherwise& o
           taken_ = Clock::now();
         break;
       }
-      close();
-      file_.remove();
-      ++failures_;
+      if (discard()) ++failures_;
     }
   }
   answeredFromIndex_ = false;
@@ -431,6 +456,7 @@ void IndexedSource::written(const QString& name, const QList<files::Splice>& spl
                                                                          : intake_->taken(name, splices, now);
     change.commit();
     seen_.reset();
+    lastTaken_ = Clock::now();
     changed();
     if (!isFolder_ || result == Intake::Result::Unread) return;
     // the folder tells of our own writing as well, which is no news unless somebody wrote behind us
@@ -439,8 +465,10 @@ void IndexedSource::written(const QString& name, const QList<files::Splice>& spl
     if (news.lost) lastPass_ = {}, watch_.end();
     if (stateOf(path).stamp == now.stamp) pending_.remove(name);
   } catch (const IndexFailure& failure) {
-    close();
-    if (!failure.isBusy()) file_.remove();
+    if (failure.isBusy())
+      close();
+    else
+      discard();
   }
 }
 

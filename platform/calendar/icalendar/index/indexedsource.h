@@ -55,7 +55,9 @@ class IndexedSource : public EventSource {
   Result answered(Wait wait, const Asked& asked, const Otherwise& otherwise);
   bool ready();
   bool open();
+  bool make();
   void close();
+  bool discard();
   bool refresh(Wait wait);
   bool refreshOne();
   bool refreshFolder(Wait wait);
@@ -83,6 +85,7 @@ class IndexedSource : public EventSource {
   qint64 rootDevice_ = 0;
   quint64 rootInode_ = 0;
   Clock::time_point lastPass_;
+  Clock::time_point lastTaken_;  // when something of the files was taken in
   QSet<QString> pending_;
   bool unsureTaken_ = false;
   std::optional<qint64> version_;  // of the index file, as others write to it

@@ -1,10 +1,13 @@
 #include "platform/calendar/icalendar/index/indexfile.h"
 
 #include "platform/calendar/icalendar/index/checksum.h"
+#include "platform/calendar/icalendar/index/indexlock.h"
+#include "platform/calendar/icalendar/index/indexsweep.h"
 #include "platform/calendar/icalendar/index/tables.h"
 
 #include <QDir>
 #include <QFile>
+#include <QRandomGenerator>
 #include <QSysInfo>
 
 #include <cerrno>
@@ -16,6 +19,13 @@
 
 namespace platform::calendar::icalendar::index {
 namespace {
+
+/// Who makes an index may take seconds; who wants it meanwhile reads the files himself.
+constexpr int lockPatienceMs = 250;
+
+IndexFailure busy() {
+  return {SQLITE_BUSY, "another one has the index"};
+}
 
 IndexFailure systemFailure(const char* what) {
   return {SQLITE_CANTOPEN, QByteArray(what) + ": " + qt_error_string(errno).toUtf8()};
@@ -46,11 +56,25 @@ IndexFile::IndexFile(const QString& cacheFolder, QString calendarPath)
 
 std::unique_ptr<Database> IndexFile::open() const {
   if (!isOurs(path_)) return nullptr;
+  auto lock = std::make_shared<IndexLock>(path_);
+  switch (lock->take(IndexLock::Kind::Shared, lockPatienceMs)) {
+    case IndexLock::Result::Had:
+      return opened(std::move(lock));
+    case IndexLock::Result::Busy:
+      throw busy();
+    case IndexLock::Result::Impossible:
+      break;
+  }
+  return nullptr;
+}
+
+std::unique_ptr<Database> IndexFile::opened(std::shared_ptr<IndexLock> lock) const {
   try {
     auto database = std::make_unique<Database>(path_, identity_, Database::Access::ReadWrite);
     if (!fits(*database, calendarPath_)) return nullptr;
     if (database->ask("PRAGMA journal_mode = WAL").firstText() != "wal") return nullptr;
     database->script("PRAGMA synchronous = NORMAL; PRAGMA journal_size_limit = 4000000");
+    database->hold(std::move(lock));
     return database;
   } catch (const IndexFailure& failure) {
     if (failure.isBusy()) throw;
@@ -62,24 +86,17 @@ std::unique_ptr<Database> IndexFile::make(const std::function<void(Database&)>& 
   const QByteArray folder = QFile::encodeName(folder_);
   if (!QDir(folder_).exists() && (!QDir().mkpath(folder_) || ::chmod(folder.constData(), 0700) < 0))
     throw systemFailure("the cache folder");
-  const QString fresh = QStringLiteral("%1.%2.new").arg(path_).arg(::getpid());
-  removeWithLog(fresh);
-  const int made =
-      ::open(QFile::encodeName(fresh).constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600);
-  if (made < 0) throw systemFailure("the index");
-  ::close(made);
+  auto lock = std::make_shared<IndexLock>(path_);
+  const IndexLock::Result had = lock->take(IndexLock::Kind::Alone, 0);
+  if (had == IndexLock::Result::Busy) throw busy();
+  if (had == IndexLock::Result::Impossible) throw systemFailure("the index's lock");
+  removeHalfMade(path_);
+  const QString fresh = QStringLiteral("%1.%2.%3.new")
+                            .arg(path_)
+                            .arg(::getpid())
+                            .arg(QRandomGenerator::system()->generate(), 8, 16, QLatin1Char('0'));
   try {
-    {
-      Database database(fresh, identity_, Database::Access::ReadWrite);
-      // nobody sees it before it is whole, so nothing has to be taken back
-      database.script(
-          "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA locking_mode = EXCLUSIVE; BEGIN");
-      createTables(database, calendarPath_);
-      fill(database);
-      createSearch(database);
-      markComplete(database);
-      database.script("COMMIT");
-    }
+    build(fresh, fill);
     removeWithLog(path_);
     if (std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path_).constData()) < 0)
       throw systemFailure("the index");
@@ -87,13 +104,34 @@ std::unique_ptr<Database> IndexFile::make(const std::function<void(Database&)>& 
     removeWithLog(fresh);
     throw;
   }
-  auto database = open();
+  if (lock->take(IndexLock::Kind::Shared, lockPatienceMs) != IndexLock::Result::Had) throw busy();
+  auto database = opened(std::move(lock));
   if (!database) throw IndexFailure{SQLITE_CORRUPT, "the index cannot be read back"};
   return database;
 }
 
-void IndexFile::remove() const {
+void IndexFile::build(const QString& fresh, const std::function<void(Database&)>& fill) const {
+  const int made =
+      ::open(QFile::encodeName(fresh).constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (made < 0) throw systemFailure("the index");
+  ::close(made);
+  Database database(fresh, identity_, Database::Access::ReadWrite);
+  // nobody sees it before it is whole, so nothing has to be taken back
+  database.script(
+      "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA locking_mode = EXCLUSIVE; BEGIN");
+  createTables(database, calendarPath_);
+  fill(database);
+  createSearch(database);
+  markComplete(database);
+  database.script("COMMIT");
+}
+
+bool IndexFile::remove() const {
+  IndexLock lock(path_);
+  // where no lock can be had at all nobody has one
+  if (lock.take(IndexLock::Kind::Alone, 0) == IndexLock::Result::Busy) return false;
   removeWithLog(path_);
+  return true;
 }
 
 }  // namespace platform::calendar::icalendar::index

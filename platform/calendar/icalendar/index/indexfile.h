@@ -6,6 +6,8 @@
 
 namespace platform::calendar::icalendar::index {
 
+class IndexLock;
+
 /// The file in which the index of one calendar stands. It may be thrown away at any time, and is wherever
 /// there is a doubt.
 class IndexFile {
@@ -16,14 +18,19 @@ class IndexFile {
   /// Null when there is none that can be used. Throws IndexFailure when another process has it and does not
   /// let go.
   std::unique_ptr<Database> open() const;
-  /// Makes a new one in the place of the old; `fill` puts the rows in. Throws IndexFailure.
+  /// Makes a new one in the place of the old; `fill` puts the rows in. Throws IndexFailure; a busy one when
+  /// somebody uses the old one, or is making a new one himself.
   std::unique_ptr<Database> make(const std::function<void(Database&)>& fill) const;
-  void remove() const;
+  /// False when somebody else uses it: then it stays.
+  bool remove() const;
 
   QString path() const { return path_; }
   quint64 identity() const { return identity_; }
 
  private:
+  std::unique_ptr<Database> opened(std::shared_ptr<IndexLock> lock) const;
+  void build(const QString& fresh, const std::function<void(Database&)>& fill) const;
+
   QString folder_, calendarPath_, path_;
   quint64 identity_;
 };

@@ -5,8 +5,11 @@
 #include <QFile>
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 // Changes of others, while the program runs and while it does not.
@@ -64,6 +67,31 @@ class NoMoreFiles {
 
  private:
   struct rlimit before_ {};
+};
+
+/// No thread can be had as long as it lives: each would want more memory than there is.
+class NoMoreThreads {
+ public:
+  NoMoreThreads() {
+    pthread_attr_t attributes;
+    EXPECT_EQ(::pthread_getattr_default_np(&attributes), 0);
+    EXPECT_EQ(::pthread_attr_getstacksize(&attributes, &before_), 0);
+    setSize(size_t{1} << 46);
+    ::pthread_attr_destroy(&attributes);
+  }
+  ~NoMoreThreads() { setSize(before_); }
+  NoMoreThreads(const NoMoreThreads&) = delete;
+  NoMoreThreads& operator=(const NoMoreThreads&) = delete;
+
+ private:
+  static void setSize(size_t bytes) {
+    pthread_attr_t attributes;
+    EXPECT_EQ(::pthread_getattr_default_np(&attributes), 0);
+    EXPECT_EQ(::pthread_attr_setstacksize(&attributes, bytes), 0);
+    EXPECT_EQ(::pthread_setattr_default_np(&attributes), 0);
+    ::pthread_attr_destroy(&attributes);
+  }
+  size_t before_ = 0;
 };
 
 }  // namespace
@@ -351,4 +379,89 @@ TEST_F(KeepingStep, WhatChangedWhileAnotherProgramHeldTheIndexIsSeenBehindThat) 
   }
   expectMonth(*index, folder());
   EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(KeepingStep, WhereNoThreadCanBeHadTheFilesAreLookedAtAllTheSame) {
+  fill(40);
+  expectMonth(*open(folder()), folder());
+  write(path(u"2.ics"_qs), item("u2", "moved into the month"));
+  write(path(u"3.ics"_qs), item("u3", "moved out of it", "20230404"));
+  makeOld(folder());
+  {
+    const NoMoreThreads none;
+    EXPECT_THROW(std::thread([] {}).join(), std::system_error);
+    const auto index = open(folder());
+    expectMonth(*index, folder());
+    EXPECT_TRUE(index->answeredFromIndex());
+    expectSame(*index, folder());
+  }
+  expectMonth(*open(folder()), folder());
+}
+
+TEST_F(KeepingStep, WhatWasLostBehindAFloodOfNewsIsNotTakenForSure) {
+  fill(6);
+  write(path(u"2.ics"_qs), item("u2", "out", "20230301"));
+  const auto index = open(folder());
+  expectMonth(*index, folder());
+  for (int i = 0; i < 20'000; ++i) {
+    const int number = ::open(qPrintable(path(i % 2 == 0 ? u"1.ics"_qs : u"3.ics"_qs)), O_WRONLY | O_CLOEXEC);
+    ASSERT_EQ(::pwrite(number, "B", 1, 0), 1);
+    ::close(number);
+  }
+  write(path(u"2.ics"_qs), item("u2", "new", "20200206"));
+  {  // as it is where the clock of the files did not go on between the two
+    Database other(index->indexPath(), IndexFile(cache(), folder()).identity(), Database::Access::ReadWrite);
+    other.run("UPDATE file SET settled = 0, stamp = ? WHERE name = '2.ics'",
+              platform::calendar::icalendar::index::stateOf(path(u"2.ics"_qs)).stamp);
+  }
+  expectMonth(*index, folder());
+  EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(KeepingStep, AFileWrittenAgainWithinOneStepOfACoarseClockIsSeen) {
+  using platform::calendar::icalendar::index::stateOf;
+  const auto now = [] {
+    return std::chrono::system_clock::now().time_since_epoch() / std::chrono::seconds(1);
+  };
+  // the clock of the files stands still between the two writes, as where it counts in steps of two seconds
+  const auto writeNow = [&](const QString& file, const QByteArray& bytes, qint64 second) {
+    write(file, bytes);
+    const struct timespec times[2] = {{second, 0}, {second, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, qPrintable(file), times, 0), 0);
+  };
+  const auto stampIs = [&](const IndexedSource& index, const QString& calendar, const QString& name) {
+    Database other(index.indexPath(), IndexFile(cache(), calendar).identity(), Database::Access::ReadWrite);
+    other.run("UPDATE file SET stamp = ? WHERE name = ?", stateOf(path(name)).stamp, name);
+  };
+  fill(4);
+  IndexOptions deaf = options();
+  deaf.watches = false;
+  deaf.checkEveryMs = 0;
+  for (const bool again : {false, true}) {
+    SCOPED_TRACE(again ? "another start" : "the same source");
+    const qint64 second = now() - 1;
+    writeNow(path(u"2.ics"_qs), item("u2", "one", "20230301"), second);
+    auto index = openWith(deaf, folder());
+    FileCache plain(folder(), u"Test"_qs);
+    expectMonth(*index, folder());
+    plain.countUpTo(1);
+    writeNow(path(u"2.ics"_qs), item("u2", "two", "20200206"), second);
+    stampIs(*index, folder(), u"2.ics"_qs);
+    if (again) index = openWith(deaf, folder());
+    expectMonth(*index, folder());
+    EXPECT_TRUE(index->answeredFromIndex());
+    const QStringList seen = shownBy(plain, QDate(2020, 2, 1), QDate(2020, 3, 1));
+    EXPECT_EQ(seen.filter(u"u2"_qs).size(), 1) << "without an index";
+  }
+}
+
+TEST_F(KeepingStep, FilesThatWereYoungAreNotAskedAboutForEver) {
+  fill(30);
+  expectMonth(*open(folder()), folder());
+  const auto index = open(folder());
+  expectMonth(*index, folder());
+  Database other(index->indexPath(), IndexFile(cache(), folder()).identity(), Database::Access::ReadWrite);
+  other.script("UPDATE file SET settled = 0");
+  expectMonth(*index, folder());
+  EXPECT_EQ(other.number("SELECT count(*) FROM file WHERE settled = 0"), 0);
 }

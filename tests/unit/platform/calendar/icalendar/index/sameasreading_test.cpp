@@ -118,3 +118,55 @@ TEST_F(IndexTest, AZoneThatIsDefinedAnewForEachEventIsCarriedAlongOnce) {
   write(path(u"many.ics"_qs), calendar(false));
   expectSame(*open(folder()), folder());
 }
+
+namespace {
+
+QByteArray zoneOf(const QByteArray& name, const QByteArray& hours) {
+  return "BEGIN:VTIMEZONE\r\nTZID:" + name +
+         "\r\nBEGIN:STANDARD\r\nDTSTART:19700101T000000\r\nTZOFFSETFROM:" + hours +
+         "\r\nTZOFFSETTO:" + hours + "\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n";
+}
+
+}  // namespace
+
+TEST_F(IndexTest, AZoneOfAnotherCalendarInTheFileThatChangesChangesTheEventsThatUseIt) {
+  const auto calendars = [](const QByteArray& hours) {
+    QByteArray text =
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + zoneOf("Lent", hours) +
+        "BEGIN:VEVENT\r\nUID:first\r\nDTSTART:20200205T100000Z\r\nDESCRIPTION:" + QByteArray(70'000, 'x') +
+        "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\nBEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+    return text + "BEGIN:VEVENT\r\nUID:second\r\nDTSTART;TZID=Lent:20200205T100000\r\nSUMMARY:Plain\r\n" +
+           "END:VEVENT\r\nEND:VCALENDAR\r\n";
+  };
+  const QByteArrayList offsets{"+0100", "+0700", "-0300"};
+  write(file(), calendars(offsets.first()));
+  const auto index = open(file());
+  for (const QByteArray& hours : offsets) {
+    write(file(), calendars(hours));  // of the same length: each event stays where it was
+    expectSame(*index, file());
+    EXPECT_TRUE(index->answeredFromIndex());
+  }
+  // and the definition may go, or come
+  write(file(), calendars("+0200").replace("TZID:Lent", "TZID:Kept"));
+  expectSame(*index, file());
+  write(file(), calendars("+0200"));
+  expectSame(*index, file());
+  EXPECT_TRUE(index->answeredFromIndex());
+}
+
+TEST_F(IndexTest, AFileThatIsGivenAnotherNameShowsItsEventsUnderThatName) {
+  Chance chance(31);
+  write(path(u"a.ics"_qs), someCalendar(chance, 2));
+  write(path(u"b.ics"_qs), someCalendar(chance, 400));
+  ASSERT_GT(contentOf(path(u"b.ics"_qs)).size(), platform::calendar::icalendar::index::wholeBytes);
+  const auto index = open(folder());
+  expectSame(*index, folder());
+  for (const auto& [from, to] : {std::pair{u"b.ics"_qs, u"c.ics"_qs}, {u"c.ics"_qs, u"a.ics"_qs}}) {
+    ASSERT_EQ(::rename(qPrintable(path(from)), qPrintable(path(to))), 0);
+    // before and behind the name, as the number of what went is given to what comes
+    expectSame(*index, folder());
+    write(path(u"later.ics"_qs), someCalendar(chance, 1));
+    expectSame(*index, folder());
+  }
+  EXPECT_TRUE(index->answeredFromIndex());
+}
