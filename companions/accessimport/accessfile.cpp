@@ -26,7 +26,11 @@ namespace {
 
 constexpr int patienceMs = 10 * 60 * 1000;  // for one table
 const QString dateForm = u"%Y-%m-%dT%H:%M:%S"_s;
+const QString unreadableDate =
+    u"1900-01-00T00:00:00"_s;         // what the reader gives for a date that it does not know
 constexpr int longestText = 199'996;  // bytes; mdbtools cuts what is longer without a word
+/// Amounts come as decimal texts that are read as doubles; behind this one a double has no ten-thousandths.
+constexpr double largestAmount = 549'755'813'888.0;
 
 // The header's hidden part is scrambled with a key that all files of this format share.
 constexpr int hiddenAt = 0x18, hiddenLength = 128, passwordAt = 0x42, passwordLength = 40, dateAt = 0x72;
@@ -76,7 +80,8 @@ std::optional<Value> valueOf(const QJsonValue& json, Type type) {
       return {};
     case Type::Integer:
     case Type::Long:
-      if (number && std::abs(json.toDouble()) <= 2147483647.0) return Value(qint32(json.toDouble()));
+      if (number && json.toDouble() >= -2147483648.0 && json.toDouble() <= 2147483647.0)
+        return Value(qint32(json.toDouble()));
       return {};
     case Type::Single:
       if (number) return Value(float(json.toDouble()));
@@ -85,7 +90,8 @@ std::optional<Value> valueOf(const QJsonValue& json, Type type) {
       if (number) return Value(json.toDouble());
       return {};
     case Type::Currency:
-      if (number) return Value(platform::basic::Currency::fromDouble(json.toDouble()));
+      if (number && std::abs(json.toDouble()) < largestAmount)
+        return Value(platform::basic::Currency::fromDouble(json.toDouble()));
       return {};
     case Type::Date: {
       const QString text = json.toString();
@@ -103,6 +109,18 @@ std::optional<Value> valueOf(const QJsonValue& json, Type type) {
   return {};
 }
 
+/// Why a value has none of ours.
+QString reasonFor(const QJsonValue& json, const AccessColumn& column) {
+  if (column.type == Type::Date && json.toString() == unreadableDate)
+    return u"the date of \"%1\" lies before 30 December 1899 or too far ahead, and cannot be read from "
+           u"there. "
+           u"Change it in Access and begin again."_s.arg(column.name);
+  if (column.type == Type::Currency && json.isDouble())
+    return u"the amount of \"%1\" is too large to be read from there to the ten-thousandth."_s.arg(
+        column.name);
+  return u"the value of \"%1\" is not understood."_s.arg(column.name);
+}
+
 }  // namespace
 
 AccessFile::AccessFile(QString path) : path_(std::move(path)) {
@@ -116,6 +134,7 @@ AccessFile::AccessFile(QString path) : path_(std::move(path)) {
     fail(u"\"%1\" is not a Microsoft Access database."_s.arg(path_));
   refuseIfOpen();
   refuseIfProtected();
+  makeConversions();
   const QByteArray listed = run(u"mdb-tables"_s, {u"-1"_s, path_});
   for (const QByteArray& name : listed.split('\n'))
     if (!name.isEmpty()) tables_.append(QString::fromUtf8(name));
@@ -157,11 +176,24 @@ void AccessFile::refuseIfProtected() const {
   }
 }
 
+/// The reader takes the texts for UCS-2, which has no letters beyond the first 65,536, and would make two
+/// question marks of each emoji. They are UTF-16: the system's converter is told so, for that program alone.
+void AccessFile::makeConversions() const {
+  if (!conversions_.isValid()) fail(conversions_.errorString());
+  QFile aliases(conversions_.filePath(u"gconv-modules"_s));
+  const QByteArray text = "alias UCS-2LE// UTF-16LE//\n";
+  if (!aliases.open(QIODevice::WriteOnly) || aliases.write(text) != text.size() || !aliases.flush())
+    fail(u"\"%1\" cannot be written: %2"_s.arg(aliases.fileName(), aliases.errorString()));
+}
+
 QByteArray AccessFile::run(const QString& program, const QStringList& arguments) const {
   QProcess process;
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);  // numbers with points, texts in UTF-8
   environment.insert(u"TZ"_s, u"UTC"_s);
+  const QString others = environment.value(u"GCONV_PATH"_s);
+  environment.insert(u"GCONV_PATH"_s,
+                     others.isEmpty() ? conversions_.path() : conversions_.path() + u':' + others);
   process.setProcessEnvironment(environment);
   process.start(program, arguments);
   if (!process.waitForStarted())
@@ -235,8 +267,8 @@ void AccessFile::rows(const QString& table, const QList<AccessColumn>& columns,
     for (const AccessColumn& column : columns) {
       const auto value = valueOf(object.value(column.name), column.type);
       if (!value)
-        fail(u"Row %1 of \"%2\" in \"%3\": the value of \"%4\" is not understood."_s.arg(number).arg(
-            table, path_, column.name));
+        fail(u"Row %1 of \"%2\" in \"%3\": %4"_s.arg(QString::number(number), table, path_,
+                                                     reasonFor(object.value(column.name), column)));
       const auto* const text = std::get_if<QString>(&*value);
       if (text && text->toUtf8().size() >= longestText)
         fail(u"Row %1 of \"%2\" in \"%3\": the text of \"%4\" is longer than can be read from there."_s

@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <functional>
 
@@ -40,6 +41,7 @@ class AccessFile {
 
  private:
   QByteArray run(const QString& program, const QStringList& arguments) const;
+  void makeConversions() const;
   void refuseIfOpen() const;
   void refuseIfProtected() const;
   QMap<QString, QString> captions(const QString& table) const;
@@ -47,6 +49,7 @@ class AccessFile {
 
   QString path_;
   QStringList tables_;
+  QTemporaryDir conversions_;
 };
 
 }  // namespace accessimport

@@ -68,9 +68,19 @@ const AccessColumn* find(const QList<AccessColumn>& columns, const QString& name
   return found == columns.end() ? nullptr : &*found;
 }
 
+/// Access takes quotation marks in names, the program's own form does not.
+bool hasNoPlace(const QString& name) {
+  return name.contains(u'"');
+}
+
 /// The columns that can be taken over, in the order of the file; the others are noted.
 QList<AccessColumn> takenOver(const QString& table, QList<AccessColumn> columns, QStringList& notes) {
   columns.removeIf([&](const AccessColumn& column) {
+    if (hasNoPlace(column.name)) {
+      notes.append(u"The column \"%1\" of \"%2\" is left out: its name has a quotation mark in it."_s.arg(
+          column.name, table));
+      return true;
+    }
     if (column.foreignKind.isEmpty()) return false;
     notes.append(u"The column \"%1\" of \"%2\" is left out: it holds values of the kind \"%3\"."_s.arg(
         column.name, table, column.foreignKind));
@@ -169,6 +179,14 @@ struct Plan {
   bool own = false;  // the user's own table
 };
 
+/// Of a table of the user's own; empty for one that can be taken over.
+QString reasonToLeaveOut(const QString& table) {
+  if (table.startsWith(u'-'))  // mdbtools has no way to be told that it is none
+    return u"its name begins like an option of the program that reads it."_s;
+  if (hasNoPlace(table)) return u"its name has a quotation mark in it."_s;
+  return {};
+}
+
 QList<Plan> planOf(const AccessFile& file, QStringList& notes) {
   QList<Plan> plans;
   for (const char* name : fillingOrder) {
@@ -183,6 +201,10 @@ QList<Plan> planOf(const AccessFile& file, QStringList& notes) {
   for (const QString& table : file.tables()) {
     if (std::any_of(plans.begin(), plans.end(), [&](const Plan& plan) { return same(plan.table, table); }))
       continue;
+    if (const QString reason = reasonToLeaveOut(table); !reason.isEmpty()) {
+      notes.append(u"The table \"%1\" is left out: %2"_s.arg(table, reason));
+      continue;
+    }
     const QList<AccessColumn> columns = takenOver(table, file.columns(table), notes);
     if (columns.isEmpty()) continue;
     plans.append({table, columns, true});
@@ -214,6 +236,25 @@ struct Look {
   }
 };
 
+/// A folder with those above it, of which the ones that were made for it go away again when nothing is in
+/// them.
+class Folder {
+ public:
+  explicit Folder(const QString& path) {
+    for (QDir above(path); !above.exists() && !above.isRoot(); above.setPath(QFileInfo(above.path()).path()))
+      made_.append(above.path());
+    if (!QDir().mkpath(path)) fail(u"The folder \"%1\" cannot be made."_s.arg(path));
+  }
+  ~Folder() {
+    for (const QString& path : made_) QDir().rmdir(path);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+
+ private:
+  QStringList made_;  // the innermost first
+};
+
 /// A file that goes away unless it was kept.
 class Unfinished {
  public:
@@ -242,7 +283,7 @@ Outcome convert(const QString& source, const QString& target) {
   Outcome outcome;
   const QList<Plan> plans = planOf(file, outcome.notes);
 
-  if (!QDir().mkpath(wanted.path())) fail(u"The folder \"%1\" cannot be made."_s.arg(wanted.path()));
+  const Folder folder(wanted.absolutePath());
   Unfinished made(wanted.dir().filePath(
       u".%1.%2.tmp"_s.arg(wanted.fileName(), QUuid::createUuid().toString(QUuid::Id128).left(6))));
   const auto driver = std::make_shared<platform::sql::sqlite::SqliteDriver>();

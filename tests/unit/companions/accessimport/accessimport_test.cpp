@@ -114,7 +114,7 @@ class AccessImport : public testing::Test {
       convert(source, target());
     } catch (const Failure& failure) {
       EXPECT_FALSE(QFile::exists(target()));
-      EXPECT_TRUE(QDir(folder.filePath(u"new"_s)).entryList(QDir::Files | QDir::Hidden).isEmpty());
+      EXPECT_FALSE(QFileInfo::exists(folder.filePath(u"new"_s)));
       return failure.description();
     }
     return u"taken"_s;
@@ -216,6 +216,58 @@ TEST_F(AccessImport, OwnColumnsAndTablesComeAlongAndWhatHasNoPlaceIsNamed) {
   EXPECT_EQ(rowsOf(*session, u"select [Ratio], [Small] from [My notes]"_s), QStringList(u"0.1|200"_s));
 }
 
+TEST_F(AccessImport, OwnNamesThatHaveNoPlaceAreLeftOutByName) {
+  QList<QJsonObject> tables = oldTables();
+  tables.append(table(u"Ann's list"_s,
+                      {u"id:counter=It's \"it\""_s, u"5\" disk:text"_s, u"a'b:text"_s, u"-c:text"_s},
+                      {QJsonArray{1, u"gone"_s, u"'\""_s, u"-"_s}}));
+  tables.append(table(u"\"Own\""_s, {u"id:counter"_s}, {QJsonArray{1}}));
+  tables.append(table(u"-old"_s, {u"id:counter"_s}, {QJsonArray{1}}));
+  const Outcome outcome = convert(write(tables), target());
+  EXPECT_EQ(
+      outcome.notes,
+      (QStringList{
+          u"The column \"5\" disk\" of \"Ann's list\" is left out: its name has a quotation mark in it."_s,
+          u"The table \"Ann's list\" is not of this program; it was taken over without its keys."_s,
+          u"The table \"\"Own\"\" is left out: its name has a quotation mark in it."_s,
+          u"The table \"-old\" is left out: its name begins like an option of the program that reads it."_s}));
+  EXPECT_EQ(outcome.rows, 12);
+  const auto session = open(target());
+  EXPECT_EQ(rowsOf(*session, u"select id, [a'b], [-c] from [Ann's list]"_s), QStringList(u"1|'\"|-"_s));
+  EXPECT_EQ(session->columns(u"Ann's list"_s).first().caption, u"It's \"it\""_s);
+}
+
+TEST_F(AccessImport, AmountsArriveToTheTenThousandthOrAreNamed) {
+  const auto tablesWith = [](const QString& amount) {
+    QList<QJsonObject> tables = oldTables();
+    tables.append(table(u"Own"_s, {u"id:counter"_s, u"Worth:currency"_s},
+                        {QJsonArray{1, u"0.0001"_s}, QJsonArray{2, amount}}));
+    return tables;
+  };
+  for (const QString& amount : {u"549755813887.9999"_s, u"-549755813887.9999"_s}) {
+    QFile::remove(target());
+    convert(write(tablesWith(amount)), target());
+    EXPECT_EQ(rowsOf(*open(target()), u"select Worth from Own order by id"_s),
+              (QStringList{u"0.0001"_s, amount}));
+  }
+  QFile::remove(target());
+  QDir(folder.path()).rmdir(u"new"_s);
+  for (const QString& amount : {u"549755813888.0001"_s, u"-922337203685477.5808"_s}) {
+    const QString text = refusal(write(tablesWith(amount)));
+    EXPECT_TRUE(text.startsWith(u"Row 2 of \"Own\" in "_s)) << qPrintable(text);
+    EXPECT_TRUE(text.contains(u"the amount of \"Worth\" is too large to be read"_s)) << qPrintable(text);
+  }
+}
+
+TEST_F(AccessImport, AFailureTakesNoFolderAwayThatWasThere) {
+  ASSERT_TRUE(QDir(folder.path()).mkdir(u"new"_s));
+  QList<QJsonObject> tables = oldTables();
+  tables[3] = table(u"tblPersons"_s, {u"intPersonID:counter"_s, u"strPersonName:text"_s});
+  EXPECT_THROW(convert(write(tables), folder.filePath(u"new/a/b/Hourbook3.mdb"_s)), Failure);
+  EXPECT_TRUE(QFileInfo::exists(folder.filePath(u"new"_s)));
+  EXPECT_FALSE(QFileInfo::exists(folder.filePath(u"new/a"_s)));
+}
+
 TEST_F(AccessImport, AThousandRowsOverManyPagesAreAllThere) {
   QList<QJsonObject> tables = oldTables();
   QList<QJsonArray> rows;
@@ -223,6 +275,37 @@ TEST_F(AccessImport, AThousandRowsOverManyPagesAreAllThere) {
   tables[3] = table(u"tblPersons"_s, {u"intPersonID:counter"_s, u"strPersonName:text"_s}, rows);
   EXPECT_EQ(convert(write(tables), target()).rows, 1010);
   EXPECT_EQ(rowsOf(*open(target()), u"select count(*) from tblPersons"_s), QStringList(u"1000"_s));
+}
+
+TEST_F(AccessImport, LettersOfAllPlanesArriveWhole) {
+  const QString wave = QString::fromUcs4(U"\U0001F44B\U00020BB7 ??");
+  QList<QJsonObject> tables = oldTables();
+  tables[3] =
+      table(u"tblPersons"_s, {u"intPersonID:counter="_s + wave, u"strPersonName:text"_s, u"Notes:memo"_s},
+            {QJsonArray{3, wave, wave.repeated(2000)}});
+  EXPECT_EQ(convert(write(tables), target()).rows, 11);
+  const auto session = open(target());
+  EXPECT_EQ(rowsOf(*session, u"select strPersonName, Notes from tblPersons"_s),
+            QStringList(wave + u'|' + wave.repeated(2000)));
+  EXPECT_EQ(session->columns(u"tblPersons"_s).first().caption, wave);
+}
+
+TEST_F(AccessImport, ADateThatTheReaderDoesNotKnowIsNamedAndNotTakenForAnother) {
+  QList<QJsonObject> tables = oldTables();
+  tables.append(
+      table(u"Own"_s, {u"id:counter"_s, u"Born:date"_s}, {QJsonArray{1, u"1850-01-01T00:00:00"_s}}));
+  const QString text = refusal(write(tables));
+  EXPECT_TRUE(text.startsWith(u"Row 1 of \"Own\" in "_s)) << qPrintable(text);
+  EXPECT_TRUE(text.contains(u"the date of \"Born\" lies before 30 December 1899"_s)) << qPrintable(text);
+}
+
+TEST_F(AccessImport, TheSmallestAndLargestNumbersArriveAsTheyAre) {
+  QList<QJsonObject> tables = oldTables();
+  tables.append(table(u"Own"_s, {u"id:counter"_s, u"n:long"_s},
+                      {QJsonArray{1, -2147483647 - 1}, QJsonArray{2, 2147483647}}));
+  convert(write(tables), target());
+  EXPECT_EQ(rowsOf(*open(target()), u"select n from Own order by id"_s),
+            (QStringList{u"-2147483648"_s, u"2147483647"_s}));
 }
 
 TEST_F(AccessImport, ATextThatTheReaderWouldCutIsNamedAndNotTaken) {
