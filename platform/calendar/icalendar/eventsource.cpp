@@ -219,8 +219,9 @@ void FileCache::forget() {
 }
 
 void FileCache::sweep() {
-  if (swept_) return;
-  swept_ = true;
+  const auto now = std::chrono::steady_clock::now();
+  if (swept_ && now - *swept_ < sweepPause_) return;
+  swept_ = now;
   files::sweepLitter(isFolder() ? path_ : QFileInfo(path_).path());
 }
 

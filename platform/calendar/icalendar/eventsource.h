@@ -4,6 +4,7 @@
 
 #include <QHash>
 
+#include <chrono>
 #include <limits>
 
 namespace platform::calendar::icalendar {
@@ -50,8 +51,8 @@ class EventSource {
   virtual bool isFolder() const = 0;
   virtual QString pathOf(const QString& name) const = 0;
   virtual QString changeTag() = 0;
-  /// Takes away what a crash in the middle of a save has left here, once, before the first save: whoever only
-  /// reads a calendar leaves no trace in its folder.
+  /// Takes away what a crash in the middle of a save has left here, ahead of the first save and then at
+  /// times: whoever only reads a calendar leaves no trace in its folder.
   virtual void sweep() = 0;
 };
 
@@ -76,6 +77,9 @@ class FileCache : public EventSource {
   QString pathOf(const QString& name) const override;
   QString changeTag() override;
   void sweep() override;
+  /// What is too young to be surely left over when it is swept is old enough at the next time, and another
+  /// program may crash while this one runs. Tests shorten it.
+  void setSweepPause(std::chrono::milliseconds pause) { sweepPause_ = pause; }
 
  private:
   struct Stamp {
@@ -98,7 +102,8 @@ class FileCache : public EventSource {
   QMap<QString, Entry> entries_;
   QHash<QString, Group> groups_;
   bool grouped_ = false;
-  bool swept_ = false;
+  std::chrono::milliseconds sweepPause_ = std::chrono::hours(1);
+  std::optional<std::chrono::steady_clock::time_point> swept_;
 };
 
 }  // namespace platform::calendar::icalendar
