@@ -47,7 +47,8 @@ std::unique_ptr<FileLock> FileLock::tryTake(const QString& path, QString* error)
     return nullptr;
   }
   const int result = retried([&] { return ::flock(file, LOCK_EX | LOCK_NB); });
-  if (result != 0 && errno == EWOULDBLOCK) return nullptr;
+  // some network file systems say of a lock that another one has that it is not permitted
+  if (result != 0 && (errno == EWOULDBLOCK || errno == EACCES)) return nullptr;
   return std::unique_ptr<FileLock>(new FileLock(file.release()));
 }
 

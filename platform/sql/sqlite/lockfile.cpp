@@ -51,7 +51,11 @@ void make(const QString& database, const QByteArray& path) {
 /// -1 where the file cannot be had.
 int opened(const QString& database, const QByteArray& path) {
   if (isMissing(path)) make(database, path);
-  return ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  // network file systems give a lock for one alone only on what is open for writing
+  constexpr int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+  const int descriptor = ::open(path.constData(), O_RDWR | flags);
+  if (descriptor >= 0 || (errno != EACCES && errno != EROFS)) return descriptor;
+  return ::open(path.constData(), O_RDONLY | flags);
 }
 
 /// Is the open file still the one that stands under its name? Its last user may have removed it meanwhile.
@@ -62,13 +66,17 @@ bool standsAt(const QByteArray& path, int descriptor) {
          open.st_ino == named.st_ino && open.st_dev == named.st_dev;
 }
 
-enum class Attempt { Got, Busy, Gone, Impossible };
+enum class Attempt { Got, Busy, Gone, Forbidden, Impossible };
 
 Attempt tryLock(const QByteArray& path, int descriptor, LockFile::Use use) {
   const int operation = (use == LockFile::Use::Alone ? LOCK_EX : LOCK_SH) | LOCK_NB;
   int result = ::flock(descriptor, operation);
   while (result != 0 && errno == EINTR) result = ::flock(descriptor, operation);
-  if (result != 0) return errno == EWOULDBLOCK ? Attempt::Busy : Attempt::Impossible;
+  if (result != 0) {
+    // some network file systems say of a lock that another one has that it is not permitted
+    if (errno == EWOULDBLOCK || errno == EACCES) return Attempt::Busy;
+    return errno == EBADF ? Attempt::Forbidden : Attempt::Impossible;
+  }
   return standsAt(path, descriptor) ? Attempt::Got : Attempt::Gone;
 }
 
@@ -90,7 +98,8 @@ std::unique_ptr<LockFile> LockFile::take(const QString& database, Use use, int w
       throw Failure(errors::locked,
                     QStringLiteral("The database '%1' is in use by another program.").arg(database));
     if (attempt == Attempt::Impossible) return nullptr;
-    descriptor = opened(database, path);
+    // who may not write into it counts as one who cannot have the file
+    descriptor = attempt == Attempt::Forbidden ? -1 : opened(database, path);
   }
   if (use == Use::Shared) return nullptr;
   throw Failure(errors::noPermission,

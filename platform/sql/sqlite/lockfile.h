@@ -18,8 +18,8 @@ class LockFile {
   enum class Use { Shared, Alone };
   /// Waits up to `waitMs` for others, then Failure 3045 ("in use by another program"). Where the file cannot
   /// be made, as in a folder that may only be read: to share it, a null pointer (a database there can be read
-  /// all the same), to have it alone Failure 3051. A null pointer too on a file system that has no such
-  /// locks; on some network ones that is so for having it alone, since the file is only open for reading.
+  /// all the same), to have it alone Failure 3051; so too where a network file system wants it open for
+  /// writing, and it may only be read. A null pointer on a file system that has no such locks.
   static std::unique_ptr<LockFile> take(const QString& database, Use use, int waitMs);
   ~LockFile();
   LockFile(const LockFile&) = delete;

@@ -9,13 +9,45 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <cerrno>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 using namespace platform::sql;
 using namespace platform::sql::sqlite;
 using contract::OtherProcess;
 using platform::Failure;
+
+namespace {
+
+/// While it lives, locks are as on a network folder: for one alone only on a file that is open for writing,
+/// and "permission denied" where somebody else has one.
+class OverNetwork {
+ public:
+  OverNetwork() { on = true; }
+  ~OverNetwork() { on = false; }
+  OverNetwork(const OverNetwork&) = delete;
+  OverNetwork& operator=(const OverNetwork&) = delete;
+  static inline bool on = false;
+};
+
+}  // namespace
+
+// in place of the system's in this program of tests
+extern "C" int flock(int descriptor, int operation) noexcept {
+  const bool reading = (::fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDONLY;
+  if (OverNetwork::on && (operation & LOCK_EX) != 0 && reading) {
+    errno = EBADF;
+    return -1;
+  }
+  const auto result = static_cast<int>(::syscall(SYS_flock, descriptor, operation));
+  if (result != 0 && OverNetwork::on && errno == EWOULDBLOCK) errno = EACCES;
+  return result;
+}
 
 namespace {
 
@@ -100,6 +132,23 @@ TEST_F(Sharing, WhereNoLockCanBeHadTheDatabaseIsOpenedAndNotCompacted) {
   EXPECT_EQ(numberOf([&] { compact(); }), errors::noPermission);
   EXPECT_FALSE(QFile::exists(folder.filePath(u"nowhere"_qs)));
   EXPECT_FALSE(QFile::exists(target));
+}
+
+TEST_F(Sharing, OverANetworkAnIdleUserKeepsTheDatabaseFromBeingCompactedAsWell) {
+  const OverNetwork network;
+  auto idle = open();
+  EXPECT_EQ(numberOf([&] { compact(); }), errors::locked);
+  EXPECT_FALSE(QFile::exists(target));
+  idle.reset();
+  EXPECT_FALSE(QFile::exists(lock)) << "the last user takes it away";
+  compact();
+  EXPECT_TRUE(QFile::exists(target));
+}
+
+TEST_F(Sharing, OverANetworkACompactionKeepsOthersWaiting) {
+  const OverNetwork network;
+  const auto held = compact();
+  EXPECT_EQ(numberOf([&] { LockFile::take(path, LockFile::Use::Shared, 0); }), errors::locked);
 }
 
 TEST_F(Sharing, ALockFileThatACrashHasLeftIsUsedAndTakenAway) {
