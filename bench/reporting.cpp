@@ -12,6 +12,7 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/sql/sqlite/engine.h"
 #include "reporting/cReportMemory.h"
+#include "reporting/modReportRecordset.h"
 #include "reporting/modReportToAccess.h"
 #include "reporting/ReportingValues.h"
 #include "settings/cGlobalSettings.h"
@@ -70,19 +71,7 @@ struct Program {
 };
 
 std::shared_ptr<Recordset> reportRecordset() {
-  namespace ado = platform::ado;
-  auto rs = std::make_shared<Recordset>();
-  ado::Fields fields = rs->Fields();
-  fields.Append(u"intRowCounter"_s, ado::adBigInt);
-  fields.Append(u"dteStartDate"_s, ado::adDBDate);
-  fields.Append(u"strSubject"_s, ado::adVarWChar, 255);
-  fields.Append(u"intHours"_s, ado::adSingle);
-  for (int n = 1; n <= 3; ++n) fields.Append(u"strMeta%1"_s.arg(n), ado::adVarWChar, 255);
-  fields.Append(u"curPersonalRate"_s, ado::adCurrency);
-  fields.Append(u"intResult"_s, ado::adBigInt);
-  fields.Append(u"strPerson"_s, ado::adVarWChar, 255);
-  fields.Append(u"strBody"_s, ado::adBSTR);
-  rs->Open();
+  auto rs = hourbook::fncReportRecordset();
   for (int i = 1; i <= rows; ++i) {
     rs->AddNew();
     (*rs)[u"intRowCounter"_s].setValue(qint64(i));
@@ -110,11 +99,9 @@ hourbook::ReportRun noteOf(Recordset& rs, qint16 person) {
     row.folder = u"calendar"_s;
     row.entryId = u"0123456789abcdef@calendar.example//0123456789abcdef.ics"_s;
     row.tag = u"0123456789012345678901234567890123456789"_s;
-    row.subject = row.line.subject = platform::basic::CStr(rs[u"strSubject"_s].Value());
+    row.line = hourbook::fncReportLine(rs);
+    row.subject = row.line.subject;
     row.start = u"2024-06-10T08:00:00Z"_s;
-    row.line.day = QDate(2024, 6, 10);
-    for (int n = 1; n <= hourbook::metaCount; ++n)
-      row.line.names[size_t(n - 1)] = platform::basic::CStr(rs[u"strMeta%1"_s.arg(n)].Value());
     if (!target->TakeKeys(row.line)) qFatal("a value is missing");
     run.rows.append(row);
   }

@@ -34,6 +34,8 @@ struct DatabaseValues {
   std::function<void(hourbook::frmSQLLogon& form)> frmSQLLogon;
   /// True while the upgrade looks for the newest column: a failing recordset is then only logged.
   bool blnProbing = false;
+  /// True while an AskingScope lives.
+  bool blnAsking = false;
   /// True while the database of a connection file is brought up to date.
   bool blnCheckingServer = false;
   /// What the question failed with, inside or after the newest ProbeScope.

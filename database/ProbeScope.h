@@ -1,5 +1,6 @@
 #pragma once
 #include "database/DatabaseValues.h"
+#include "shell/modErrorReport.h"
 
 namespace hourbook {
 
@@ -18,5 +19,24 @@ class ProbeScope {
  private:
   bool previous_;
 };
+
+/// While it lives, a failure to reach the database is thrown instead of ending the process: for a question
+/// that may as well be asked another time.
+class AskingScope {
+ public:
+  AskingScope() : previous_(databaseValues().blnAsking) { databaseValues().blnAsking = true; }
+  ~AskingScope() { databaseValues().blnAsking = previous_; }
+  AskingScope(const AskingScope&) = delete;
+  AskingScope& operator=(const AskingScope&) = delete;
+
+ private:
+  bool previous_;
+};
+
+/// The end of a procedure of the database that has failed.
+[[noreturn]] inline void subDatabaseFailed(const platform::Failure& failure, const QString& procedure) {
+  if (databaseValues().blnAsking) throw platform::Failure(failure);
+  subHandleError(failure, procedure);
+}
 
 }  // namespace hourbook

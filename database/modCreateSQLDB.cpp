@@ -97,6 +97,7 @@ QString fncCreateSQLDB(const QString& strDBName) {
       connection->Open();
     });
     if (error.stands()) {
+      // kept: with the password, which the one who reads this has just typed
       stopBox(u"Connection failed with connection string "_s + text);
       continue;
     }

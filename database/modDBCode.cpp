@@ -6,9 +6,11 @@
 #include "database/modCreateDB.h"
 #include "database/modCreateSQLDB.h"
 #include "database/modUpgrade.h"
+#include "database/ProbeScope.h"
 #include "platform/automation/components.h"
 #include "platform/files/atomicfile.h"
 #include "platform/process/process.h"
+#include "platform/sql/oledbkeys.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
 #include "shell/ShellValues.h"
@@ -83,7 +85,10 @@ void writeConnectionFile(const QString& path, const QString& connection) {
   namespace files = platform::files;
   bool secret = true;
   // a text that cannot be read is taken for one with a password
-  tolerate([&] { secret = !platform::sql::ConnectionString(connection).value(u"Password"_s).isEmpty(); });
+  tolerate([&] {
+    const platform::sql::ConnectionString text(connection);
+    secret = !platform::sql::oledbkeys::firstValue(text, {"Password", "PWD"}).isEmpty();
+  });
   const auto result =
       files::replaceFile(platform::scripting::systemPath(path), connection.toUtf8(), std::nullopt,
                          secret ? files::FileMode::OwnerOnly : files::FileMode::Usual);
@@ -131,6 +136,19 @@ QString createByUsersChoice(const QString& database, const QString& connectionFi
                                               : askForServer());
 }
 
+/// The database itself, when a compaction was interrupted between removing the old file and renaming the
+/// copy. Giving it its name is left to who can see what else happened in the folder; what must not happen is
+/// that a missing database is taken for one that never was, and a new one is made beside it.
+void refuseCopyAlone(const QString& folder) {
+  const QString copy = u"tmp"_s + databaseFileName + u".mdb"_s;
+  if (!files().FileExists(folder + u'\\' + copy)) return;
+  throw Failure(
+      platform::failure::fileNotFound,
+      u"The database \"%1\" is missing from \"%2\", and its compacted copy \"%3\" stands there: a "
+      u"compaction was interrupted before the copy was renamed. Unless somebody has taken the database away, "
+      u"the copy holds all that was stored. Rename it to \"%1\", and start again."_s.arg(databaseFileName, folder, copy));
+}
+
 /// What the folder leads to; none when the search has to begin again.
 std::optional<QString> lookIntoFolder() {
   DatabaseValues& values = databaseValues();
@@ -140,8 +158,10 @@ std::optional<QString> lookIntoFolder() {
   const QString database = values.gReportValue + u'\\' + databaseFileName;
   if (files().FileExists(database)) return useAccessFile(database);
   const QString connection = values.gReportValue + u'\\' + connectionFileName;
-  if (!files().FileExists(connection))
+  if (!files().FileExists(connection)) {
+    refuseCopyAlone(values.gReportValue);
     return values.blnMayCreateDatabase ? createByUsersChoice(database, connection) : QString();
+  }
   const QString text = readConnectionFile(connection);
   if (text.isEmpty()) return std::nullopt;
   return useServer(text);
@@ -167,13 +187,14 @@ void subSetupConnection() try {
   if (connection) return;
   const QString text = connectionString();
   if (text.isEmpty()) return;
+  // kept: the whole text, its password too; whoever is sent an error mail about it can read that
   subLog(u"Trying to open a connection to the database with the connection string "_s + text);
   connection = CreateObject<Connection>(u"ADODB.Connection"_s);
   connection->setConnectionString(text);
   // kept: when this fails, the closed connection stays; the next use fails at the statement that needs it
   connection->Open();
 } catch (const Failure& failure) {
-  subHandleError(failure, u"subSetupConnection"_s);
+  subDatabaseFailed(failure, u"subSetupConnection"_s);
 }
 
 std::shared_ptr<Recordset> fncReturnRecordset(const QString& strSource, bool blnReadOnly, bool blnBatch) try {
@@ -192,7 +213,7 @@ std::shared_ptr<Recordset> fncReturnRecordset(const QString& strSource, bool bln
   recordset->Open();
   return recordset;
 } catch (const Failure& failure) {
-  if (!databaseValues().blnProbing) subHandleError(failure, u"fncReturnRecordset"_s);
+  if (!databaseValues().blnProbing) subDatabaseFailed(failure, u"fncReturnRecordset"_s);
   databaseValues().probeFailure = failure;
   subLog(u"fncReturnRecordset: "_s + failure.description());
   return nullptr;
@@ -207,7 +228,7 @@ std::shared_ptr<Command> fncCreateCommand() try {
   command->CommandType = platform::ado::adCmdText;
   return command;
 } catch (const Failure& failure) {
-  subHandleError(failure, u"fncCreateCommand"_s);
+  subDatabaseFailed(failure, u"fncCreateCommand"_s);
 }
 
 QString fncGetConnection() try {
@@ -216,7 +237,7 @@ QString fncGetConnection() try {
   while (!found) found = lookIntoFolder();
   return *found;
 } catch (const Failure& failure) {
-  subHandleError(failure, u"fncGetConnection"_s);
+  subDatabaseFailed(failure, u"fncGetConnection"_s);
 }
 
 }  // namespace hourbook

@@ -32,7 +32,7 @@ bool isThere(const QString& source) {
   const auto& failure = databaseValues().probeFailure;
   const bool older = failure && (failure->number() == platform::sql::errors::noSuchColumn ||
                                  failure->number() == platform::sql::errors::tableNotFound);
-  if (failure && !older) subHandleError(*failure, u"fncReturnRecordset"_s);
+  if (failure && !older) subDatabaseFailed(*failure, u"fncReturnRecordset"_s);
   if (!recordset) return false;
   recordset->Close();
   return true;
@@ -189,7 +189,7 @@ void subCheckUpgrade(const QString& strPath) try {
   for (int n = 1; n <= metaListCount; ++n) addEnabled(*db, n);
   addColumns(*db, u"tblReports"_s, SchemaState::Body);
 } catch (const Failure& failure) {
-  subHandleError(failure, u"subCheckUpgrade"_s);
+  subDatabaseFailed(failure, u"subCheckUpgrade"_s);
 }
 
 void subCheckSQLUpgrade() try {
@@ -201,7 +201,7 @@ void subCheckSQLUpgrade() try {
   if (!listsHaveEnabled()) addEnabled(upgrade, present(command));
   execute(present(command), upgrade.addBody);
 } catch (const Failure& failure) {
-  subHandleError(failure, u"subCheckSQLUpgrade"_s);
+  subDatabaseFailed(failure, u"subCheckSQLUpgrade"_s);
 }
 
 void subCompactDatabase(bool /*blnAfterReport*/) try {

@@ -55,6 +55,12 @@ class AskableTarget {
   virtual bool TakeKeys(ReportLine& line) = 0;
   /// What it will need to find the lines of a run that begins now.
   virtual QJsonObject Mark() = 0;
+  /// The same as of before the first report of all; empty where it cannot be asked about that, or has nothing
+  /// of this person.
+  virtual QJsonObject MarkOfAll(const QString& person) {
+    Q_UNUSED(person)
+    return {};
+  }
   /// For each row of the run whether its line stands there, and when it was reported. Of k equal rows of
   /// which m stand there, those are the first m. The run's place is the present one.
   virtual QList<std::optional<platform::basic::Date>> Stored(const ReportRun& run) = 0;

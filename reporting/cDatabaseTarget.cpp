@@ -8,6 +8,7 @@
 #include "platform/sql/oledbkeys.h"
 #include "reporting/modReportToAccess.h"
 #include "settings/cGlobalSettings.h"
+#include "shell/Present.h"
 #include "shell/Tolerate.h"
 
 #include <QDir>
@@ -25,7 +26,7 @@ using platform::basic::Value;
 
 namespace {
 
-const QString markReport = u"lastReportID"_s, markPerson = u"personID"_s;
+const QString markReport = u"lastReportID"_s, markPerson = u"personID"_s, markSession = u"session"_s;
 
 struct Line {
   ReportLine what;
@@ -35,10 +36,19 @@ struct Line {
 
 std::shared_ptr<Recordset> asked(const QString& question) {
   const ProbeScope probe;
+  const AskingScope asking;
   auto rows = fncReturnRecordset(question, true);
   if (rows) return rows;
   if (databaseValues().probeFailure) throw Failure(*databaseValues().probeFailure);
   throw Failure(platform::failure::objectNotSet, u"There is no database."_s);
+}
+
+/// A server may still be about to store what it was sent last, though the program that sent it is gone.
+void settleSession(const QString& token) {
+  if (token.isEmpty()) return;
+  const AskingScope asking;
+  subSetupConnection();
+  present(databaseValues().gConnection).session().settle(token);
 }
 
 std::optional<qint32> keyOf(const Value& value) {
@@ -146,6 +156,7 @@ cDatabaseTarget::~cDatabaseTarget() {
 }
 
 QString cDatabaseTarget::Place() {
+  const AskingScope asking;
   subSetupConnection();
   const auto& connection = databaseValues().gConnection;
   if (!connection) throw Failure(platform::failure::objectNotSet, u"There is no database."_s);
@@ -166,12 +177,22 @@ bool cDatabaseTarget::TakeKeys(ReportLine& line) {
 QJsonObject cDatabaseTarget::Mark() {
   const auto newest = asked(u"select top 1 intReportID from tblReports order by intReportID desc"_s);
   const qint32 last = newest->isEOF() ? 0 : platform::basic::CLng((*newest)[u"intReportID"_s].Value());
-  return {{markReport, last}, {markPerson, intPersonID_}};
+  return {{markReport, last},
+          {markPerson, intPersonID_},
+          {markSession, present(databaseValues().gConnection).session().token()}};
+}
+
+QJsonObject cDatabaseTarget::MarkOfAll(const QString& person) {
+  const auto found = asked(u"select intPersonID from tblPersons where strPersonName = '%1'"_s.arg(
+      QString(person).replace(u"'"_s, u"''"_s)));
+  if (found->isEOF()) return {};
+  return {{markReport, 0}, {markPerson, platform::basic::CLng((*found)[u"intPersonID"_s].Value())}};
 }
 
 QList<std::optional<Date>> cDatabaseTarget::Stored(const ReportRun& run) {
   if (!run.mark[markReport].isDouble() || !run.mark[markPerson].isDouble())
     throw Failure(platform::failure::typeMismatch, u"The journal does not say which lines to look for."_s);
+  settleSession(run.mark[markSession].toString());
   const auto rs = asked(
       u"select intReportID, numHours, strSubject, dtmDate, dteReported, intMeta1ID, intMeta2ID, intMeta3ID "
       "from tblReports where intReportID > %1 and intPersonID = %2 order by intReportID"_s

@@ -17,6 +17,7 @@ class cDatabaseTarget : public AskableTarget {
   QString Place() override;
   bool TakeKeys(ReportLine& line) override;
   QJsonObject Mark() override;
+  QJsonObject MarkOfAll(const QString& person) override;
   QList<std::optional<platform::basic::Date>> Stored(const ReportRun& run) override;
 
  private:

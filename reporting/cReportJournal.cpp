@@ -89,6 +89,14 @@ void cReportJournal::Remove(const QString& file) {
   if (removed.outcome != files::Outcome::Written) failWith(removed.error);
 }
 
+bool cReportJournal::MarkTold(const QString& file) {
+  const QString mark = file + u".told"_s;
+  if (QFileInfo::exists(mark)) return false;
+  const auto made = files::replaceFile(mark, {}, std::nullopt, files::FileMode::OwnerOnly);
+  if (made.outcome != files::Outcome::Written) failWith(made.error);
+  return true;
+}
+
 QString cReportJournal::SetAside(const QString& file) {
   const QFileInfo info(file);
   for (int n = 1; n <= mostNames; ++n) {

@@ -25,12 +25,17 @@ class cReportJournal {
   QString Add(const ReportRun& run) const;
   static void Write(const QString& file, const ReportRun& run);
   static void Remove(const QString& file);
+  /// Marks a file as told to the user, without touching it; false when it was before. Throws Failure.
+  static bool MarkTold(const QString& file);
   /// Gives a file that nobody understands a name under which it is looked at no more, and returns that.
   static QString SetAside(const QString& file);
 
  private:
   QString folder_;
 };
+
+/// Failure of a journal that a later version of the program has written.
+inline constexpr qint32 errLaterVersion = 1001;
 
 /// The text of a run, and back. Throws Failure for a text of another form or of a later version.
 QByteArray fncJournalText(const ReportRun& run);

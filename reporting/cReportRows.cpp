@@ -7,6 +7,7 @@
 #include "platform/basic/convert.h"
 #include "platform/dialogs/dialogs.h"
 #include "platform/process/process.h"
+#include "reporting/modReportRecordset.h"
 #include "reporting/ReportingValues.h"
 #include "settings/cGlobalSettings.h"
 #include "settings/cPersonalSettings.h"
@@ -22,35 +23,18 @@ using platform::ado::Recordset;
 using platform::basic::CStr;
 using platform::basic::Value;
 using platform::owc::Range;
-namespace ado = platform::ado;
 namespace dialogs = platform::dialogs;
 
 namespace {
 
-constexpr int longestText = 255;  // of a subject or name, in the recordset and in the tables
 constexpr int columnSubject = 1, columnFirstMeta = 2, columnHours = 6, columnStatus = 7;
 const QString notStamped = QStringLiteral("Not stamped");  // stored, and that is all
 constexpr qint32 errNoSuchTarget = 445;                    // "Object doesn't support this action"
 
 /// The beginning of a text that is longer than its column, in whole characters.
 QString shortened(const QString& text) {
-  if (text.size() <= longestText) return text;
-  return text.left(text[longestText - 1].isHighSurrogate() ? longestText - 1 : longestText);
-}
-
-void appendReportColumns(Recordset& rs) {
-  ado::Fields fields = rs.Fields();
-  fields.Append(QStringLiteral("intRowCounter"), ado::adBigInt);
-  fields.Append(QStringLiteral("dteStartDate"), ado::adDBDate);
-  fields.Append(QStringLiteral("strSubject"), ado::adVarWChar, longestText);
-  fields.Append(QStringLiteral("intHours"), ado::adSingle);
-  fields.Append(QStringLiteral("strMeta1"), ado::adVarWChar, longestText);
-  fields.Append(QStringLiteral("strMeta2"), ado::adVarWChar, longestText);
-  fields.Append(QStringLiteral("strMeta3"), ado::adVarWChar, longestText);
-  fields.Append(QStringLiteral("curPersonalRate"), ado::adCurrency);
-  fields.Append(QStringLiteral("intResult"), ado::adBigInt);
-  fields.Append(QStringLiteral("strPerson"), ado::adVarWChar, longestText);
-  fields.Append(QStringLiteral("strBody"), ado::adBSTR);
+  if (text.size() <= longestReportText) return text;
+  return text.left(text[longestReportText - 1].isHighSurrogate() ? longestReportText - 1 : longestReportText);
 }
 
 void addReportRow(Recordset& rs, const cRowInfo& row) {
@@ -98,21 +82,6 @@ void sendBy(const std::function<void(Recordset&)>& target, Recordset& rs, const 
                   QStringLiteral("This version cannot report to %1 yet. Nothing was reported.").arg(name));
   note(0);
   target(rs);
-}
-
-/// What of a row of the report its target will have.
-ReportLine lineOf(Recordset& rs) {
-  ReportLine line;
-  const Value start = rs[QStringLiteral("dteStartDate")].Value();
-  const Value hours = rs[QStringLiteral("intHours")].Value();
-  line.day = platform::basic::CDate(start).date();
-  line.subject = CStr(rs[QStringLiteral("strSubject")].Value());
-  if (!platform::basic::IsNull(hours)) line.hours = platform::basic::CSng(hours);
-  for (int n = 1; n <= metaCount; ++n) {
-    const Value name = rs[QStringLiteral("strMeta%1").arg(n)].Value();
-    if (!platform::basic::IsNull(name)) line.names[size_t(n - 1)] = CStr(name);
-  }
-  return line;
 }
 
 /// A failure to stamp what is stored, with what becomes of it.
@@ -164,9 +133,7 @@ std::shared_ptr<Recordset> cReportRows::ToRecordset() const {
     subLog(QStringLiteral("Creating a recordset from current appointments"));
     // kept: read and not used; the department is asked for where the person is found
     settingsValues().gGlobalSettings->OtherSettings->GetValue(QStringLiteral("ADDepartment"), 2);
-    auto rs = std::make_shared<Recordset>();
-    appendReportColumns(*rs);
-    rs->Open();
+    auto rs = fncReportRecordset();
     for (const auto& row : Reports)
       if (row->Marking->IsComplete()) addReportRow(*rs, *row);
     return rs;
@@ -180,7 +147,7 @@ void cReportRows::Report(qint32 intTarget, ReportHost& host) {
     subLog(QStringLiteral("Reporting values to ") + QString::number(intTarget));
     if (!canStamp()) return;
     cReportMemory memory;
-    if (!fncBegin(memory)) return;
+    if (!fncBegin(intTarget, memory)) return;
     subReport(intTarget, host, memory);
   } catch (const Failure& failure) {
     subHandleError(failure, QStringLiteral("Report"));
@@ -188,7 +155,7 @@ void cReportRows::Report(qint32 intTarget, ReportHost& host) {
 }
 
 /// False when nothing is left to be reported, or another program is at it.
-bool cReportRows::fncBegin(cReportMemory& memory) {
+bool cReportRows::fncBegin(qint32 intTarget, cReportMemory& memory) {
   if (!memory.Begin()) {
     dialogs::Dialogs::current().MsgBox(
         QStringLiteral("Another Hourbook is reporting at the moment. Nothing was reported. "
@@ -212,6 +179,7 @@ bool cReportRows::fncBegin(cReportMemory& memory) {
   const int found = Reports.Count();
   subLeaveOutStamped();
   subLeaveOutEarlier(memory);
+  if (memory.Earlier().laterVersion) subLeaveOutEqual(intTarget);
   return Reports.Count() > 0 || found == 0;
 }
 
@@ -263,7 +231,7 @@ void cReportRows::subNote(Recordset& rs, qint32 intTarget, qint16 intPersonID, c
   for (rs.MoveFirst(); !rs.isEOF(); rs.MoveNext()) {
     const auto& row = Reports.Item(CStr(rs[QStringLiteral("intRowCounter")].Value()));
     ReportedRow noted = fncReportedRow(*outlookValues().gRowItems.Item(int(row->RowNumber)));
-    noted.line = lineOf(rs);
+    noted.line = fncReportLine(rs);
     if (target->TakeKeys(noted.line)) run.rows.append(noted);
   }
   rs.MoveFirst();

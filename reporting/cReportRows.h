@@ -36,7 +36,7 @@ class cReportRows {
 
  private:
   void subReadRow(int r);
-  bool fncBegin(cReportMemory& memory);
+  bool fncBegin(qint32 intTarget, cReportMemory& memory);
   void subReport(qint32 intTarget, ReportHost& host, cReportMemory& memory);
   std::optional<PendingError> fncHandToTarget(qint32 intTarget, std::shared_ptr<platform::ado::Recordset>& rs,
                                               cReportMemory& memory);
@@ -47,6 +47,7 @@ class cReportRows {
   // rows that are not to be stored (again)
   void subLeaveOutStamped();
   void subLeaveOutEarlier(cReportMemory& memory);
+  void subLeaveOutEqual(qint32 intTarget);
   void subLeaveOut(const QStringList& keys);
   void subMarkByUser(const QList<std::pair<QString, UnsettledRow>>& rows, cReportMemory& memory);
   platform::owc::Range fncStatus(const QString& key) const;

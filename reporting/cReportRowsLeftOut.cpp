@@ -5,6 +5,7 @@
 #include "platform/basic/text.h"
 #include "platform/dialogs/dialogs.h"
 #include "reporting/cReportRows.h"
+#include "reporting/modReportRecordset.h"
 #include "reporting/ReportingValues.h"
 #include "shell/modErrorReport.h"
 #include "shell/ShellValues.h"
@@ -105,6 +106,39 @@ void cReportRows::subLeaveOutEarlier(cReportMemory& memory) {
     subMarkByUser(unknown, memory);
   }
   subLeaveOut(keys);
+}
+
+/// Rows of which an equal line stands at the target, whoever stored it: which of them belong to a journal
+/// that only a later version of the program can read, nobody knows here.
+void cReportRows::subLeaveOutEqual(qint32 intTarget) {
+  const auto target = fncAskableTarget(intTarget);
+  if (!target || Reports.Count() < 1) return;
+  ReportRun run;
+  run.mark = target->MarkOfAll(outlookValues().gCurrentUser);
+  if (run.mark.isEmpty()) return;
+  QStringList keys, equal, names;
+  const auto rs = ToRecordset();
+  if (rs->RecordCount() > 0) rs->MoveFirst();
+  for (; !rs->isEOF(); rs->MoveNext()) {
+    ReportedRow row;
+    row.line = fncReportLine(*rs);
+    if (!target->TakeKeys(row.line)) continue;
+    run.rows.append(row);
+    keys.append(platform::basic::CStr((*rs)[u"intRowCounter"_s].Value()));
+  }
+  const auto stored = target->Stored(run);
+  for (qsizetype i = 0; i < stored.size(); ++i) {
+    if (!stored[i]) continue;
+    equal.append(keys[i]);
+    names.append(fncShown(run.rows[i]));
+  }
+  if (equal.isEmpty() ||
+      isYes(u"Equal time reports stand in the database already. They may be of these appointments, from a "
+            "report of a later version of this program that was interrupted:"_s +
+            vbCrLf + fncNamed(names) + vbCrLf +
+            u"Do you want to report them now? They would be reported twice if they were."_s))
+    return;
+  subLeaveOut(equal);
 }
 
 void cReportRows::subMarkByUser(const QList<std::pair<QString, UnsettledRow>>& rows, cReportMemory& memory) {

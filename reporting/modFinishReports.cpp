@@ -55,8 +55,10 @@ class Finisher {
   Finisher(const ReportRun& run, const QString& file)
       : run_(run), before_(fncJournalText(run)), file_(file), reasons_(run.rows.size()) {}
 
-  void askTarget() {
-    const QString reason = fncAsk();
+  /// Not a database that could not be asked about an earlier run (`unreachable` tells why): each try may wait
+  /// for its server.
+  void askTarget(QString& unreachable) {
+    const QString reason = fncAsk(unreachable);
     for (qsizetype i = 0; i < run_.rows.size(); ++i)
       if (!run_.rows[i].stored) reasons_[i] = reason;
   }
@@ -100,16 +102,17 @@ class Finisher {
 
  private:
   /// Why the target could not say which rows it has, or nothing.
-  QString fncAsk() {
+  QString fncAsk(QString& unreachable) {
     bool open = false;
     for (const ReportedRow& row : run_.rows) open = open || !row.stored;
     if (!open) return {};
+    if (isDatabase(run_.target) && !unreachable.isEmpty()) return blocked_ = unreachable;
     QString reason;
     const auto failure = tolerate([&] { reason = fncAskIt(); });
     if (!failure) return reason;
-    reason = u"the place that it was reported to cannot be asked: "_s + failure->description();
-    blocked_ = reason;
-    return reason;
+    blocked_ = u"the place that it was reported to cannot be asked: "_s + failure->description();
+    if (isDatabase(run_.target)) unreachable = blocked_;
+    return blocked_;
   }
 
   /// The file of an appointment may have got another name, by which the list will know it.
@@ -201,9 +204,21 @@ void setAside(const QString& file, const Failure& failure, FinishedReports& fini
       vbCrLf + failure.description());
 }
 
-void finishRun(const QString& file, FinishedReports& finished) {
+/// It stays as it is for the program that can read it.
+void leaveToLaterVersion(const QString& file, const Failure& failure, FinishedReports& finished) {
+  finished.laterVersion = true;
+  if (!cReportJournal::MarkTold(file)) return;
+  finished.news.append(
+      u"A later version of this program has left a report that was interrupted, and this one cannot read its "
+      "journal. It stays for that version: please start it once. Until then, appointments that may have been "
+      "reported already are asked about before they are reported."_s +
+      vbCrLf + failure.description());
+}
+
+void finishRun(const QString& file, FinishedReports& finished, QString& unreachable) {
   ReportRun run;
   if (const auto unreadable = tolerate([&] { run = cReportJournal::Read(file); })) {
+    if (unreadable->number() == errLaterVersion) return leaveToLaterVersion(file, *unreadable, finished);
     if (unreadable->number() != platform::failure::permissionDenied)
       return setAside(file, *unreadable, finished);
     // it may be readable the next time, and is not to be forgotten until then
@@ -212,7 +227,7 @@ void finishRun(const QString& file, FinishedReports& finished) {
     return;
   }
   Finisher finisher(run, file);
-  finisher.askTarget();
+  finisher.askTarget(unreachable);
   finisher.stampAll();
   finisher.close(finished);
 }
@@ -221,8 +236,9 @@ void finishRun(const QString& file, FinishedReports& finished) {
 
 FinishedReports fncFinishReports(const cReportJournal& journal) {
   FinishedReports finished;
+  QString unreachable;
   for (const QString& file : journal.Files()) {
-    const auto failure = tolerate([&] { finishRun(file, finished); });
+    const auto failure = tolerate([&] { finishRun(file, finished, unreachable); });
     if (failure) finished.news.append(failure->description());
   }
   return finished;

@@ -25,6 +25,8 @@ struct FinishedReports {
   /// Why it is not known at present what interrupted reports have stored; not empty: nothing may be reported,
   /// since what is stored next could be taken for theirs.
   QString blocked;
+  /// Runs are left that only a later version of the program can read: which rows they hold is not known.
+  bool laterVersion = false;
 };
 
 /// Works off the journal: asks the target which rows of interrupted reports it has stored, stamps their

@@ -115,7 +115,8 @@ ReportRun fncRunOfJournalText(const QByteArray& bytes) {
   if (all[u"kind"].toString() != kind) refuse(u"it is no journal of reports"_s);
   const qint32 written = number(all[u"version"], u"version"_s);
   if (written > version)
-    refuse(u"it is of version %1, and this program knows %2"_s.arg(written).arg(version));
+    throw Failure(errLaterVersion,
+                  u"it is of version %1, and this program knows %2"_s.arg(written).arg(version));
   ReportRun run;
   run.target = number(all[u"target"], u"target"_s);
   run.place = text(all, u"place"_s);

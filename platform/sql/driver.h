@@ -64,6 +64,12 @@ class Session {
   virtual void rollback() = 0;
   virtual QStringList tables() = 0;
   virtual QList<Column> columns(const QString& table) = 0;  // empty when there is no such table
+  /// Tells this session from all others of its database, for `settle` of a later one. Empty: once its program
+  /// is gone, nothing of it is carried out any more.
+  virtual QString token() { return {}; }
+  /// Ends the session of a token, if it is still there: what it was sent has been carried out then, or never
+  /// will be. Throws when that cannot be made sure of.
+  virtual void settle(const QString& token) { Q_UNUSED(token) }
 };
 
 class Driver {

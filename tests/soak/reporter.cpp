@@ -11,6 +11,7 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/sql/postgresql/driver.h"
 #include "platform/sql/sqlite/engine.h"
+#include "reporting/modReportRecordset.h"
 #include "reporting/modReportToAccess.h"
 #include "reporting/ReportingValues.h"
 #include "settings/cGlobalSettings.h"
@@ -45,18 +46,7 @@ void registerComponents(platform::automation::Components& components) {
 }
 
 std::shared_ptr<ado::Recordset> rowsFrom(int first, int count, const QString& name) {
-  auto rs = std::make_shared<ado::Recordset>();
-  ado::Fields fields = rs->Fields();
-  fields.Append(u"intRowCounter"_s, ado::adBigInt);
-  fields.Append(u"dteStartDate"_s, ado::adDBDate);
-  fields.Append(u"strSubject"_s, ado::adVarWChar, 255);
-  fields.Append(u"intHours"_s, ado::adSingle);
-  for (int n = 1; n <= 3; ++n) fields.Append(u"strMeta%1"_s.arg(n), ado::adVarWChar, 255);
-  fields.Append(u"curPersonalRate"_s, ado::adCurrency);
-  fields.Append(u"intResult"_s, ado::adBigInt);
-  fields.Append(u"strPerson"_s, ado::adVarWChar, 255);
-  fields.Append(u"strBody"_s, ado::adBSTR);
-  rs->Open();
+  auto rs = hourbook::fncReportRecordset();
   for (int i = first; i < first + count; ++i) {
     rs->AddNew();
     (*rs)[u"intRowCounter"_s].setValue(qint64(i));

@@ -98,6 +98,10 @@ QList<Column> FailingSession::columns(const QString& table) {
   return underPlan(*plan_, QStringLiteral("columns ") + table, [&] { return inner_->columns(table); });
 }
 
+void FailingSession::settle(const QString& token) {
+  underPlan(*plan_, QStringLiteral("settle ") + token, [&] { inner_->settle(token); });
+}
+
 void FailingEngine::createDatabase(const QString& path) {
   underPlan(*plan_, QStringLiteral("createDatabase ") + path, [&] { inner_->createDatabase(path); });
 }

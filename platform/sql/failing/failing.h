@@ -57,6 +57,8 @@ class FailingSession : public Session {
   void rollback() override;
   QStringList tables() override;
   QList<Column> columns(const QString& table) override;
+  QString token() override { return inner_->token(); }
+  void settle(const QString& token) override;  // matched as "settle ..."
 
  private:
   std::unique_ptr<Session> inner_;

@@ -43,6 +43,8 @@ class StatementGuard {
   bool needed_;
 };
 
+constexpr int settleAttempts = 250;  // of 20 ms each, of which one does nearly always
+
 bool controlsTransaction(const QString& sql) {
   static const QRegularExpression words(
       QStringLiteral("^\\s*(begin|start|commit|end|rollback|abort|savepoint|release|prepare|set)\\b"),
@@ -247,6 +249,31 @@ QList<Column> PostgresqlSession::columns(const QString& table) {
   if (const CatalogueTable* found = catalogue_->table(table))
     for (const CatalogueTable::Entry& entry : found->entries) columns.append(entry.column);
   return columns;
+}
+
+QString PostgresqlSession::token() {
+  const ResultPointer answer = connection_.run(
+      QStringLiteral("SELECT concat_ws(' ', pid, usesysid, extract(epoch FROM backend_start)) FROM "
+                     "pg_stat_activity WHERE pid = pg_backend_pid()"));
+  // another engine that speaks the protocol may show no sessions
+  return PQntuples(answer.get()) == 1 ? QString::fromUtf8(textAt(answer, 0, 0)) : QString();
+}
+
+void PostgresqlSession::settle(const QString& token) {
+  const QStringList parts = token.split(u' ');
+  if (parts.size() != 3) return;
+  QList<Parameter> marks;
+  for (const QString& part : parts) marks.append(part.toUtf8());
+  // when the session of another login began is not shown; that one cannot be ended, and the server says so
+  const QString ended = QStringLiteral(
+      "SELECT pg_terminate_backend(pid), pg_sleep(0.02) FROM pg_stat_activity WHERE pid = $1::integer AND "
+      "usesysid::text = $2 AND coalesce(extract(epoch FROM backend_start)::text, $3) = $3 AND pid <> "
+      "pg_backend_pid()");
+  for (int attempt = 0; attempt < settleAttempts; ++attempt)
+    if (PQntuples(connection_.run(ended, marks).get()) == 0) return;
+  throw Failure(
+      errors::timeout,
+      QStringLiteral("An earlier session with the database %1 does not end.").arg(connection_.label()));
 }
 
 std::unique_ptr<Session> PostgresqlDriver::connect(const ConnectionString& connection) {

@@ -23,6 +23,11 @@ class PostgresqlSession : public Session {
   void rollback() override;
   QStringList tables() override;  // views are not among them
   QList<Column> columns(const QString& table) override;
+  /// Process and start of the server's side. Behind a connection that the client has lost, or whose client
+  /// was killed, that one goes on with what it was sent, and stores it.
+  QString token() override;
+  /// Needs the login of that session, or a right to end those of others.
+  void settle(const QString& token) override;
 
  private:
   Result executeNative(const QString& sql, const QList<basic::Value>& parameters);

@@ -21,7 +21,8 @@ const QString readyText = QStringLiteral("database system is ready to accept con
 }  // namespace
 
 PostgresqlServer::PostgresqlServer() : folder_(tests::quickFolder(QStringLiteral("postgresql"))) {
-  start();
+  make();
+  if (problem_.isEmpty()) start();
 }
 
 PostgresqlServer::~PostgresqlServer() {
@@ -66,7 +67,7 @@ void PostgresqlServer::letIn(const QString& data) {
     problem_ = rules.errorString();
 }
 
-void PostgresqlServer::start() {
+void PostgresqlServer::make() {
   if (!folder_.isValid()) {
     problem_ = folder_.errorString();
     return;
@@ -90,9 +91,21 @@ void PostgresqlServer::start() {
     return;
   }
   letIn(data);
+}
+
+void PostgresqlServer::kill() {
+  ::kill(static_cast<pid_t>(server_.processId()), SIGQUIT);
+  if (!server_.waitForFinished(patienceMs)) problem_ = server_.errorString();
+}
+
+void PostgresqlServer::restart() {
+  if (server_.state() == QProcess::NotRunning) start();
+}
+
+void PostgresqlServer::start() {
   prepare(server_);
-  QStringList arguments{QStringLiteral("-D"), data, QStringLiteral("-F"), QStringLiteral("-k"),
-                        folder_.path()};
+  QStringList arguments{QStringLiteral("-D"), folder_.filePath(QStringLiteral("data")), QStringLiteral("-F"),
+                        QStringLiteral("-k"), folder_.path()};
   for (const char* setting :
        {"listen_addresses=", "max_connections=20", "shared_buffers=16MB", "min_wal_size=2MB",
         "max_wal_size=16MB", "full_page_writes=off", "autovacuum=off", "log_min_messages=log",

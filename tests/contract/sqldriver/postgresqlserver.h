@@ -22,8 +22,13 @@ class PostgresqlServer {
   QString dataSource() const { return folder_.path(); }
   /// The owner, who needs no password; nor does any other user but "guarded".
   QString user() const { return QStringLiteral("contract"); }
+  /// Ends it as a power cut would, without a word to its clients; what it has committed stays.
+  void kill();
+  /// Starts it again on what it has stored.
+  void restart();
 
  private:
+  void make();
   void start();
   void letIn(const QString& data);
   QString program(const QString& name) const;

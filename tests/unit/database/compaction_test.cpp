@@ -80,6 +80,11 @@ TEST_F(Compaction, ACopyThatCannotBeRenamedIsAllThatIsLeft) {
   w.expectFailure(u"subCompactDatabase"_qs, u"Permission denied"_qs, [] { subCompactDatabase(true); });
   EXPECT_FALSE(w.exists());
   EXPECT_TRUE(w.exists(temporaryName));
+  w.database->gConnection.reset();
+  w.database->blnMayCreateDatabase = true;  // whoever looks for it next is told, and makes none instead
+  w.expectFailure(u"fncGetConnection"_qs, u"its compacted copy \"tmpHourbook3.mdb.mdb\" stands there"_qs,
+                  [] { subSetupConnection(); });
+  EXPECT_FALSE(w.exists());
   ASSERT_TRUE(QFile::rename(w.path(temporaryName), w.path()));  // as an administrator would
   EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
 }

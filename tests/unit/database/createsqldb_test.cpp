@@ -197,6 +197,16 @@ TEST_F(ChooseServer, AFileThatHoldsAPasswordIsItsOwnersAlone) {
   EXPECT_FALSE(modeOfFile() & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther));
 }
 
+TEST_F(ChooseServer, UnderTheKeysOtherNameAsWell) {
+  choose(3);
+  w.answers.append([](frmSQLLogon& form) {
+    form.strConnection = u"Provider=SQLOLEDB.1;UID=ann;PWD=secret;Data Source=server"_qs;
+  });
+  fncGetConnection();
+  EXPECT_TRUE(w.read(u"HourbookConnection.txt"_qs).contains("PWD=secret;"));
+  EXPECT_FALSE(modeOfFile() & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther));
+}
+
 TEST_F(ChooseServer, CancelOfTheLogonToAnExistingDatabaseLeavesNoConnection) {
   choose(3);
   w.answers.append(w.cancel);

@@ -28,7 +28,18 @@ class Finishing : public testing::Test {
     EXPECT_FALSE(w.stamped().contains(false));
     EXPECT_EQ(w.journals(), QStringList());
   }
+  /// Another program changes the first appointment when it is about to be saved.
+  void changeAtTheFirstStamp(const platform::calendar::Change& change) {
+    w.calendar->onCall = [this, change](FailingCalendar::Operation operation) {
+      if (operation != FailingCalendar::Operation::Save || changed_) return;
+      changed_ = true;
+      w.memory->changeByAnother(w.folderId, w.keyOf(1), change);
+    };
+  }
   JournalWorld w;
+
+ private:
+  bool changed_ = false;
 };
 
 TEST_F(Finishing, StampsInSilenceWhatIsStored) {
@@ -225,6 +236,36 @@ TEST_F(Finishing, LeavesAStampAsItIs) {
   EXPECT_FALSE(w.stamped().contains(false));
 }
 
+TEST_F(Finishing, LeavesAStampThatAnotherComputerHasSetOnAnotherDay) {
+  addThree();
+  w.crashAfterRows(2);
+  platform::calendar::Change stamped;
+  stamped.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  w.memory->changeByAnother(w.folderId, w.keyOf(1), stamped);  // its row stands
+  w.memory->changeByAnother(w.folderId, w.keyOf(3), stamped);  // its row does not
+  w.world.setTime(QDateTime(QDate(2024, 5, 16), QTime(8, 0)));
+  w.start();
+  EXPECT_EQ(w.stamp(1), u"5/3/2024 7:00:00 AM"_s);
+  EXPECT_EQ(w.stamp(3), u"5/3/2024 7:00:00 AM"_s);
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+  EXPECT_EQ(w.journals(), QStringList());
+  w.report();  // the list still shows them as not posted, and none of them goes out
+  EXPECT_EQ(w.storedRows(), 2);
+}
+
+TEST_F(Finishing, LeavesAStampThatAnotherComputerSetsAtThatMoment) {
+  addThree();
+  w.crashBeforeTheStamps();
+  platform::calendar::Change change;
+  change.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  changeAtTheFirstStamp(change);
+  w.start();
+  w.calendar->onCall = {};
+  EXPECT_EQ(w.stamp(1), u"5/3/2024 7:00:00 AM"_s);
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
 TEST_F(Finishing, StampsWhatWasChangedMeanwhileAndTellsIt) {
   addThree();
   w.crashBeforeTheStamps();
@@ -299,13 +340,9 @@ TEST_F(Finishing, KeepsAllWhenTheirCalendarIsMissing) {
 TEST_F(Finishing, TriesAgainWhenTheAppointmentChangesAtThatMoment) {
   addThree();
   w.crashBeforeTheStamps();
-  bool once = true;
-  w.calendar->onCall = [&](FailingCalendar::Operation operation) {
-    if (operation != FailingCalendar::Operation::Save || !std::exchange(once, false)) return;
-    platform::calendar::Change change;
-    change.body = u"by another"_s;
-    w.memory->changeByAnother(w.folderId, w.keyOf(1), change);
-  };
+  platform::calendar::Change change;
+  change.body = u"by another"_s;
+  changeAtTheFirstStamp(change);
   w.start();
   w.calendar->onCall = {};
   EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
@@ -324,6 +361,25 @@ TEST_F(Finishing, WithoutTheDatabaseKeepsTheJournal) {
   w.start();
   EXPECT_EQ(w.journals(), QStringList());
   EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+}
+
+TEST_F(Finishing, WithAServerThatCannotBeReachedGoesOnAndAsksItOnceForAllRuns) {
+  addThree();
+  w.crashBeforeTheStamps();
+  const cReportJournal journal(w.journalFolder());
+  journal.Add(w.run());
+  journal.Add(w.run());
+  w.plan->onConnect = platform::Failure(platform::sql::errors::connectionFailed, u"No answer within 15 s."_s);
+  w.world.dialogs.expect(u"cannot be asked: No answer within 15 s."_s, ok);
+  w.start();
+  EXPECT_EQ(w.plan->statements.count(u"connect"_s), 1) << "each try may wait for the server";
+  EXPECT_EQ(w.journals().size(), 3);
+  EXPECT_FALSE(w.database->gConnection);
+  w.start();  // and no word more
+  w.plan->clear();
+  w.start();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+  EXPECT_EQ(w.journals(), QStringList());
 }
 
 TEST_F(Finishing, WithADatabaseThatFailsKeepsTheJournal) {

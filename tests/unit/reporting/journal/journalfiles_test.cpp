@@ -195,8 +195,7 @@ TEST(Journal, ThatCannotBeWrittenLetsNothingBeStored) {
 
 TEST(Journal, ThatNobodyCanReadIsNamedAndSetAsideAndBlocksNothing) {
   for (const QByteArray& broken :
-       {QByteArray(), QByteArray("{\"kind\": \"Hourbook rep"), QByteArray("[1, 2]"), QByteArray(100, '\0'),
-        QByteArray("{\"kind\": \"Hourbook report journal\", \"version\": 7}")}) {
+       {QByteArray(), QByteArray("{\"kind\": \"Hourbook rep"), QByteArray("[1, 2]"), QByteArray(100, '\0')}) {
     JournalWorld w;
     QDir().mkpath(w.journalFolder());
     const QString file = w.journalFolder() + u"/report-00000003.json"_s;
@@ -217,6 +216,95 @@ TEST(Journal, ThatNobodyCanReadIsNamedAndSetAsideAndBlocksNothing) {
     w.report();
     EXPECT_EQ(w.storedRows(), 1);
   }
+}
+
+namespace {
+
+const QString laterVersion = u"A later version of this program has left a report that was interrupted"_s;
+const QString equalStand = u"Equal time reports stand in the database already."_s;
+
+/// What a later version of the program wrote, which was killed when two of three rows were stored.
+class LaterJournal : public testing::Test {
+ protected:
+  LaterJournal() {
+    for (const QString& subject : {u"a"_s, u"b"_s, u"c"_s}) w.addComplete(subject);
+    w.crashAfterRows(2);
+    file_ = w.journals().value(0);
+    QFile journal(file_);
+    EXPECT_TRUE(journal.open(QIODevice::ReadWrite));
+    text_ = journal.readAll().replace("\"version\": 1", "\"version\": 2").replace("rows", "entries");
+    journal.resize(0);
+    journal.write(text_);
+  }
+  void startTold() {
+    w.world.dialogs.expect(laterVersion, platform::dialogs::vbOK);
+    w.start();
+  }
+  void expectKept() {
+    QFile journal(file_);
+    ASSERT_TRUE(journal.open(QIODevice::ReadOnly));
+    EXPECT_EQ(journal.readAll(), text_);
+  }
+  JournalWorld w;
+  QString file_;
+  QByteArray text_;
+};
+
+}  // namespace
+
+TEST_F(LaterJournal, StaysForThatVersionAndIsToldOnce) {
+  startTold();
+  EXPECT_TRUE(w.world.dialogs.shown.last().text.contains(u"report-00000001.json: it is of version 2"_s))
+      << qPrintable(w.world.dialogs.shown.last().text);
+  expectKept();
+  w.start();  // and no word more
+  expectKept();
+  EXPECT_EQ(w.stamped(), QList<bool>({false, false, false}));
+}
+
+TEST_F(LaterJournal, LetsTheUserLeaveOutTheRowsThatStandAlready) {
+  startTold();
+  w.world.dialogs.expect(equalStand, platform::dialogs::vbNo);
+  w.expectDone();
+  w.report();
+  const QString question = w.world.dialogs.shown[w.world.dialogs.shown.size() - 2].text;
+  EXPECT_TRUE(question.contains(u"\"a\" (2024-05-13)\r\n\"b\" (2024-05-13)\r\n"_s)) << qPrintable(question);
+  EXPECT_FALSE(question.contains(u"\"c\""_s));
+  EXPECT_EQ(w.storedRows(), 3);
+  EXPECT_EQ(w.stamped(), QList<bool>({false, false, true}));
+  expectKept();
+}
+
+TEST_F(LaterJournal, LetsThemBeReportedWhereTheUserKnowsThatTheyAreOthers) {
+  startTold();
+  w.world.dialogs.expect(equalStand, platform::dialogs::vbYes);
+  w.expectDone();
+  w.report();
+  EXPECT_EQ(w.storedRows(), 5);
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+}
+
+TEST_F(LaterJournal, AsksNothingWhereNoEqualRowStands) {
+  startTold();
+  w.other()->execute(u"delete from tblReports"_s);
+  w.expectDone();
+  w.report();
+  EXPECT_EQ(w.storedRows(), 3);
+}
+
+TEST_F(LaterJournal, AsksNothingOfAPersonWhoHasReportedNothing) {
+  startTold();
+  w.outlook->gCurrentUser = u"Pat Smith"_s;
+  w.expectDone();
+  w.report();
+  EXPECT_EQ(w.storedRows(), 5);
+}
+
+TEST_F(LaterJournal, LetsNothingBeReportedWhereTheDatabaseCannotBeAsked) {
+  startTold();
+  w.plan->failContaining(u"where intReportID >"_s, tests::diskFull);
+  w.expectFailure(u"Report"_s, u"Not enough space on disk."_s, [&] { w.report(); });
+  EXPECT_EQ(w.storedRows(), 2);
 }
 
 TEST(Journal, NeverTakesTheNameOfAFileThatWasSetAside) {
