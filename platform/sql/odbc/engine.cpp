@@ -56,7 +56,25 @@ QString zeroLengthConstraint(const QString& table, const QString& column) {
   return u'[' + name + zeroLengthSuffix + u']';
 }
 
-QString definition(const QString& table, const Column& column) {
+// begins in a way that no statement of the Access kind does
+const QString relationsQuestion = QStringLiteral(
+    "WITH r AS (SELECT k.name, OBJECT_NAME(k.referenced_object_id) AS one, OBJECT_NAME(k.parent_object_id) "
+    "AS "
+    "many, COL_NAME(c.parent_object_id, c.parent_column_id) AS field, k.create_date, k.object_id FROM "
+    "sys.foreign_keys k JOIN sys.foreign_key_columns c ON c.constraint_object_id = k.object_id AND "
+    "c.constraint_column_id = 1 WHERE OBJECT_ID(QUOTENAME(OBJECT_NAME(k.parent_object_id))) = "
+    "k.parent_object_id) SELECT name, one, many, field FROM r ORDER BY create_date, object_id");
+
+}  // namespace
+
+OdbcEngine::OdbcEngine()
+    : ServerEngine({QStringLiteral("ADD"), QStringLiteral("WITH CHECK ADD CONSTRAINT"), relationsQuestion}) {}
+
+QString OdbcEngine::quoted(const QString& name) const {
+  return bracketed(name);
+}
+
+QString OdbcEngine::definition(const QString& table, const Column& column) const {
   const QString name = bracketed(column.name);
   if (column.autoIncrement) return name + u" int IDENTITY (1, 1) NOT NULL PRIMARY KEY"_qs;
   QString text = name + u' ' + declaredType(column);
@@ -72,7 +90,8 @@ QString definition(const QString& table, const Column& column) {
 }
 
 /// The description of the column that is there already is replaced.
-void describe(Session& session, const QString& table, const QString& column, const QString& caption) {
+void OdbcEngine::describe(Session& session, const QString& table, const QString& column,
+                          const QString& caption) const {
   const QString of = QStringLiteral("N'SCHEMA', @schema, N'TABLE', %1, N'COLUMN', %2")
                          .arg(nationalText(table), nationalText(column));
   QString statement = QStringLiteral(
@@ -86,76 +105,6 @@ void describe(Session& session, const QString& table, const QString& column, con
     statement +=
         u"; EXEC sys.sp_addextendedproperty N'MS_Description', "_qs + nationalText(caption) + u", "_qs + of;
   session.execute(statement);
-}
-
-}  // namespace
-
-void OdbcEngine::createDatabase(const QString& path) {
-  schema::refuseFile(path);
-}
-
-std::shared_ptr<CompactedSource> OdbcEngine::compact(const QString& source, const QString&) {
-  schema::refuseCompaction(source);
-}
-
-void OdbcEngine::createTable(Session& session, const QString& table, const QList<Column>& columns) {
-  const QString name = bracketed(table);
-  schema::requireNewTable(session, table, columns);
-  QStringList parts, keys;
-  bool counted = false;
-  for (const Column& column : columns) {
-    parts.append(definition(table, column));
-    counted = counted || column.autoIncrement;
-    if (column.primaryKey) keys.append(bracketed(column.name));
-  }
-  if (!counted && !keys.isEmpty()) parts.append(u"PRIMARY KEY ("_qs + keys.join(u", "_qs) + u')');
-  Transaction transaction(session);
-  session.execute(u"CREATE TABLE "_qs + name + u" ("_qs + parts.join(u", "_qs) + u')');
-  for (const Column& column : columns)
-    if (!column.caption.isEmpty()) describe(session, table, column.name, column.caption);
-  transaction.commit();
-}
-
-void OdbcEngine::addColumn(Session& session, const QString& table, const Column& column) {
-  const QString name = schema::requireNewColumn(session, table, column);
-  const QString added = definition(name, column);
-  Transaction transaction(session);
-  session.execute(u"ALTER TABLE "_qs + bracketed(name) + u" ADD "_qs + added);
-  if (!column.caption.isEmpty()) describe(session, name, column.name, column.caption);
-  transaction.commit();
-}
-
-void OdbcEngine::addRelation(Session& session, const Relation& relation) {
-  const schema::Ends ends = schema::requireNewRelation(session, relation, relations(session));
-  session.execute(
-      QStringLiteral("ALTER TABLE %1 WITH CHECK ADD CONSTRAINT %2 FOREIGN KEY (%3) REFERENCES %4 (%5)")
-          .arg(bracketed(ends.foreignTable), bracketed(relation.name), bracketed(ends.foreignKey.name),
-               bracketed(ends.table), bracketed(ends.key.name)));
-}
-
-QList<Relation> OdbcEngine::relations(Session& session) {
-  // begins in a way that no statement of the Access kind does
-  const Result result = session.execute(QStringLiteral(
-      "WITH r AS (SELECT k.name, OBJECT_NAME(k.referenced_object_id) AS one, OBJECT_NAME(k.parent_object_id) "
-      "AS "
-      "many, COL_NAME(c.parent_object_id, c.parent_column_id) AS field, k.create_date, k.object_id FROM "
-      "sys.foreign_keys k JOIN sys.foreign_key_columns c ON c.constraint_object_id = k.object_id AND "
-      "c.constraint_column_id = 1 WHERE OBJECT_ID(QUOTENAME(OBJECT_NAME(k.parent_object_id))) = "
-      "k.parent_object_id) SELECT name, one, many, field FROM r ORDER BY create_date, object_id"));
-  QList<Relation> list;
-  for (const QList<basic::Value>& row : result.rows)
-    list.append({std::get<QString>(row[0]), std::get<QString>(row[1]), std::get<QString>(row[2]),
-                 std::get<QString>(row[3])});
-  return list;
-}
-
-void OdbcEngine::setCaption(Session& session, const QString& table, const QString& column,
-                            const QString& caption) {
-  const QString name = schema::requireTable(session, table);
-  const Column present = schema::requireColumn(session, name, column);
-  Transaction transaction(session);
-  describe(session, name, present.name, caption);
-  transaction.commit();
 }
 
 std::shared_ptr<FileEngine> makeEngine() {

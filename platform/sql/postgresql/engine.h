@@ -1,27 +1,22 @@
 #pragma once
-#include "platform/sql/driver.h"
+#include "platform/sql/serverengine.h"
 
 namespace platform::sql::postgresql {
 
-/// Making and changing the tables of a server database. Works on any session of this driver, a wrapped one
-/// included, because it speaks through `execute` alone. Each operation is carried out whole or not at all.
-///
-/// Everything is told in the server's own terms, so that other programs see it too: counters are identities,
-/// captions are comments, relations are foreign keys under their names. Texts compare without regard to case
-/// by a collation that is made in the database with the first text column ("general_ci"); the server does not
-/// offer its functions that look for a part of a text on such columns. Names have at most 63 bytes in UTF-8.
-class PostgresqlEngine : public FileEngine {
+/// Counters are identities, captions are comments, relations are foreign keys under their names. Texts
+/// compare without regard to case by a collation that is made in the database with the first text column
+/// ("general_ci"); the server does not offer its functions that look for a part of a text on such columns.
+/// Names have at most 63 bytes in UTF-8.
+class PostgresqlEngine : public ServerEngine {
  public:
-  /// Failure -2147217900: a server's database is no file, and is made by a statement.
-  void createDatabase(const QString& path) override;
-  void createTable(Session& session, const QString& table, const QList<Column>& columns) override;
-  void addColumn(Session& session, const QString& table, const Column& column) override;
-  void addRelation(Session& session, const Relation& relation) override;
-  QList<Relation> relations(Session& session) override;
-  void setCaption(Session& session, const QString& table, const QString& column,
-                  const QString& caption) override;
-  /// Failure -2147217900: the server cares for its files by itself.
-  std::shared_ptr<CompactedSource> compact(const QString& source, const QString& target) override;
+  PostgresqlEngine();
+
+ protected:
+  QString quoted(const QString& name) const override;
+  QString definition(const QString& table, const Column& column) const override;
+  void describe(Session& session, const QString& table, const QString& column,
+                const QString& caption) const override;
+  void prepare(Session& session, const QList<Column>& columns) const override;
 };
 
 }  // namespace platform::sql::postgresql
