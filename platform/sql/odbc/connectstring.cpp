@@ -38,17 +38,30 @@ struct Server {
   QString host, instance, port;
 };
 
+bool isPort(const QString& text) {
+  bool readable = false;
+  const int number = text.trimmed().toInt(&readable);
+  return readable && number >= 1 && number <= highestPort;
+}
+
 void takePort(QString& text, QString& port) {
   const qsizetype comma = text.lastIndexOf(u',');
   if (comma < 0) return;
-  bool readable = false;
-  const int number = text.mid(comma + 1).trimmed().toInt(&readable);
-  if (!readable || number < 1 || number > highestPort)
+  if (!isPort(text.mid(comma + 1)))
     refuse(QStringLiteral("'%1' is no server: behind the comma stands its port, a number up to %2.")
                .arg(text)
                .arg(highestPort));
-  port = QString::number(number);
+  port = QString::number(text.mid(comma + 1).trimmed().toInt());
   text = text.left(comma).trimmed();
+}
+
+/// The key of its own, where the server's name has none with it.
+QString portKey(const ConnectionString& connection) {
+  const QString text = connection.value(QStringLiteral("Port"));
+  if (text.isEmpty()) return {};
+  if (!isPort(text))
+    refuse(QStringLiteral("The connection string's Port is none: it is a number up to %1.").arg(highestPort));
+  return QString::number(text.trimmed().toInt());
 }
 
 Server serverOf(const ConnectionString& connection) {
@@ -70,6 +83,7 @@ Server serverOf(const ConnectionString& connection) {
                .arg(text));
   Server server;
   takePort(text, server.port);
+  if (server.port.isEmpty()) server.port = portKey(connection);
   const qsizetype slash = text.indexOf(u'\\');
   if (slash >= 0) {
     server.instance = text.mid(slash + 1).trimmed();

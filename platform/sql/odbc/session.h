@@ -41,6 +41,7 @@ class OdbcSession : public Session {
 ///
 ///   Data Source              the server, see connectstring.h; also Server, Address, Addr, Network Address.
 ///                            Required.
+///   Port                     where Data Source names none; 1433 unless told
 ///   Initial Catalog          the database; also Database. Without it the user's default one.
 ///   User ID, Password        also UID, User, User Name; PWD. DOMAIN\user for a Windows user.
 ///   Integrated Security      SSPI, Yes or True: the user's Kerberos ticket; also Trusted_Connection

@@ -2,6 +2,7 @@
 
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
+#include "platform/sql/literals.h"
 #include "platform/sql/oledbkeys.h"
 #include "platform/sql/postgresql/failures.h"
 
@@ -61,13 +62,14 @@ QList<std::pair<QByteArray, QByteArray>> libraryOptions(const ConnectionString& 
     port = host.mid(comma + 1).trimmed();
     host = host.left(comma).trimmed();
   }
+  if (port.isEmpty()) port = connection.value(QStringLiteral("Port"));
   if (host.startsWith(u"tcp:", Qt::CaseInsensitive)) host.remove(0, 4);
   if (host == u"." || host.compare(u"(local)", Qt::CaseInsensitive) == 0) host = QStringLiteral("localhost");
   add("host", host);
   add("port", port);
   add("dbname", databaseOf(connection));
   if (!oledbkeys::isYes(oledbkeys::firstValue(connection, {"Integrated Security", "Trusted_Connection"}))) {
-    add("user", oledbkeys::firstValue(connection, {"User ID", "UID", "User"}));
+    add("user", oledbkeys::firstValue(connection, {"User ID", "UID", "User", "UserName", "User Name"}));
     add("password", oledbkeys::firstValue(connection, {"Password", "PWD"}));
   }
   add("application_name", oledbkeys::firstValue(connection, {"Application Name", "APP"}));
@@ -87,11 +89,13 @@ QList<std::pair<QByteArray, QByteArray>> libraryOptions(const ConnectionString& 
 }
 
 int connectTimeout(const ConnectionString& connection) {
-  const int seconds = oledbkeys::firstValue(connection, {"Connect Timeout", "Connection Timeout"}).toInt();
+  const int seconds =
+      oledbkeys::firstValue(connection, {"Connect Timeout", "Connection Timeout", "Timeout"}).toInt();
   return seconds > 0 && seconds <= oledbkeys::longestTimeoutSeconds ? seconds : connectTimeoutSeconds;
 }
 
-Connection::Connection(const ConnectionString& connection, int lockTimeout) {
+Connection::Connection(const ConnectionString& connection, int lockTimeout, int patience)
+    : patience_(patience) {
   if (oledbkeys::server(connection).isEmpty())
     throw Failure(errors::connectionFailed,
                   QStringLiteral("The connection string names no server (Data Source)."));
@@ -166,6 +170,38 @@ bool Connection::inTransaction() const {
   return PQtransactionStatus(connection_.get()) == PQTRANS_INTRANS;
 }
 
+/// What the client library's own waiting would give, with a bound: the last of the answers. One that goes on
+/// arriving is waited for.
+ResultPointer Connection::answered(int sent, const QString& statement, int seconds) {
+  ResultPointer last;
+  if (seconds == 0) seconds = patience_;
+  QDeadlineTimer deadline(qint64{seconds} * 1000);
+  while (sent != 0) {
+    while (PQisBusy(connection_.get()) != 0) {
+      pollfd descriptor{PQsocket(connection_.get()), POLLIN, 0};
+      const int ready = ::poll(&descriptor, 1, static_cast<int>(deadline.remainingTime()));
+      if (ready < 0 && errno == EINTR) continue;
+      if (ready <= 0) {
+        connection_.reset();
+        throw Failure(
+            errors::timeout,
+            QStringLiteral("The server of the database %1 did not answer within %2 s. The connection "
+                           "is closed. Whether the last statement was carried out is not known.")
+                .arg(label_)
+                .arg(seconds));
+      }
+      if (PQconsumeInput(connection_.get()) == 0) break;  // lost, which the next answer tells
+      deadline.setRemainingTime(qint64{seconds} * 1000);
+    }
+    ResultPointer next(PQgetResult(connection_.get()));
+    if (!next) break;
+    last = std::move(next);
+    const ExecStatusType status = PQresultStatus(last.get());
+    if (status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH) break;
+  }
+  return checked(last.release(), statement);
+}
+
 ResultPointer Connection::checked(pg_result* result, const QString& statement) {
   ResultPointer held(result);
   switch (PQresultStatus(result)) {
@@ -183,10 +219,20 @@ ResultPointer Connection::checked(pg_result* result, const QString& statement) {
     default:
       break;
   }
-  if (PQstatus(connection_.get()) == CONNECTION_BAD)
-    throw Failure(errors::connectionFailed,
-                  QStringLiteral("The connection to the database %1 is broken: %2")
-                      .arg(label_, lines(QString::fromUtf8(PQerrorMessage(connection_.get())).trimmed())));
+  if (!connection_)
+    throw Failure(
+        errors::connectionFailed,
+        QStringLiteral("The connection to the database %1 is broken since an earlier failure; it has "
+                       "to be opened anew.")
+            .arg(label_));
+  if (PQstatus(connection_.get()) == CONNECTION_BAD) {
+    QString text = QStringLiteral("The connection to the database %1 is broken: %2")
+                       .arg(label_, lines(QString::fromUtf8(PQerrorMessage(connection_.get())).trimmed()));
+    if (!isSelectStatement(statement))
+      text += QStringLiteral(" Whether the last statement was carried out is not known.");
+    connection_.reset();
+    throw Failure(errors::connectionFailed, text);
+  }
   const auto field = [result](int code) { return QString::fromUtf8(PQresultErrorField(result, code)); };
   ServerError error;
   error.state = field(PG_DIAG_SQLSTATE);
@@ -200,8 +246,8 @@ ResultPointer Connection::checked(pg_result* result, const QString& statement) {
   throw failureOf(error, statement, label_);
 }
 
-ResultPointer Connection::run(const QString& statements) {
-  return checked(PQexec(connection_.get(), statements.toUtf8().constData()), statements);
+ResultPointer Connection::run(const QString& statements, int seconds) {
+  return answered(PQsendQuery(connection_.get(), statements.toUtf8().constData()), statements, seconds);
 }
 
 namespace {
@@ -215,16 +261,17 @@ std::vector<const char*> pointersOf(const QList<Parameter>& parameters) {
 
 }  // namespace
 
-ResultPointer Connection::run(const QString& statement, const QList<Parameter>& parameters) {
+ResultPointer Connection::run(const QString& statement, const QList<Parameter>& parameters, int seconds) {
   const auto values = pointersOf(parameters);
-  return checked(PQexecParams(connection_.get(), statement.toUtf8().constData(),
-                              static_cast<int>(values.size()), nullptr, values.data(), nullptr, nullptr, 0),
-                 statement);
+  return answered(
+      PQsendQueryParams(connection_.get(), statement.toUtf8().constData(), static_cast<int>(values.size()),
+                        nullptr, values.data(), nullptr, nullptr, 0),
+      statement, seconds);
 }
 
 QList<unsigned> Connection::prepare(const QString& statement) {
-  checked(PQprepare(connection_.get(), "", statement.toUtf8().constData(), 0, nullptr), statement);
-  const ResultPointer described = checked(PQdescribePrepared(connection_.get(), ""), statement);
+  answered(PQsendPrepare(connection_.get(), "", statement.toUtf8().constData(), 0, nullptr), statement);
+  const ResultPointer described = answered(PQsendDescribePrepared(connection_.get(), ""), statement);
   QList<unsigned> types;
   for (int i = 0; i < PQnparams(described.get()); ++i) types.append(PQparamtype(described.get(), i));
   return types;
@@ -232,9 +279,9 @@ QList<unsigned> Connection::prepare(const QString& statement) {
 
 ResultPointer Connection::runPrepared(const QString& statement, const QList<Parameter>& parameters) {
   const auto values = pointersOf(parameters);
-  return checked(PQexecPrepared(connection_.get(), "", static_cast<int>(values.size()), values.data(),
-                                nullptr, nullptr, 0),
-                 statement);
+  return answered(PQsendQueryPrepared(connection_.get(), "", static_cast<int>(values.size()), values.data(),
+                                      nullptr, nullptr, 0),
+                  statement);
 }
 
 }  // namespace platform::sql::postgresql

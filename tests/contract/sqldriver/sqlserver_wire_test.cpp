@@ -45,6 +45,15 @@ TEST_F(SqlServerWire, WithoutADatabaseNoneIsNamed) {
   EXPECT_EQ(peer.login().database, QString());
 }
 
+TEST_F(SqlServerWire, ThePortMayStandUnderAKeyOfItsOwn) {
+  for (const QString& server : {u"127.0.0.1"_qs, u"tcp:127.0.0.1"_qs, u"127.0.0.1\\SQLEXPRESS"_qs}) {
+    ConnectionString to = connection(u"Application Name=%1;Port=%2"_qs.arg(server).arg(peer.port()));
+    to.set(u"Data Source"_qs, server);
+    odbc::OdbcDriver(options).connect(to);
+    EXPECT_EQ(peer.login().application, server);
+  }
+}
+
 TEST_F(SqlServerWire, TheProgramsNameIsToldUnlessTheStringHasOne) {
   connect();
   EXPECT_EQ(peer.login().application, QCoreApplication::applicationName());

@@ -75,6 +75,11 @@ const Golden table[] = {
     {"Data Source=(local)\\SQLEXPRESS", "SERVER=localhost\\SQLEXPRESS"},
     {"Data Source=s\\MSSQLSERVER", "SERVER=s;PORT=1433"},
     {"Data Source=s\\SQLEXPRESS,1500", "SERVER=s;PORT=1500"},
+    {"Data Source=s;Port=1500", "SERVER=s;PORT=1500"},
+    {"Data Source=tcp:s; port = 1500 ", "SERVER=s;PORT=1500"},
+    {"Data Source=s\\SQLEXPRESS;Port=1500", "SERVER=s;PORT=1500"},
+    {"Data Source=\"s,1501\";Port=1500", "SERVER=s;PORT=1501"},  // what is nearer to the name
+    {"Data Source=s;Port=", "SERVER=s;PORT=1433"},
     {"Data Source=10.0.0.7,1433", "SERVER=10.0.0.7;PORT=1433"},
     {"Data Source=[::1],1500", "SERVER=::1;PORT=1500"},
     {"Data Source=\"s\"", "SERVER=s;PORT=1433"},
@@ -134,6 +139,14 @@ TEST(OdbcConnectString, BoundsTheTimeThatIsWaitedForTheServer) {
 TEST(OdbcConnectString, WithoutAServerIsRefused) {
   EXPECT_EQ(failureOf(u"Provider=SQLOLEDB.1"_qs).description(),
             u"The connection string names no server (Data Source)."_qs);
+}
+
+TEST(OdbcConnectString, APortThatIsNoneIsRefusedAndNotRepeated) {
+  for (const QString& port : {u"0"_qs, u"65536"_qs, u"1500 Password=p"_qs}) {
+    EXPECT_EQ(failureOf(u"Data Source=s;Port="_qs + port).number(), errors::connectionFailed);
+    EXPECT_EQ(failureOf(u"Data Source=s;Port="_qs + port).description(),
+              u"The connection string's Port is none: it is a number up to 65535."_qs);
+  }
 }
 
 TEST(OdbcConnectString, AServerThatIsReachedByOtherMeansIsNamed) {

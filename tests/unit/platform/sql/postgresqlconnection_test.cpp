@@ -73,6 +73,10 @@ TEST(PostgresqlConnectionString, NamesServerDatabaseAndUserInAllTheirForms) {
   for (const QString& here : {u"(local)"_qs, u"."_qs, u"localhost"_qs})
     EXPECT_EQ(option(u"Address="_qs + here, "host"), "localhost");
   EXPECT_EQ(option(u"Data Source=\"/run/pg,5433\""_qs, "host"), "/run/pg");
+  EXPECT_EQ(option(u"Server=host;Port=5433;User Name=ann"_qs, "port"), "5433");
+  EXPECT_EQ(option(u"Server=host;Port=5433;User Name=ann"_qs, "user"), "ann");
+  EXPECT_EQ(option(u"Data Source=\"host,5434\";Port=5433"_qs, "port"), "5434")
+      << "what is nearer to the name";
 }
 
 TEST(PostgresqlConnectionString, WithoutADatabaseLeadsToTheOneThatOthersAreMadeFrom) {
