@@ -69,8 +69,8 @@ Type typeOfNumbers(const ResultPointer& answer, int column) {
 
 }  // namespace
 
-PostgresqlSession::PostgresqlSession(const ConnectionString& connection, int lockTimeout)
-    : connection_(connection, lockTimeout) {}
+PostgresqlSession::PostgresqlSession(const ConnectionString& connection, int lockTimeout, int patience)
+    : connection_(connection, lockTimeout, patience) {}
 
 PostgresqlSession::~PostgresqlSession() = default;
 
@@ -106,8 +106,9 @@ Result PostgresqlSession::executeNative(const QString& sql, const QList<basic::V
   catalogue_.reset();
   QList<Parameter> texts;
   for (const basic::Value& value : parameters) texts.append(parameterOf(value, 0, false));
-  const ResultPointer answer =
-      texts.isEmpty() ? connection_.run(sql) : connection_.run(withNumberedParameters(sql), texts);
+  const ResultPointer answer = texts.isEmpty()
+                                   ? connection_.run(sql, definitionSeconds)
+                                   : connection_.run(withNumberedParameters(sql), texts, definitionSeconds);
   if (guard) guard->release();
   return resultOf(answer);
 }
@@ -277,7 +278,7 @@ void PostgresqlSession::settle(const QString& token) {
 }
 
 std::unique_ptr<Session> PostgresqlDriver::connect(const ConnectionString& connection) {
-  return std::make_unique<PostgresqlSession>(connection, lockTimeout_);
+  return std::make_unique<PostgresqlSession>(connection, lockTimeout_, patience_);
 }
 
 std::shared_ptr<Driver> makeDriver() {

@@ -15,7 +15,7 @@ namespace platform::sql::postgresql {
 /// back by itself. A row or table that another program holds is waited for, `lockTimeoutMs` at most.
 class PostgresqlSession : public Session {
  public:
-  PostgresqlSession(const ConnectionString& connection, int lockTimeout);
+  PostgresqlSession(const ConnectionString& connection, int lockTimeout, int patience = statementSeconds);
   ~PostgresqlSession() override;
   Result execute(const QString& sql, const QList<basic::Value>& parameters = {}) override;
   void begin() override;
@@ -55,7 +55,9 @@ class PostgresqlSession : public Session {
 ///                            Network Address. Required.
 ///   Initial Catalog          the database; also Database. Without it "postgres", from which databases are
 ///                            made.
-///   User ID, Password        also UID, User; PWD. What is not given comes from the user's own surroundings
+///   Port                     where Data Source names none; 5432 unless told
+///   User ID, Password        also UID, User, User Name; PWD. What is not given comes from the user's own
+///   surroundings
 ///                            (the name he is logged in by, ~/.pgpass).
 ///   Integrated Security      SSPI, Yes or True: user and password are left out; also Trusted_Connection
 ///   Connect Timeout          seconds to wait for the server, 1 to 600, else 15; also Connection Timeout.
@@ -69,13 +71,15 @@ class PostgresqlSession : public Session {
 /// All others are left out, Persist Security Info among them.
 class PostgresqlDriver : public Driver {
  public:
-  explicit PostgresqlDriver(int lockTimeout = lockTimeoutMs) : lockTimeout_(lockTimeout) {}
+  explicit PostgresqlDriver(int lockTimeout = lockTimeoutMs, int patience = statementSeconds)
+      : lockTimeout_(lockTimeout), patience_(patience) {}
   /// Failure -2147217843 when user or password are refused, -2147467259 when the server cannot be reached or
   /// does not have the database; with the server's text, and never the password.
   std::unique_ptr<Session> connect(const ConnectionString& connection) override;
 
  private:
   int lockTimeout_;
+  int patience_;  // seconds
 };
 
 }  // namespace platform::sql::postgresql

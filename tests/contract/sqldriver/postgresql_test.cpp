@@ -211,6 +211,36 @@ TEST_F(Postgresql, AHeldRowIsNotWaitedForWithoutEnd) {
   writing();
 }
 
+TEST_F(Postgresql, AnAnswerIsNotWaitedForWithoutEnd) {
+  const auto impatient = postgresql::PostgresqlDriver(noPatience, 1).connect(toServer(base.name()));
+  const auto slow = [&] { impatient->execute(u"select pg_sleep(3600)"_qs); };
+  EXPECT_EQ(failureNumber(slow), errors::timeout);
+  // nothing is sent behind what may still be carried out
+  EXPECT_EQ(failureNumber([&] { impatient->execute(u"select 1"_qs); }), errors::connectionFailed);
+  EXPECT_EQ(failureNumber([&] { impatient->begin(); }), errors::connectionFailed);
+  EXPECT_TRUE(session->execute(u"select 1"_qs).rows.first().first() == Value(qint32{1})) << "others go on";
+}
+
+TEST_F(Postgresql, AnAnswerThatGoesOnArrivingIsWaitedFor) {
+  const auto impatient = postgresql::PostgresqlDriver(noPatience, 2).connect(toServer(base.name()));
+  // longer than two seconds in all; the server sends its buffer of 8 KB whenever that is full
+  const Result slow = impatient->execute(
+      u"select repeat('x', 3000) as x, pg_sleep(0.05) as s from generate_series(1, 60)"_qs);
+  EXPECT_EQ(slow.rows.size(), 60);
+}
+
+TEST_F(Postgresql, OfALostStatementThatWritesNobodySaysThatItWasNotCarriedOut) {
+  createMeta();
+  const auto lost = connect();
+  const Value process = lost->execute(u"select pg_backend_pid()"_qs).rows.first().first();
+  session->execute(u"WITH p AS (SELECT pg_terminate_backend(?::integer, 10000)) TABLE p"_qs, {process});
+  const QString text = failureText([&] { lost->execute(u"insert into tblMeta1 (strName) values ('a')"_qs); });
+  EXPECT_TRUE(text.contains(u"Whether the last statement was carried out is not known.")) << qPrintable(text);
+  const QString next = failureText([&] { lost->execute(u"insert into tblMeta1 (strName) values ('a')"_qs); });
+  EXPECT_TRUE(next.endsWith(u"is broken since an earlier failure; it has to be opened anew."_qs))
+      << "never sent";
+}
+
 TEST_F(Postgresql, ADatabaseOpenedForReadingTakesNoRows) {
   createMeta();
   ConnectionString reading = toServer(base.name());
