@@ -29,6 +29,12 @@ int MAPIFolder::DefaultItemType() const {
   return info_.holdsAppointments ? olAppointmentItem : olMailItem;
 }
 
+bool MAPIFolder::ReadOnly() const {
+  for (const calendar::FolderInfo& now : store_->folders())
+    if (now.id == info_.id) return now.readOnly;
+  return info_.readOnly;
+}
+
 Items MAPIFolder::Items() const {
   return outlook::Items(store_, info_.id, session_);
 }

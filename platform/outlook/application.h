@@ -25,7 +25,8 @@ class MAPIFolder {
   int DefaultItemType() const;  // olAppointmentItem or olMailItem
   QString Name() const { return info_.name; }
   QString ParentName() const { return info_.storeName; }  // Parent.Name
-  bool ReadOnly() const { return info_.readOnly; }
+  /// As it is at this moment: what the folder lies on may change while the program runs.
+  bool ReadOnly() const;
   QString Id() const { return info_.id; }
   outlook::Items Items() const;
   /// The item as it stands in the calendar now. Failure errNotFound when it is not there (any more).

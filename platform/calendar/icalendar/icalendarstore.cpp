@@ -60,8 +60,10 @@ struct IcalendarStore::Calendar {
       fail(errAccessDenied, QStringLiteral("\"%1\" is set up to be read only.").arg(config.path));
   }
   bool isWritable() const {
-    const QFileInfo info(config.path);
-    return !config.readOnly && (!info.exists() || info.isWritable());
+    if (config.readOnly) return false;
+    const QFileInfo place = icalendar::reached(config.path);
+    return icalendar::mayBeWritten(place) &&
+           (place.isDir() || icalendar::mayBeWritten(QFileInfo(place.absolutePath())));
   }
 
   void noteCount();

@@ -3,9 +3,19 @@
 #include "platform/basic/failure.h"
 #include "platform/calendar/icalendar/limits.h"
 
-#include <QFileInfo>
+#include <QFile>
 
 namespace platform::calendar::icalendar {
+
+bool mayBeWritten(const QFileInfo& place) {
+  constexpr QFile::Permissions anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+  return !place.exists() || ((place.permissions() & anyWrite) && place.isWritable());
+}
+
+QFileInfo reached(const QString& path) {
+  const QString real = QFileInfo(path).canonicalFilePath();
+  return QFileInfo(real.isEmpty() ? path : real);
+}
 
 void FileWriter::fail(qint32 number, const QString& text) const {
   throw Failure(number, QStringLiteral("Calendar \"%1\": %2").arg(label_, text),
@@ -13,13 +23,10 @@ void FileWriter::fail(qint32 number, const QString& text) const {
 }
 
 void FileWriter::refuseProtected(const QString& name) const {
-  constexpr QFile::Permissions anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
   const QString path = source_.pathOf(name);
-  const QFileInfo info(path);
-  if (info.exists() && (!(info.permissions() & anyWrite) || !info.isWritable()))
-    fail(errAccessDenied, QStringLiteral("\"%1\" is write-protected.").arg(path));
-  const QFileInfo folder(info.absolutePath());
-  if (folder.exists() && (!(folder.permissions() & anyWrite) || !folder.isWritable()))
+  const QFileInfo file = reached(path), folder(file.absolutePath());
+  if (!mayBeWritten(file)) fail(errAccessDenied, QStringLiteral("\"%1\" is write-protected.").arg(path));
+  if (!mayBeWritten(folder))
     fail(errAccessDenied,
          QStringLiteral("nothing can be written in the folder \"%1\".").arg(folder.filePath()));
 }

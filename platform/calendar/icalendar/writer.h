@@ -1,6 +1,8 @@
 #pragma once
 #include "platform/calendar/icalendar/eventsource.h"
 
+#include <QFileInfo>
+
 // Where the edits of a calendar's files go.
 namespace platform::calendar::icalendar {
 
@@ -14,6 +16,11 @@ struct Step {
   QTimeZone zone;
   QDateTime now;
 };
+
+/// Whether a save may put something there. The mode bits count for the administrator as well.
+bool mayBeWritten(const QFileInfo& place);
+/// What a path leads to through links; one that leads nowhere as it is.
+QFileInfo reached(const QString& path);
 
 class Writer {
  public:
@@ -46,7 +53,7 @@ class FileWriter : public Writer {
 
  private:
   /// The rename that puts the new content in place would go through even where the file itself is
-  /// write-protected.
+  /// write-protected, and needs the folder of what a link leads to.
   void refuseProtected(const QString& name) const;
   void refuseTooLarge(const QString& name, qint64 size) const;
   void prepare(const QString& name);

@@ -58,6 +58,28 @@ TEST_F(ApplicationTest, DefaultFoldersAreTheFirstOfTheirKindOverAllStores) {
   EXPECT_EQ(failureOf([&] { names->GetDefaultFolder(5); }), failure::invalidProcedureCall);
 }
 
+TEST_F(ApplicationTest, AFolderSaysWhetherItMayBeWrittenNow) {
+  class TurningStore : public calendar::MemoryStore {
+   public:
+    QList<calendar::FolderInfo> folders() override {
+      QList<calendar::FolderInfo> list = MemoryStore::folders();
+      for (calendar::FolderInfo& info : list) info.readOnly = readOnly;
+      return list;
+    }
+    bool readOnly = false;
+  };
+  const auto turning = std::make_shared<TurningStore>();
+  turning->addFolder({u"turning"_s, u"Turning"_s, u"Mailbox"_s, true, false});
+  profile.stores = {turning};
+  Application application(profile);
+  const auto folder = application.GetNamespace(u"MAPI"_s)->GetFolderFromID(u"turning"_s);
+  EXPECT_FALSE(folder->ReadOnly());
+  turning->readOnly = true;
+  EXPECT_TRUE(folder->ReadOnly());
+  turning->readOnly = false;
+  EXPECT_FALSE(folder->ReadOnly());
+}
+
 TEST_F(ApplicationTest, ANamespaceOutlivesItsApplication) {
   auto application = std::make_shared<Application>(profile);
   const auto names = application->GetNamespace(u"MAPI"_s);

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 using namespace icalendar_tests;
 using namespace platform::calendar;
@@ -62,6 +63,28 @@ TEST_F(FailuresTest, AFolderWithoutTheRightToWriteStaysAsItIs) {
   change.start = moment(u"2024-02-05 09:00"_qs);
   EXPECT_EQ(failure([&] { store->save(folder, {}, {}, change); }), errAccessDenied);
   EXPECT_EQ(fileNames(), QStringList{u"a.ics"_qs});
+}
+
+TEST_F(FailuresTest, ACalendarInOneFileIsReadOnlyWhereItsFolderIs) {
+  writeOne(bytes);
+  const QString around = QFileInfo(onePath()).path();
+  EXPECT_FALSE(store->folders().at(1).readOnly);
+  QFile::setPermissions(around, QFile::ReadOwner | QFile::ExeOwner);
+  EXPECT_TRUE(store->folders().at(1).readOnly);
+  QFile::setPermissions(around, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  EXPECT_FALSE(store->folders().at(1).readOnly);
+}
+
+TEST_F(FailuresTest, ALinkedCalendarIsAsWritableAsTheFolderItLeadsTo) {
+  ASSERT_TRUE(QFile::rename(path(u"a.ics"_qs), path(u"b.ics"_qs)));
+  ASSERT_TRUE(QFile::link(path(u"b.ics"_qs), onePath()));
+  folder = u"one"_qs;
+  const Item item = single();
+  QFile::setPermissions(path(QString()), QFile::ReadOwner | QFile::ExeOwner);
+  EXPECT_TRUE(store->folders().at(1).readOnly);
+  EXPECT_EQ(failedSave(item), errAccessDenied);
+  expectNames({path(QString()).chopped(1)});
+  EXPECT_EQ(read(u"b.ics"_qs), bytes);
 }
 
 TEST_F(FailuresTest, AFileThatHasVanishedIsNotFound) {
