@@ -6,10 +6,13 @@
 #include "platform/sql/odbc/catalogue.h"
 #include "platform/sql/odbc/driver.h"
 
+#include <QUuid>
+
 namespace platform::sql::odbc {
 
 namespace {
 
+constexpr int settleMilliseconds = 10000;
 constexpr int longestQuoted = 60;  // characters of a value that a failure names
 
 qint64 wholeAt(const QList<basic::Value>& row, int column) {
@@ -158,6 +161,40 @@ QList<Column> OdbcSession::columns(const QString& table) {
   for (const CatalogueColumn& each : columnsOf(connection_, table, options_.statementSeconds))
     columns.append(each.column);
   return columns;
+}
+
+/// Below 0: not given.
+qint64 OdbcSession::lockOf(const QString& name, int milliseconds) {
+  const QList<ResultSet> answers = connection_.run(
+      QStringLiteral("DECLARE @given int; EXEC @given = sys.sp_getapplock @Resource = %1, @LockMode = "
+                     "'Exclusive', @LockOwner = 'Session', @LockTimeout = %2; SELECT @given")
+          .arg(nationalText(name))
+          .arg(milliseconds),
+      {}, options_.statementSeconds);
+  for (const ResultSet& answer : answers)
+    if (!answer.rows.isEmpty()) return wholeAt(answer.rows.first(), 0);
+  return -1;
+}
+
+QString OdbcSession::token() {
+  if (!token_.isEmpty()) return token_;
+  const QString name = u"session "_qs + QUuid::createUuid().toString(QUuid::WithoutBraces);
+  try {
+    if (lockOf(name, 0) >= 0) token_ = name;
+  } catch (const Failure&) {
+    if (connection_.isLost()) throw;
+  }
+  return token_;
+}
+
+void OdbcSession::settle(const QString& token) {
+  if (token.isEmpty() || token == token_) return;
+  if (lockOf(token, settleMilliseconds) < 0)
+    throw Failure(
+        errors::timeout,
+        QStringLiteral("An earlier session with the database %1 does not end.").arg(connection_.label()));
+  control(QStringLiteral("EXEC sys.sp_releaseapplock @Resource = %1, @LockOwner = 'Session'")
+              .arg(nationalText(token)));
 }
 
 std::unique_ptr<Session> OdbcDriver::connect(const ConnectionString& connection) {

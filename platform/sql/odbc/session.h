@@ -20,8 +20,14 @@ class OdbcSession : public Session {
   void rollback() override;
   QStringList tables() override;  // views are not among them
   QList<Column> columns(const QString& table) override;
+  /// The name of a lock that the session holds up to its end, which needs no right in the database. Empty
+  /// where the server gives none.
+  QString token() override;
+  /// Waits for the end of that session, since to end another one takes an administrator; 10 s at most.
+  void settle(const QString& token) override;
 
  private:
+  qint64 lockOf(const QString& name, int milliseconds);
   Result executeNative(const QString& sql, const QList<basic::Value>& parameters);
   Result executeAccess(const QString& sql, const QList<basic::Value>& parameters);
   QList<YesNoColumn> yesNoColumns(const QString& table);
@@ -35,6 +41,7 @@ class OdbcSession : public Session {
   QHash<QString, QList<YesNoColumn>> yesNoColumns_;  // by table; another program may have changed it since
   int depth_ = 0;                                    // of transactions
   bool givenUp_ = false;                             // the transaction, by the server
+  QString token_;
 };
 
 /// The driver for SQL Server through ODBC. Keys of its connection strings, without regard to case:

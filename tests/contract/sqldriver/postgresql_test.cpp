@@ -315,4 +315,14 @@ TEST_F(Postgresql, ALongColumnsNameKeepsItsRuleForEmptyTexts) {
   EXPECT_EQ(failureNumber([&] { session->execute(u"insert into t values ('')"_qs); }), errors::zeroLength);
 }
 
+TEST_F(Postgresql, ASessionThatIsStillThereIsEndedWhenItIsSettled) {
+  const auto other = connect();
+  session->execute(u"CREATE TABLE t (a integer)"_qs);
+  other->begin();
+  other->execute(u"insert into t values (1)"_qs);
+  session->settle(other->token());
+  EXPECT_EQ(failureNumber([&] { other->commit(); }), errors::connectionFailed);
+  EXPECT_EQ(session->execute(u"select * from t"_qs).rows.size(), 0);
+}
+
 }  // namespace contract

@@ -47,6 +47,23 @@ TEST_P(SqlDriver, EveryTypeOfValueComesBackAsItWasWritten) {
     EXPECT_TRUE(result.rows.first()[i] == expected[i]) << qPrintable(result.columns[i].name);
 }
 
+TEST_P(SqlDriver, AnEarlierSessionThatHasEndedIsSettled) {
+  QString token;
+  {
+    const auto earlier = connect();
+    createTables(*earlier);
+    token = earlier->token();
+    EXPECT_EQ(earlier->token(), token);
+    earlier->execute(u"insert into tblPersons (strPersonName) values ('Ann')"_qs);
+  }
+  const auto session = connect();
+  EXPECT_TRUE(token.isEmpty() || session->token() != token);
+  session->settle(token);
+  session->settle(session->token());
+  session->settle({});
+  EXPECT_EQ(session->execute(u"select * from tblPersons"_qs).rows.size(), 1);
+}
+
 TEST_P(SqlDriver, NullStaysNullAndIsNotAnEmptyText) {
   const auto session = connect();
   createTables(*session);
@@ -238,6 +255,38 @@ TEST_P(SqlDriver, WhatOneConnectionWroteTheNextReads) {
   }
   const auto session = connect();
   EXPECT_TRUE(single(*session, u"select strPersonName from tblPersons"_qs) == Value(u"kept"_qs));
+}
+
+TEST_P(SqlDriver, AStatementThatWasSentBeforeHoldsForTheTableAsItIsNow) {
+  const auto session = connect();
+  createTables(*session);
+  const QString insert = u"insert into tblPersons (strName) values (?)"_qs;
+  for (const QString& name : {u"Ann"_qs, u"Bo"_qs}) session->execute(insert, {Value(name)});
+  const auto other = connect();
+  other->execute(u"drop table tblReports"_qs);
+  other->execute(u"drop table tblPersons"_qs);
+  // another place for the column, and another type
+  context->engine().createTable(*other, u"tblPersons"_qs,
+                                {column(u"numFirst"_qs, Type::Long), column(u"strName"_qs, Type::Memo)});
+  session->execute(insert, {Value(u"Cid"_qs)});
+  other->execute(u"drop table tblPersons"_qs);
+  context->engine().createTable(*other, u"tblPersons"_qs, {column(u"strName"_qs, Type::Long)});
+  session->execute(insert, {Value(qint32{7})});
+  session->execute(insert, {Value(qint32{8})});
+  const Result found = connect()->execute(u"select strName from tblPersons order by strName"_qs);
+  ASSERT_EQ(found.rows.size(), 2);
+  EXPECT_EQ(found.rows[0][0], Value(qint32{7}));
+  EXPECT_EQ(found.rows[1][0], Value(qint32{8}));
+}
+
+TEST_P(SqlDriver, AFailedStatementCanBeSentAgainWithOtherValues) {
+  const auto session = connect();
+  createTables(*session);
+  const QString insert = u"insert into tblPersons (strName) values (?)"_qs;
+  session->execute(insert, {Value(u"Ann"_qs)});
+  EXPECT_NE(failureNumber([&] { session->execute(insert, {Value(QString(300, u'x'))}); }), 0);
+  EXPECT_EQ(session->execute(insert, {Value(u"Bo"_qs)}).affected, 1);
+  EXPECT_EQ(session->execute(u"select strName from tblPersons"_qs).rows.size(), 2);
 }
 
 TEST_P(SqlDriver, AMissingColumnIsToldFromAnyOtherFailure) {

@@ -100,4 +100,14 @@ TEST_F(SqlServer, AnAmountIsExactUpToTheLargest) {
   EXPECT_TRUE(single(u"select cur from t"_qs) == Value(largest));
 }
 
+TEST_F(SqlServer, ASessionThatIsStillThereCannotBeSettled) {
+  auto other = connect();
+  const QString token = other->token();
+  EXPECT_FALSE(token.isEmpty());
+  EXPECT_EQ(failureNumber([&] { session->settle(token); }), errors::timeout);
+  other.reset();
+  session->settle(token);
+  connect()->settle(token);
+}
+
 }  // namespace contract

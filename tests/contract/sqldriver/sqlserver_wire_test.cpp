@@ -331,4 +331,37 @@ TEST_F(SqlServerWire, ADatabaseOpenedForReadingTakesNoRows) {
   EXPECT_EQ(peer.statements(), QStringList{u"select * from t"_qs});
 }
 
+TEST_F(SqlServerWire, ASessionHoldsALockOfItsOwnByWhichAnotherOneKnowsItsEnd) {
+  qint32 given = 0;
+  peer.answerWith([&](const TdsRequest&) {
+    return TdsAnswer().columns({{{}, TdsType::Int}}).row({given}).done();
+  });
+  QString token;
+  {
+    const auto session = connect();
+    token = session->token();
+    EXPECT_TRUE(token.startsWith(u"session "_qs)) << qPrintable(token);
+    EXPECT_EQ(session->token(), token) << "which is asked for once";
+    session->settle(token);
+  }
+  const QString lock =
+      u"DECLARE @given int; EXEC @given = sys.sp_getapplock @Resource = N'%1', @LockMode = "
+      "'Exclusive', @LockOwner = 'Session', @LockTimeout = %2; SELECT @given"_qs;
+  EXPECT_EQ(peer.statements(), QStringList{lock.arg(token, u"0"_qs)});
+  connect()->settle(token);
+  EXPECT_EQ(
+      peer.statements().mid(1),
+      QStringList({lock.arg(token, u"10000"_qs),
+                   u"EXEC sys.sp_releaseapplock @Resource = N'%1', @LockOwner = 'Session'"_qs.arg(token)}));
+  given = -1;  // not within its time
+  EXPECT_EQ(failureNumber([&] { connect()->settle(token); }), errors::timeout);
+  EXPECT_EQ(connect()->token(), QString());
+}
+
+TEST_F(SqlServerWire, AServerThatGivesNoLocksHasNoTokens) {
+  peer.answerWith(
+      [](const TdsRequest&) { return TdsAnswer().error(229, u"The EXECUTE permission was denied"_qs); });
+  EXPECT_EQ(connect()->token(), QString());
+}
+
 }  // namespace contract

@@ -79,12 +79,13 @@ TEST_F(PostgresqlInterrupted, AServerThatIsKilledBetweenTwoRowsAndStartedAgainHa
   expectEachOnce();
 }
 
-/// Somebody holds the table, so that a row that was sent waits at the server.
-class HeldTable {
+/// Somebody is changing the person, so that a row of hers that was sent waits at the server, about to be
+/// stored.
+class HeldPerson {
  public:
-  HeldTable() : session_(PostgresqlRoad::administrator(u"hours"_s)) {
+  HeldPerson() : session_(PostgresqlRoad::administrator(u"hours"_s)) {
     session_->begin();
-    session_->execute(u"LOCK TABLE \"tblReports\" IN SHARE ROW EXCLUSIVE MODE"_s);
+    session_->execute(u"WITH x AS (SELECT \"intPersonID\" FROM \"tblPersons\" FOR UPDATE) SELECT * FROM x"_s);
   }
   /// Returns when it waits.
   void awaitRow() {
@@ -100,7 +101,7 @@ class HeldTable {
 };
 
 TEST_F(PostgresqlInterrupted, ARowThatTheServerMayStillStoreIsNotTakenForOneThatItHasNot) {
-  HeldTable held;
+  HeldPerson held;
   w.database->gConnection.reset();
   const pid_t child = ::fork();
   if (child == 0) {
