@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace platform::files {
@@ -53,14 +54,17 @@ ReadResult readFile(const QString& path, qint64 limit = 1024LL * 1024 * 1024);
 
 /// The one way in which this program writes a user's file, shared by spliceFile() below: a new file beside it
 /// (".name.XXXXXX.tmp", which never ends in .ics), written, fsynced and its size checked; the target compared
-/// with `expected` once more; renamed over it; the folder fsynced. A symbolic link is followed to its target,
-/// mode and (where permitted) owner and group are kept, access lists and extended attributes are not. On any
-/// failure the old content stands untouched and no file is left beside it. The one exception: when only the
-/// folder's fsync failed, the new content stands there, whole, but might not outlive a power cut;
-/// `fingerprint` is then set though the outcome is `Failed`.
+/// with `expected` once more; the two change places, and what came out is looked at again before it is
+/// removed (without `expected`, and where the file system cannot do that, a plain rename); the folder
+/// fsynced. A symbolic link is followed to its target, mode and (where permitted) owner and group are kept,
+/// access lists and extended attributes are not. On any failure the old content stands untouched and no file
+/// is left beside it. The one exception: when only the folder's fsync failed, the new content stands there,
+/// whole, but might not outlive a power cut; `fingerprint` is then set though the outcome is `Failed`.
 ///
 /// `expected` empty: whatever is there is replaced; `expected->exists` false: nothing may be there.
-/// `ChangedMeanwhile`: not written, because the target is no longer what was read. Up to 1 MB the content
+/// `ChangedMeanwhile`: not written, because the target is no longer what was read, or because somebody has it
+/// open for writing at the moment of the change (the system tells of that on local disks, and to the file's
+/// owner): what he writes would go into the old file, which nobody sees any more. Up to 1 MB the content
 /// decides (an edit in place may keep size and time, and a mere touch changes nothing); above, time, size and
 /// inode do, and the content only where they differ. A target that holds `bytes` already counts as unchanged,
 /// so that a save may be repeated after a failure.
@@ -88,9 +92,10 @@ WriteResult spliceFile(const QString& path, const QList<Splice>& splices, const 
 /// written to while it was copied, or the new name is taken.
 WriteResult copyFile(const QString& from, const QString& to);
 
-/// Removes a file that is still what was read; the folder is fsynced. Of a symbolic link the link goes and
-/// what it leads to stays. A read-only file is refused. When only the folder's fsync failed, the file is gone
-/// and counts as removed; `error` then says why it might be back after a power cut.
+/// Removes a file that is still what was read: it is taken out of its place and looked at once more, as
+/// above; the folder is fsynced. Of a symbolic link the link goes and what it leads to stays. A read-only
+/// file is refused. When only the folder's fsync failed, the file is gone and counts as removed; `error` then
+/// says why it might be back after a power cut.
 WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& expected = std::nullopt);
 
 /// Gives a file another name in its folder, in one step. `ChangedMeanwhile`: that name is taken, and stays as
@@ -98,7 +103,10 @@ WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& ex
 WriteResult renameFile(const QString& path, const QString& newName);
 
 /// Removes what a crash in the middle of replaceFile() has left in a folder: files under such temporary
-/// names, this user's own, last written more than `olderThanSeconds` ago. How many there were.
-int sweepLitter(const QString& folder, qint64 olderThanSeconds = 3600);
+/// names, this user's own, last written more than `olderThanSeconds` ago. How many there were. In a folder
+/// that others use as well `whose` tells whether what a file was to become is the caller's: other programs
+/// may know such names too. It is not asked for names so long that they had to be cut.
+int sweepLitter(const QString& folder, qint64 olderThanSeconds = 3600,
+                const std::function<bool(const QString& target)>& whose = {});
 
 }  // namespace platform::files

@@ -222,7 +222,16 @@ void FileCache::sweep() {
   const auto now = std::chrono::steady_clock::now();
   if (swept_ && now - *swept_ < sweepPause_) return;
   swept_ = now;
-  files::sweepLitter(isFolder() ? path_ : QFileInfo(path_).path());
+  constexpr qint64 olderThanSeconds = 3600;
+  if (isFolder()) {
+    files::sweepLitter(path_, olderThanSeconds,
+                       [](const QString& target) { return target.endsWith(u".ics", Qt::CaseInsensitive); });
+    return;
+  }
+  const QString real = QFileInfo(path_).canonicalFilePath();  // what a link leads to is what is written
+  const QFileInfo file(real.isEmpty() ? path_ : real);
+  files::sweepLitter(file.path(), olderThanSeconds,
+                     [&](const QString& target) { return target == file.fileName(); });
 }
 
 QString FileCache::changeTag() {

@@ -17,11 +17,20 @@ constexpr qsizetype longestName = 255;
 constexpr qsizetype randomLetters = 6;
 constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
 
+/// Behind the target's name: a dot, the random letters and the ending.
+constexpr qsizetype tailLength = 1 + randomLetters + 4;
+
 /// A long name is cut, at the border of a character.
 QByteArray cutName(const QByteArray& name, qsizetype length) {
   if (name.size() <= length) return name;
   while (length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80) --length;
   return name.left(length);
+}
+
+/// May the target's name have been longer?
+bool mayBeCut(const QByteArray& name) {
+  constexpr qsizetype longestLetter = 4;
+  return name.size() > longestName - longestLetter;
 }
 
 }  // namespace
@@ -40,13 +49,16 @@ bool isTemporaryName(const QByteArray& name) {
   return pattern.match(QString::fromLatin1(name)).hasMatch();
 }
 
-int sweepLitter(const QString& folder, qint64 olderThanSeconds) {
+int sweepLitter(const QString& folder, qint64 olderThanSeconds,
+                const std::function<bool(const QString& target)>& whose) {
   const SystemCalls& calls = SystemCalls::current();
   const QStringList names = QDir(folder).entryList({QStringLiteral(".*.tmp")}, QDir::Files | QDir::Hidden);
   const qint64 youngest = QDateTime::currentSecsSinceEpoch() - olderThanSeconds;
   int swept = 0;
   for (const QString& name : names) {
-    if (!isTemporaryName(QFile::encodeName(name))) continue;
+    const QByteArray encoded = QFile::encodeName(name);
+    if (!isTemporaryName(encoded)) continue;
+    if (whose && !mayBeCut(encoded) && !whose(name.mid(1, name.size() - 1 - tailLength))) continue;
     const QByteArray path = QFile::encodeName(QDir(folder).filePath(name));
     struct stat found {};
     if (calls.fstatat(AT_FDCWD, path.constData(), &found, AT_SYMLINK_NOFOLLOW) < 0) continue;

@@ -24,6 +24,16 @@ TEST(SweepLitter, TakesTemporaryFilesOlderThanAnHour) {
   EXPECT_EQ(folder.names(), QStringList{u".b.ics.abcdef.tmp"_qs});
 }
 
+TEST(SweepLitter, OfOneNameTakesNoOthers) {
+  TestFolder folder;
+  const QString cut = QFile::decodeName(temporaryName(QByteArray(254, 'x')));
+  for (const QString& name :
+       {u".thesis.backup.tmp"_qs, u".a.ics.abcdef.tmp"_qs, u".b.ics.abcdef.tmp"_qs, cut})
+    putAged(folder, name, 3700);
+  EXPECT_EQ(sweepLitter(folder.path({}), 3600, [](const QString& target) { return target == u"a.ics"; }), 2);
+  EXPECT_EQ(folder.names(), (QStringList{u".b.ics.abcdef.tmp"_qs, u".thesis.backup.tmp"_qs}));
+}
+
 TEST(SweepLitter, LeavesEverythingElseAlone) {
   TestFolder folder;
   const QStringList others{u".a.ics.x7k2m9"_qs, u".a.ics.X7K2M9.tmp"_qs, u".tmp"_qs, u".x7k2m9.tmp"_qs,

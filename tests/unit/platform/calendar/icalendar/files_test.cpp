@@ -122,11 +122,20 @@ TEST_F(IcalendarTest, ALinkToAFileIsChangedAtItsTarget) {
   EXPECT_TRUE(QFileInfo(path(u"a.ics"_qs)).isSymLink());
 }
 
+namespace {
+
+/// As if it had been last written years ago.
+void age(const QString& path) {
+  struct timespec times[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+}
+
+}  // namespace
+
 TEST_F(IcalendarTest, HalfWrittenFilesOfACrashAreTakenAwayByTheFirstSaveAndByNoReading) {
   write(u"a.ics"_qs, item("a"));
   write(u".a.ics.x7k2m9.tmp"_qs, "half");
-  struct timespec times[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
-  ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(path(u".a.ics.x7k2m9.tmp"_qs)).constData(), times, 0), 0);
+  age(path(u".a.ics.x7k2m9.tmp"_qs));
   const Item found = single();
   EXPECT_TRUE(QFile::exists(path(u".a.ics.x7k2m9.tmp"_qs)));
   Change change;
@@ -134,4 +143,88 @@ TEST_F(IcalendarTest, HalfWrittenFilesOfACrashAreTakenAwayByTheFirstSaveAndByNoR
   save(found, change);
   EXPECT_FALSE(QFile::exists(path(u".a.ics.x7k2m9.tmp"_qs)));
   EXPECT_EQ(single().subject, u"new"_qs);
+}
+
+TEST_F(IcalendarTest, TheFirstSaveOfAFolderLeavesTheTemporaryFilesOfOtherPrograms) {
+  write(u"a.ics"_qs, item("a"));
+  write(u".thesis.backup.tmp"_qs, "theirs");
+  age(path(u".thesis.backup.tmp"_qs));
+  Change change;
+  change.subject = u"new"_qs;
+  save(single(), change);
+  EXPECT_TRUE(QFile::exists(path(u".thesis.backup.tmp"_qs)));
+}
+
+TEST_F(IcalendarTest, TheFirstSaveOfOneFileTakesWhatACrashLeftBesideItsTargetAndNothingOfOthers) {
+  write(u"real.ics"_qs, item("a"));
+  ASSERT_TRUE(QFile::link(path(u"real.ics"_qs), onePath()));
+  const QString ours = path(u".real.ics.x7k2m9.tmp"_qs);
+  const QStringList theirs{path(u".thesis.backup.tmp"_qs), path(u".a.ics.x7k2m9.tmp"_qs),
+                           QFileInfo(onePath()).path() + u"/.notes.backup.tmp"_qs};
+  for (const QString& name : theirs + QStringList{ours}) {
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    age(name);
+  }
+  folder = u"one"_qs;
+  Change change;
+  change.subject = u"new"_qs;
+  save(single(), change);
+  EXPECT_FALSE(QFile::exists(ours));
+  for (const QString& name : theirs) EXPECT_TRUE(QFile::exists(name)) << qPrintable(name);
+}
+
+TEST_F(IcalendarTest, TheLastLineOfAnEventStaysAsItIsHoweverItIsWritten) {
+  const QByteArray head = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n", tail = "END:VCALENDAR\r\n";
+  const QByteArray lines = "begin:vevent\r\nUID:a\r\nSUMMARY:Old\r\nDTSTART:20240205T080000Z\r\n";
+  const QByteArray others = "BEGIN:VEVENT\r\nUID:b\r\nDTSTART:20240206T080000Z\r\nend:vevent \r\n";
+  for (const QByteArray end :
+       {"END:VEVENT\r\n", "end:vevent\r\n", "End:VEvent\n", "END:VEVENT \t\r\n", "END:VEVENT\r\r\n",
+        "END\r\n :VEVENT\r\n", "END:VEV\r\n ENT\r\n", "END;X=y:VEVENT\r\n", "\r\nEND:VEVENT\r\n",
+        "END:VEVENT\r\n\r\n", "end : vevent\r\n"}) {
+    for (const bool last : {false, true}) {
+      for (const bool held : {false, true}) {
+        SCOPED_TRACE(end.toPercentEncoding().toStdString() + (last ? " last" : "") + (held ? " held" : ""));
+        const QByteArray before = head + (last ? others + lines + end : lines + end + others) + tail;
+        writeOne(before);
+        folder = u"one"_qs;
+        Query query;
+        query.uid = u"a"_qs;
+        const Item item = store->items(folder, query).value(0);
+        ASSERT_EQ(item.subject, u"Old"_qs);
+        if (held) store->hold();
+        Change change;
+        change.subject = u"New"_qs;
+        change.billingInformation = u"Paid"_qs;
+        save(item, change);
+        EXPECT_TRUE(store->flush().isEmpty());
+        EXPECT_EQ(differences(before, readOne()),
+                  (QByteArrayList{"-SUMMARY:Old", "+SUMMARY:New", "+X-HOURBOOK-BILLINGINFORMATION:Paid"}));
+        const QByteArray changed = readOne();
+        EXPECT_TRUE(changed.contains("X-HOURBOOK-BILLINGINFORMATION:Paid\r\n" + end) ||
+                    changed.contains("X-HOURBOOK-BILLINGINFORMATION:Paid\r\n" + end.trimmed()));
+        EXPECT_TRUE(changed.contains(end));
+      }
+    }
+  }
+}
+
+TEST_F(IcalendarTest, TheLastLineOfAnEventStaysAsItIsWhereItsFileBreaksOff) {
+  for (const QByteArray end : {"END:VEVENT", "end:vevent", "end:vevent\r", "END:VEVENT \t", "END:VEVENT\n"}) {
+    for (const QByteArray lineEnd : {"\r\n", "\n", "\r"}) {
+      if (lineEnd == "\r" && end.contains('\n')) continue;
+      SCOPED_TRACE(end.toPercentEncoding().toStdString());
+      QByteArray before =
+          "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:a\r\nSUMMARY:Old\r\n"
+          "DTSTART:20240205T080000Z\r\n" +
+          end;
+      before.replace("\r\n", lineEnd);
+      write(u"a.ics"_qs, before);
+      Change change;
+      change.subject = u"New"_qs;
+      save(single(), change);
+      EXPECT_EQ(read(u"a.ics"_qs), QByteArray(before).replace("SUMMARY:Old", "SUMMARY:New"));
+    }
+  }
 }
