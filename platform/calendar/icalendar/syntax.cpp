@@ -1,6 +1,7 @@
 #include "platform/calendar/icalendar/syntax.h"
 
 #include <cstring>
+#include <optional>
 
 namespace platform::calendar::icalendar {
 namespace {
@@ -211,20 +212,22 @@ QByteArray unfolded(QByteArrayView raw, bool bareCr) {
   while (end > 0 && (raw[end - 1] == '\n' || raw[end - 1] == '\r')) --end;
   QByteArray result;
   result.reserve(end);
+  std::optional<bool> softBreaks;  // looked at once
   for (qsizetype i = 0; i < end;) {
-    const char c = raw[i];
     qsizetype next = i;
-    while (next < end && raw[next] == '\r') ++next;
-    const bool breaks = bareCr ? c == '\r' : (next < end && raw[next] == '\n');
-    if (!breaks) {
-      result.append(c);
-      ++i;
+    while (next < end && raw[next] == '\r' && !bareCr) ++next;
+    const bool breaks = bareCr ? raw[i] == '\r' : (next < end && raw[next] == '\n');
+    if (!breaks) {  // a run of CR is taken as a whole: looked through anew from each it would cost its square
+      const qsizetype count = qMax<qsizetype>(1, next - i);
+      result.append(raw.sliced(i, count));
+      i += count;
       continue;
     }
     i = bareCr ? i + 1 : next + 1;
     const bool another =
         i < end && (raw[i] == '\r' || raw[i] == '\n');  // an empty line in the midst of a fold
-    if (result.endsWith('=') && isQuotedPrintable(raw)) {
+    if (result.endsWith('=') && !softBreaks) softBreaks = isQuotedPrintable(raw);
+    if (result.endsWith('=') && *softBreaks) {
       result.chop(1);
       continue;  // blanks at the beginning of the next line are its own
     }

@@ -154,6 +154,15 @@ TEST(Scan, ACrWithinALineMeansTheSameWhetherOrNotTheLineIsTheLastOfItsFile) {
   EXPECT_EQ(lastValue("BEGIN:X\r\nA:b\rc"), "b\rc");
 }
 
+TEST(Scan, ARunOfCrIsKeptWholeAndCostsItsLengthOnly) {
+  const QByteArray text = 'a' + QByteArray(900'000, '\r') + 'b';  // its square would take hours
+  const Document document = scan(calendar(event({"UID:1", "SUMMARY:" + text, " c"})), {});
+  const Component& found = document.components.front().children.front();
+  ASSERT_TRUE(document.problems.isEmpty());
+  EXPECT_EQ(firstOf(document, found, "SUMMARY")->value, text + 'c');
+  EXPECT_EQ(unfolded("X:\r\r\r\n \ry\r\n", false), "X:\ry");
+}
+
 TEST(Properties, QuotesHideColonsAndSemicolons) {
   const Property property = parsed("ATTENDEE;CN=\"a;b:c\";ROLE=CHAIR:mailto:x");
   EXPECT_EQ(property.name, "ATTENDEE");
