@@ -1,5 +1,6 @@
 // What is sent to read and save the common settings and to report, statement by statement, on each kind of
 // database.
+#include "reporting/cDatabaseTarget.h"
 #include "reporting/modReportToAccess.h"
 #include "reportingworld.h"
 #include "settings/frmResolveRemovedItem.h"
@@ -92,6 +93,50 @@ TEST_P(Statements, OfReporting) {
   rows.ReadReportsFromRange();
   fncReportToAccess(rows.ToRecordset(), true);
   expectGolden(u"reporting.txt"_qs);
+}
+
+TEST_P(Statements, OfTheFirstSettingsOfANewDatabase) {
+  for (const char* table : {"tblSettings", "tblMetaLists"})
+    w->other()->execute(u"delete from %1"_qs.arg(QLatin1String(table)));
+  sent->clear();
+  w->common().ReadGlobalSettings(2, w->folder.path());
+  w->common().CostCarrier = 1;
+  EXPECT_TRUE(w->common().SaveGlobalSettings());
+  expectGolden(u"settings-first.txt"_qs);
+}
+
+TEST_P(Statements, OfRemovingTheReportsOfAValue) {
+  w->settings->showResolveRemovedItem = [](frmResolveRemovedItem& form) {
+    form.optRemoveReports.setValue(true);
+    form.cmdOK.click();
+  };
+  cMetaDictionary& first = *w->common().MetaDataLists.Item(1);
+  const auto acme = first.MetaDic->Item(u"Acme"_qs);
+  first.MetaDic->RemoveAll();  // Beta goes
+  first.MetaDic->Add(u"Acme"_qs, acme);
+  sent->clear();
+  EXPECT_TRUE(w->common().SaveGlobalSettings());
+  EXPECT_EQ(sent->filter(u"Delete from tblReports where intMeta1ID = "_qs).size(), 1);
+  expectGolden(u"settings-remove.txt"_qs);
+}
+
+TEST_P(Statements, OfAskingAKnownPersonForTheDepartment) {
+  w->setOtherSetting(u"ADDepartment"_qs, u"1"_qs);
+  w->other()->execute(u"insert into tblPersons (strPersonName) values ('Jane Doe')"_qs);
+  w->world.dialogs.expectInput(w->shell->LNGWHICHDEPARTMENT, u"Försäljning"_qs);
+  sent->clear();
+  fncGetPersonID();
+  expectGolden(u"department.txt"_qs);
+}
+
+TEST_P(Statements, OfAskingForTheLinesOfAnInterruptedReport) {
+  sent->clear();
+  cDatabaseTarget target(1);
+  ReportRun run;
+  run.mark = target.Mark();
+  run.rows.append(ReportedRow());
+  target.Stored(run);
+  expectGolden(u"interrupted-report.txt"_qs);
 }
 
 INSTANTIATE_TEST_SUITE_P(, Statements, testing::ValuesIn(roads),
