@@ -17,6 +17,9 @@ using platform::ado::Connection;
 
 namespace {
 
+/// How a server may be written, without a word to be translated.
+const QString serverForms = u"sql.example.net\nsql.example.net,1433\nsql.example.net\\INSTANCE"_s;
+
 // Colours of the desktop, by number: a window draws its own for them.
 inline constexpr auto buttonFace = static_cast<qint32>(0x8000000F);
 inline constexpr auto windowBackground = static_cast<qint32>(0x80000005);
@@ -47,6 +50,7 @@ void frmSQLLogon::subSetCaptions() {
   const Phrases& p = phrases();
   setCaption(p.LNGCHOOSECONNECTION);
   lblServer.setCaption(p.LNGSERVER);
+  txtServer.setToolTipText(serverForms);
   lblDatabase.setCaption(p.LNGDATABASE);
   lblUserName.setCaption(p.LNGUSERNAME);
   lblPassword.setCaption(p.LNGPASSWORD);

@@ -270,6 +270,13 @@ TEST_F(ServerConnections, AWrongPasswordAndAMissingDatabaseAreReportedAsTheServe
   w.write(u"HourbookConnection.txt"_qs,
           "Provider=SQLOLEDB.1;User ID=ann;Password=wrong;Data Source=server;Initial Catalog=hours");
   w.expectFailure(u"subSetupConnection"_qs, u"Login failed for user 'ann'."_qs, [] { subSetupConnection(); });
+  // the newest log text quotes the whole connection text; nothing else tells the password
+  const QString told = w.world.dialogs.shown.last().text;
+  EXPECT_TRUE(told.contains(
+      u"Trying to open a connection to the database with the connection string Provider=SQLOLEDB.1;User "
+      u"ID=ann;Password=wrong;Data Source=server;Initial Catalog=hours\r\n"_qs))
+      << qPrintable(told);
+  EXPECT_EQ(told.count(u"Password=wrong"_qs), 1);
   w.database->gConnection.reset();
   reportTarget().ReportTo = 2;
   w.write(u"HourbookConnection.txt"_qs, w.connectionTo(u"gone"_qs).toUtf8());

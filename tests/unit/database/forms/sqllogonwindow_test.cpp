@@ -29,6 +29,7 @@ TEST_F(SQLLogonWindow, ShowsEachControl) {
     for (auto it = fields.cbegin(); it != fields.cend(); ++it)
       EXPECT_EQ(part<QLineEdit>(window, qPrintable(it.key()))->accessibleName(), it.value());
     EXPECT_EQ(part<QLineEdit>(window, "txtPassword")->echoMode(), QLineEdit::Password);
+    EXPECT_TRUE(part<QLineEdit>(window, "txtServer")->toolTip().contains(u"sql.example.net,1433"_s));
     EXPECT_TRUE(part<QCheckBox>(window, "chkIntegratedSecurity")->isChecked());
     EXPECT_FALSE(part<QLineEdit>(window, "txtPassword")->isEnabled());
     EXPECT_TRUE(part<QPushButton>(window, "cmdOK")->isDefault());
