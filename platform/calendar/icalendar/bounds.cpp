@@ -102,7 +102,10 @@ qint64 lastCounted(const Rule& rule, qint64 start) {
       last = wall;
       return true;
     };
-    if (walk(rule, start, without, start, without, remember, maxBoundSteps)) return last;
+    // each start is a step, and so is each period; of a rule whose days never meet only so many are looked at
+    const int periods = 4 * maxBoundSteps / weightOf(rule.completed(start));
+    const int steps = qMin(maxBoundSteps, qMax(2 * rule.count + 2, periods));
+    if (walk(rule, start, without, start, without, remember, steps)) return last;
   }
   const qint64 stride = longestPeriod(rule) * rule.interval;
   const qint64 periods = qint64(rule.count) + 1;

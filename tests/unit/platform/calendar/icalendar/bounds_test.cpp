@@ -108,6 +108,9 @@ TEST(Bounds, OfShortSeriesAreTight) {
   EXPECT_LT(daysBeyond({"DTSTART;TZID=Europe/Stockholm:20240219T090000", "RRULE:FREQ=DAILY;COUNT=10"}), 2.5);
   EXPECT_LT(daysBeyond({"DTSTART:20240219T090000", "RRULE:FREQ=WEEKLY;BYDAY=MO,TU,WE,TH,FR;COUNT=50"}), 2.5);
   EXPECT_LT(daysBeyond({"DTSTART;VALUE=DATE:20240229", "RRULE:FREQ=YEARLY;COUNT=5"}), 2.5);
+  EXPECT_LT(daysBeyond({"DTSTART:20240219T090000Z", "RRULE:FREQ=YEARLY;COUNT=20"}), 2.5);
+  EXPECT_LT(daysBeyond({"DTSTART:20240219T090000Z", "RRULE:FREQ=YEARLY;COUNT=20;BYDAY=20MO"}), 2.5);
+  EXPECT_LT(daysBeyond({"DTSTART:20240219T090000Z", "RRULE:FREQ=MONTHLY;COUNT=50;BYDAY=5MO"}), 2.5);
   EXPECT_LT(daysBeyond({"DTSTART:20240219T090000Z", "RRULE:FREQ=DAILY;UNTIL=20240301T090000Z"}), 0.001);
 }
 
@@ -119,6 +122,16 @@ TEST(Bounds, OfLongSeriesWithCountAreNotWalked) {
                            "RRULE:FREQ=SECONDLY;COUNT=2000000000;BYHOUR=3;BYMONTH=1"})
                 .latest,
             without);
+}
+
+TEST(Bounds, OfARuleWhoseDaysNeverMeetAreNotLookedForThroughMillennia) {
+  constexpr int count = 300;  // with 2,000 years each it takes minutes
+  QByteArray events;
+  for (int i = 0; i < count; ++i)
+    events += event({"DTSTART:20240219T090000Z", "RRULE:FREQ=YEARLY;COUNT=1;BYYEARDAY=366;BYMONTHDAY=1"});
+  const auto file = calendarFile(u"a.ics"_qs, calendar(events));
+  ASSERT_EQ(file->events.size(), size_t(count));
+  EXPECT_EQ(file->events.front().latest(), without);
 }
 
 TEST(Bounds, OfAnEndlessSeriesHaveNoEnd) {
