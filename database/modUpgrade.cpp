@@ -40,6 +40,29 @@ bool isThere(const QString& source) {
 
 const QString newestColumn = u"select top 1 strBody from tblReports"_s;
 
+/// More than there are steps in which another program may be quicker.
+constexpr int mostAttempts = 8;
+
+/// What was about to be made is there by now.
+bool isMadeMeanwhile(const Failure& failure) {
+  using namespace platform::sql::errors;
+  for (const qint32 number : {tableExists, duplicateField, objectExists, duplicateKey})
+    if (failure.number() == number) return true;
+  return false;
+}
+
+/// Two programs of a new release may be started at the same moment, and both find the database old. Where the
+/// other one was quicker by a step, the database is asked again, and what it still lacks is made.
+template <class Steps>
+void bringUpToDate(Steps&& steps) {
+  for (int attempt = 1; !isThere(newestColumn); ++attempt) {
+    const auto failure = tolerate(steps);
+    if (!failure) return;
+    if (attempt == mostAttempts || !isMadeMeanwhile(*failure)) throw Failure(*failure);
+    subLog(u"Another program brings the database up to date as well"_s);
+  }
+}
+
 bool isEnabledColumn(const QString& name) {
   return name.compare(u"blnEnabled"_s, Qt::CaseInsensitive) == 0;
 }
@@ -182,24 +205,26 @@ void subCheckUpgrade(const QString& strPath) try {
   connection = CreateObject<platform::ado::Connection>(u"ADODB.Connection"_s);
   connection->setConnectionString(fncAccessConnection(strPath));
   connection->Open();
-  if (isThere(newestColumn)) return;
-  const auto db = CreateObject<DBEngine>(u"DAO.DBEngine"_s)->OpenDatabase(strPath);
-  completeCreation(*db);
-  addOtherSettings(*db);
-  for (int n = 1; n <= metaListCount; ++n) addEnabled(*db, n);
-  addColumns(*db, u"tblReports"_s, SchemaState::Body);
+  bringUpToDate([&] {
+    const auto db = CreateObject<DBEngine>(u"DAO.DBEngine"_s)->OpenDatabase(strPath);
+    completeCreation(*db);
+    addOtherSettings(*db);
+    for (int n = 1; n <= metaListCount; ++n) addEnabled(*db, n);
+    addColumns(*db, u"tblReports"_s, SchemaState::Body);
+  });
 } catch (const Failure& failure) {
   subDatabaseFailed(failure, u"subCheckUpgrade"_s);
 }
 
 void subCheckSQLUpgrade() try {
-  if (isThere(newestColumn)) return;
-  const bool hasOtherSettings = isThere(u"tblOtherSettings"_s);
-  const auto command = fncCreateCommand();
-  const ServerUpgrade upgrade = fncServerUpgrade(reportTarget().ReportToValue);
-  if (!hasOtherSettings) addOtherSettings(upgrade, present(command));
-  if (!listsHaveEnabled()) addEnabled(upgrade, present(command));
-  execute(present(command), upgrade.addBody);
+  bringUpToDate([] {
+    const bool hasOtherSettings = isThere(u"tblOtherSettings"_s);
+    const auto command = fncCreateCommand();
+    const ServerUpgrade upgrade = fncServerUpgrade(reportTarget().ReportToValue);
+    if (!hasOtherSettings) addOtherSettings(upgrade, present(command));
+    if (!listsHaveEnabled()) addEnabled(upgrade, present(command));
+    execute(present(command), upgrade.addBody);
+  });
 } catch (const Failure& failure) {
   subDatabaseFailed(failure, u"subCheckSQLUpgrade"_s);
 }

@@ -120,6 +120,11 @@ Failure failureOf(int code, const QString& text, const QString& statement, const
   if (text.contains(u"no such column"))
     return {errors::noSuchColumn,
             QStringLiteral("No value given for one or more required parameters: %1 (%2)").arg(text, label)};
+  if (text.contains(u"duplicate column name"))
+    return {errors::duplicateField,
+            QStringLiteral("Cannot define a field more than once: %1 (%2)").arg(text, label)};
+  if (text.contains(u"table ") && text.contains(u" already exists"))
+    return {errors::tableExists, QStringLiteral("The table already exists: %1 (%2)").arg(text, label)};
   return {errors::statementFailed, QStringLiteral("%1 (%2)").arg(text, label)};
 }
 

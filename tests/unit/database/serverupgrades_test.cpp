@@ -119,6 +119,19 @@ TEST_F(ServerUpgrades, AListThatCannotBeChangedStopsThoseBehindItWithoutAWord) {
   EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
 }
 
+TEST_F(ServerUpgrades, AnotherProgramThatIsQuickerByAStepIsNoFailure) {
+  // it makes the table before this program does, and the newest column as well
+  w.plan->rules.append({u"begin"_qs, 0, 1, false, std::nullopt, [this] { makeOtherSettings(); }});
+  w.plan->rules.append({u"ADD strBody"_qs, 0, 1, false, std::nullopt,
+                        [this] { run(u"alter table tblReports add strBody text"_qs); }});
+  subCheckSQLUpgrade();
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
+  EXPECT_EQ(columns(u"tblOtherSettings"_qs).size(), 3);
+  EXPECT_EQ(columns(u"tblReports"_qs).count(u"strBody"_qs), 1);
+  for (int n = 1; n <= 3; ++n)
+    EXPECT_EQ(rows(u"select * from tblMeta%1 where blnEnabled <> 0"_qs.arg(n)), 1) << n;
+}
+
 TEST_F(ServerUpgrades, AFailureInAnotherStepIsReportedAndEndsTheRoutine) {
   for (const QString& step : {otherSettings, category, body}) {
     w.plan->clear();

@@ -110,6 +110,45 @@ TEST_F(Upgrades, TheFailureOfTheProbeIsLoggedUnderItsName) {
   EXPECT_FALSE(w.database->blnProbing) << "after the probe, failures of recordsets are reported again";
 }
 
+TEST_F(Upgrades, AnotherProgramThatIsQuickerByAStepIsNoFailure) {
+  // each of the steps, made by the other one right before this program begins with it
+  const QString other =
+      u"create table tblOtherSettings (intSettingID integer primary key autoincrement, "
+      "strPropName varchar(255), strPropValue longtext)"_qs;
+  const QString category = u"alter table tblPersons add column strPersonCategory varchar(255)"_qs;
+  const QString enabled = u"alter table tblMeta%1 add column blnEnabled boolean not null default -1"_qs;
+  const QString body = u"alter table tblReports add column strBody longtext"_qs;
+  struct Step {
+    QString before;
+    int after;
+    QStringList made;
+  };
+  const QList<Step> steps{{u"begin"_qs, 0, {other, category}},
+                          {u"begin"_qs, 3, {enabled.arg(1)}},  // the second and third are within the first
+                          {u"begin"_qs, 7, {enabled.arg(3)}},
+                          {u"addColumn tblReports strBody"_qs, 0, {body}},
+                          {u"begin"_qs, 9, {body}}};
+  for (const Step& step : steps) {
+    w.database->gConnection.reset();
+    w.plan->clear();
+    w.createOld();
+    w.other()->execute(u"insert into tblMeta1 (strName) values ('kept')"_qs);
+    w.plan->clear();
+    w.plan->rules.append({step.before, step.after, 1, false, std::nullopt, [&] {
+                            for (const QString& sql : step.made) w.other()->execute(sql);
+                          }});
+    subCheckUpgrade(w.shownPath());
+    const auto file = w.other();
+    EXPECT_EQ(file->columns(u"tblOtherSettings"_qs).size(), 3) << qPrintable(step.before);
+    EXPECT_EQ(file->columns(u"tblPersons"_qs).size(), 3) << qPrintable(step.before);
+    EXPECT_EQ(file->columns(u"tblReports"_qs).size(), 13) << qPrintable(step.before);
+    for (int n = 1; n <= 3; ++n)
+      EXPECT_EQ(file->columns(u"tblMeta%1"_qs.arg(n)).size(), 6) << n << qPrintable(step.before);
+    EXPECT_EQ(file->execute(u"select * from tblMeta1 where blnEnabled = -1"_qs).rows.size(), 1);
+  }
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
+}
+
 TEST_F(Upgrades, AFailureEndsTheRoutineAtItsStep) {
   w.createOld();
   w.plan->failContaining(u"addColumn tblMeta2 blnEnabled"_qs, Failure(3026, u"Not enough space on disk."_qs));
