@@ -261,11 +261,13 @@ std::vector<const char*> pointersOf(const QList<Parameter>& parameters) {
 
 }  // namespace
 
-ResultPointer Connection::run(const QString& statement, const QList<Parameter>& parameters, int seconds) {
+ResultPointer Connection::run(const QString& statement, const QList<Parameter>& parameters, int seconds,
+                              const QList<unsigned>& types) {
   const auto values = pointersOf(parameters);
   return answered(
       PQsendQueryParams(connection_.get(), statement.toUtf8().constData(), static_cast<int>(values.size()),
-                        nullptr, values.data(), nullptr, nullptr, 0),
+                        types.size() == parameters.size() ? types.constData() : nullptr, values.data(),
+                        nullptr, nullptr, 0),
       statement, seconds);
 }
 

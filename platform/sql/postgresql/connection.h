@@ -48,8 +48,10 @@ class Connection {
   /// the usual time when none are told, the connection is closed: the server may still carry the statement
   /// out, and nothing is to be sent behind that.
   ResultPointer run(const QString& statements, int seconds = 0);
-  /// One statement, whose parameters stand as $1, $2 ...; `types` are the engine's numbers for them.
-  ResultPointer run(const QString& statement, const QList<Parameter>& parameters, int seconds = 0);
+  /// One statement, whose parameters stand as $1, $2 ...; `types` are the engine's numbers for them, which
+  /// it finds itself where none are given.
+  ResultPointer run(const QString& statement, const QList<Parameter>& parameters, int seconds = 0,
+                    const QList<unsigned>& types = {});
   /// Has the server read a statement, and tells the types that it takes the parameters for.
   QList<unsigned> prepare(const QString& statement);
   ResultPointer runPrepared(const QString& statement, const QList<Parameter>& parameters);

@@ -43,6 +43,7 @@ class StatementGuard {
   bool needed_;
 };
 
+constexpr int mostKnownTypes = 64;
 constexpr int settleAttempts = 250;  // of 20 ms each, of which one does nearly always
 
 bool controlsTransaction(const QString& sql) {
@@ -74,7 +75,13 @@ PostgresqlSession::PostgresqlSession(const ConnectionString& connection, int loc
 
 PostgresqlSession::~PostgresqlSession() = default;
 
+void PostgresqlSession::forget() {
+  catalogue_.reset();
+  typesOf_.clear();
+}
+
 void PostgresqlSession::readCatalogue() {
+  typesOf_.clear();
   catalogue_ = Catalogue::read(connection_);
   catalogueIsNew_ = true;
 }
@@ -87,15 +94,18 @@ const Catalogue& PostgresqlSession::catalogue() {
 Result PostgresqlSession::execute(const QString& sql, const QList<basic::Value>& parameters) {
   const QString statement = wholeText(sql);
   if (!isAccessStatement(statement)) return executeNative(statement, parameters);
-  catalogueIsNew_ = false;
+  catalogueIsNew_ = typesWereKnown_ = false;
   try {
     return executeAccess(statement, parameters);
   } catch (const Failure& failure) {
-    // another program may have made the table or column since
+    // another program may have made the table or column since, or given the column another type
     const bool missing =
         failure.number() == errors::tableNotFound || failure.number() == errors::noSuchColumn;
-    if (!missing || catalogueIsNew_) throw;
-    catalogue_.reset();
+    const bool unsuitable = failure.number() == errors::statementFailed ||
+                            failure.number() == errors::unreadableValue ||
+                            failure.number() == platform::failure::overflow;
+    if (!(missing && !catalogueIsNew_) && !(unsuitable && typesWereKnown_)) throw;
+    forget();
   }
   return executeAccess(statement, parameters);
 }
@@ -103,7 +113,7 @@ Result PostgresqlSession::execute(const QString& sql, const QList<basic::Value>&
 Result PostgresqlSession::executeNative(const QString& sql, const QList<basic::Value>& parameters) {
   std::optional<StatementGuard> guard;
   if (!controlsTransaction(sql)) guard.emplace(connection_);
-  catalogue_.reset();
+  forget();
   QList<Parameter> texts;
   for (const basic::Value& value : parameters) texts.append(parameterOf(value, 0, false));
   const ResultPointer answer = texts.isEmpty()
@@ -125,10 +135,15 @@ Result PostgresqlSession::executeAccess(const QString& sql, const QList<basic::V
 
 ResultPointer PostgresqlSession::run(const Translation& translation, const QList<basic::Value>& parameters) {
   if (parameters.isEmpty()) return connection_.run(translation.sql, QList<Parameter>());
-  const QList<unsigned> types = connection_.prepare(translation.sql);
+  const auto known = typesOf_.constFind(translation.sql);
+  typesWereKnown_ = known != typesOf_.cend();
+  const QList<unsigned> types = typesWereKnown_ ? *known : connection_.prepare(translation.sql);
   QList<Parameter> texts;
   for (qsizetype i = 0; i < parameters.size(); ++i)
     texts.append(parameterOf(parameters[i], types.value(i, 0), translation.writes));
+  if (typesWereKnown_) return connection_.run(translation.sql, texts, 0, types);
+  if (typesOf_.size() >= mostKnownTypes) typesOf_.clear();
+  typesOf_.insert(translation.sql, types);
   return connection_.runPrepared(translation.sql, texts);
 }
 
@@ -229,7 +244,7 @@ void PostgresqlSession::commit() {
 }
 
 void PostgresqlSession::rollback() {
-  catalogue_.reset();
+  forget();
   const int level = depth_ = qMax(0, depth_ - 1);
   connection_.run(level == 0 ? QStringLiteral("ROLLBACK")
                              : QStringLiteral("ROLLBACK TO level%1; RELEASE level%1").arg(level));

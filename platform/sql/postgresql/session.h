@@ -39,10 +39,14 @@ class PostgresqlSession : public Session {
   QList<Column> describe(const ResultPointer& answer);
   const Catalogue& catalogue();
   void readCatalogue();
+  void forget();
 
   Connection connection_;
   std::optional<Catalogue> catalogue_;  // of the last reading; another program may have changed it since
   bool catalogueIsNew_ = false;         // read within the running statement
+  /// What the server takes the parameters of a statement for, so that it need not be asked for each row.
+  QHash<QString, QList<unsigned>> typesOf_;
+  bool typesWereKnown_ = false;  // to the running statement
   qint64 lastIdentity_ = 0;
   int depth_ = 0;  // of transactions
 };

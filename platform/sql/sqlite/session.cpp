@@ -34,6 +34,7 @@ enum Code {
 };
 constexpr int codeMask = 0xff;
 constexpr int mostOpenings = 2;
+constexpr int mostPrepared = 16;
 constexpr int codeMoved = 1032;  // another file stands under the name of the one that is open
 
 QString nextConnectionName() {
@@ -174,6 +175,7 @@ SqliteSession::~SqliteSession() {
 }
 
 void SqliteSession::close() {
+  prepared_.clear();
   QSqlDatabase::removeDatabase(connection_);
 }
 
@@ -187,18 +189,34 @@ void SqliteSession::fail(const QSqlError& error, const QString& statement) const
                   label_);
 }
 
-Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& parameters) {
+/// A statement that writes is kept as the engine has read it: a report sends the same one for each row. One
+/// that reads is read anew, since what it answers may have got other columns.
+std::shared_ptr<QSqlQuery> SqliteSession::prepared(const QString& sql, bool isKept) {
+  if (const auto known = isKept ? prepared_.value(sql) : nullptr) return known;
   const QString statement = storedText(fromAccess(sql));
-  QSqlQuery query(database());
-  query.setForwardOnly(true);
-  if (!query.prepare(statement)) fail(query.lastError(), statement);
-  for (const basic::Value& parameter : parameters) query.addBindValue(toStored(parameter));
-  if (!query.exec()) fail(query.lastError(), statement);
+  auto query = std::make_shared<QSqlQuery>(database());
+  query->setForwardOnly(true);
+  if (!query->prepare(statement)) fail(query->lastError(), statement);
+  if (!isKept || query->isSelect()) return query;
+  if (prepared_.size() >= mostPrepared) prepared_.clear();
+  prepared_.insert(sql, query);
+  return query;
+}
+
+Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& parameters) {
+  const std::shared_ptr<QSqlQuery> held = prepared(sql, !parameters.isEmpty());
+  QSqlQuery& query = *held;
+  for (int i = 0; i < parameters.size(); ++i) query.bindValue(i, toStored(parameters[i]));
+  if (!query.exec()) {
+    prepared_.remove(sql);
+    fail(query.lastError(), query.lastQuery());
+  }
 
   Result result;
   if (!query.isSelect()) {
     result.affected = qMax(0, query.numRowsAffected());
     result.lastId = query.lastInsertId().toLongLong();
+    query.finish();
     return result;
   }
   QList<QVariantList> stored;
@@ -208,7 +226,7 @@ Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& par
     for (int i = 0; i < record.count(); ++i) row.append(query.value(i));
     stored.append(row);
   }
-  if (query.lastError().isValid()) fail(query.lastError(), statement);
+  if (query.lastError().isValid()) fail(query.lastError(), query.lastQuery());
 
   result.columns = describe(record, stored);
   for (const QVariantList& row : stored) result.rows.append(valuesOf(record, result.columns, row));

@@ -4,9 +4,11 @@
 #include "platform/sql/sqlite/patience.h"
 
 #include <QAtomicInt>
+#include <QHash>
 #include <QVariant>
 
 class QSqlDatabase;
+class QSqlQuery;
 class QSqlError;
 class QSqlRecord;
 
@@ -50,6 +52,7 @@ class SqliteSession : public Session {
 
  private:
   QSqlDatabase database() const;
+  std::shared_ptr<QSqlQuery> prepared(const QString& sql, bool isKept);
   bool catalogued() const;
   QList<Column> describe(const QSqlRecord& record, const QList<QList<QVariant>>& rows);
   QList<basic::Value> valuesOf(const QSqlRecord& record, const QList<Column>& columns,
@@ -61,7 +64,8 @@ class SqliteSession : public Session {
   QString connection_;
   QString label_;
   std::shared_ptr<const LockFile> lock_;
-  int depth_ = 0;  // of transactions
+  QHash<QString, std::shared_ptr<QSqlQuery>> prepared_;  // by what was asked for
+  int depth_ = 0;                                        // of transactions
 };
 
 /// The driver for files: "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=path". A missing file is never made.

@@ -241,7 +241,7 @@ TEST_P(SqlDriver, AnAmountOfFourDecimalsIsExact) {
 
 TEST_P(SqlDriver, AStatementThatCannotBeReadNamesTheDatabase) {
   const auto session = connect();
-  const auto bad = [&] { session->execute(u"select strName from tblNowhere"_qs); };
+  const auto bad = [&] { session->execute(u"select strPersonName from tblNowhere"_qs); };
   EXPECT_EQ(failureNumber(bad), errors::tableNotFound) << qPrintable(failureText(bad));
   EXPECT_TRUE(failureText(bad).contains(u"contract")) << qPrintable(failureText(bad));
   EXPECT_NE(failureNumber([&] { session->execute(u"selct"_qs); }), 0);
@@ -260,20 +260,21 @@ TEST_P(SqlDriver, WhatOneConnectionWroteTheNextReads) {
 TEST_P(SqlDriver, AStatementThatWasSentBeforeHoldsForTheTableAsItIsNow) {
   const auto session = connect();
   createTables(*session);
-  const QString insert = u"insert into tblPersons (strName) values (?)"_qs;
+  const QString insert = u"insert into tblPersons (strPersonName) values (?)"_qs;
   for (const QString& name : {u"Ann"_qs, u"Bo"_qs}) session->execute(insert, {Value(name)});
   const auto other = connect();
-  other->execute(u"drop table tblReports"_qs);
-  other->execute(u"drop table tblPersons"_qs);
+  other->execute(u"drop table \"tblReports\""_qs);
+  other->execute(u"drop table \"tblPersons\""_qs);
   // another place for the column, and another type
-  context->engine().createTable(*other, u"tblPersons"_qs,
-                                {column(u"numFirst"_qs, Type::Long), column(u"strName"_qs, Type::Memo)});
+  context->engine().createTable(
+      *other, u"tblPersons"_qs,
+      {column(u"numFirst"_qs, Type::Long), column(u"strPersonName"_qs, Type::Memo)});
   session->execute(insert, {Value(u"Cid"_qs)});
-  other->execute(u"drop table tblPersons"_qs);
-  context->engine().createTable(*other, u"tblPersons"_qs, {column(u"strName"_qs, Type::Long)});
+  other->execute(u"drop table \"tblPersons\""_qs);
+  context->engine().createTable(*other, u"tblPersons"_qs, {column(u"strPersonName"_qs, Type::Long)});
   session->execute(insert, {Value(qint32{7})});
   session->execute(insert, {Value(qint32{8})});
-  const Result found = connect()->execute(u"select strName from tblPersons order by strName"_qs);
+  const Result found = connect()->execute(u"select strPersonName from tblPersons order by strPersonName"_qs);
   ASSERT_EQ(found.rows.size(), 2);
   EXPECT_EQ(found.rows[0][0], Value(qint32{7}));
   EXPECT_EQ(found.rows[1][0], Value(qint32{8}));
@@ -282,11 +283,11 @@ TEST_P(SqlDriver, AStatementThatWasSentBeforeHoldsForTheTableAsItIsNow) {
 TEST_P(SqlDriver, AFailedStatementCanBeSentAgainWithOtherValues) {
   const auto session = connect();
   createTables(*session);
-  const QString insert = u"insert into tblPersons (strName) values (?)"_qs;
+  const QString insert = u"insert into tblPersons (strPersonName) values (?)"_qs;
   session->execute(insert, {Value(u"Ann"_qs)});
   EXPECT_NE(failureNumber([&] { session->execute(insert, {Value(QString(300, u'x'))}); }), 0);
   EXPECT_EQ(session->execute(insert, {Value(u"Bo"_qs)}).affected, 1);
-  EXPECT_EQ(session->execute(u"select strName from tblPersons"_qs).rows.size(), 2);
+  EXPECT_EQ(session->execute(u"select strPersonName from tblPersons"_qs).rows.size(), 2);
 }
 
 TEST_P(SqlDriver, AMissingColumnIsToldFromAnyOtherFailure) {
