@@ -8,7 +8,7 @@
 // looked through again.
 namespace platform::calendar::icalendar::index {
 
-inline constexpr int eventsPerSegment = 256;
+inline constexpr int eventsPerSegment = 48;
 
 class Parts {
  public:

@@ -43,7 +43,7 @@ struct EventPlace {
   quint64 sum = 0;
 };
 
-inline constexpr int schemaVersion = 2;
+inline constexpr int schemaVersion = 3;
 inline constexpr int applicationId = 0x48426978;
 
 void createTables(Database& database, const QString& calendarPath);
