@@ -13,7 +13,8 @@ enum class Effect {
   Kill,      // the process is killed before the call
   KillHalf,  // half of what is to be written is written, then the process is killed
   Fail,      // the call is not carried out and fails with `code` (a close is carried out and fails)
-  Call       // `call` is called before it: what another program does at this very moment
+  Call,      // `call` is called before it: what another program does at this very moment
+  Stop       // the process is stopped before it, as on a machine that goes to sleep
 };
 
 struct Plan {
@@ -21,9 +22,11 @@ struct Plan {
   int at = -1;  // number of the call, from 0
   int code = 0;
   std::function<void()> call;
+  std::function<void()> first = {};  // done ahead of the save
+  QByteArray record = {};            // a folder of which disklog.h is to record what happens there
 };
 
-/// From here to `disarm` each call counts and the plan is carried out, once. Not for two threads.
+/// From here to `disarm` each call of this thread counts and the plan is carried out, once.
 void arm(const Plan& plan);
 void disarm();
 /// The names of the calls since `arm`, in order.

@@ -25,6 +25,7 @@ TEST_P(KilledSave, LeavesTheOldStateOrTheNewAndNothingBesideItAfterTheNextSave) 
                    << saver.name() << ", killed " << (effect == Effect::Kill ? "before" : "within")
                    << " call " << at << ", " << call.constData());
       const Trial trial = tried(saver, Plan{effect, at, 0, {}});
+      if (saver.isVarying() && !trial.killed) continue;  // it has made fewer calls this time
       ASSERT_TRUE(trial.killed);
       const Contents now = saver.contents();
       EXPECT_TRUE(now == course.before || now == course.after ||
@@ -36,7 +37,7 @@ TEST_P(KilledSave, LeavesTheOldStateOrTheNewAndNothingBesideItAfterTheNextSave) 
       const QStringList names = saver.names();
       EXPECT_TRUE(names == course.names || names.size() == course.namesAfter.size())
           << qPrintable(names.join(u", "));
-      for (const QString& name : names) EXPECT_FALSE(name.endsWith(u".tmp")) << qPrintable(name);
+      EXPECT_TRUE(saver.litter().isEmpty()) << qPrintable(saver.litter().join(u", "));
     }
   }
   EXPECT_GT(old, 0);
@@ -45,7 +46,7 @@ TEST_P(KilledSave, LeavesTheOldStateOrTheNewAndNothingBesideItAfterTheNextSave) 
   std::printf("    %d points\n", old + done);
 }
 
-INSTANTIATE_TEST_SUITE_P(EverySaver, KilledSave, testing::Range(size_t{0}, size_t{7}));
+INSTANTIATE_TEST_SUITE_P(EverySaver, KilledSave, testing::Range(size_t{0}, saverCount()));
 
 }  // namespace
 }  // namespace faults

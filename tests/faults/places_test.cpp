@@ -1,16 +1,21 @@
 // Disks that fill up, and places that a file may not be written to or that are no plain files: a clear
 // failure or a save, the old content whole, links kept as links, modes and owners kept.
+#include "platform/basic/failure.h"
 #include "tests/faults/trials.h"
 #include "tests/journeys/unprivileged.h"
 
 #include <QDir>
 #include <QFile>
 
+#include <chrono>
+#include <fcntl.h>
+#include <future>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace faults {
@@ -110,7 +115,7 @@ TEST_P(FullDisk, FailsOrSucceedsWholeHoweverMuchFits) {
   EXPECT_GT(succeeded, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(EverySaver, FullDisk, testing::Range(size_t{0}, size_t{7}));
+INSTANTIATE_TEST_SUITE_P(EverySaver, FullDisk, testing::Range(size_t{0}, saverCount()));
 
 // An event in a folder, at odd places. The tests work as an ordinary user.
 struct OddPlace : testing::Test {
@@ -233,6 +238,58 @@ TEST_F(OddPlace, AFolderInThePlaceOfTheFileIsRefused) {
   ASSERT_TRUE(QDir().mkdir(file));
   expectRefused(saver.folder());
   EXPECT_TRUE(QFileInfo(file).isDir());
+}
+
+/// A file system whose server answers nothing, until it is let go. Nothing when none may be mounted here.
+class HangingPlace {
+ public:
+  explicit HangingPlace(const QString& path) : server_(::open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
+    const QByteArray options = "rootmode=40000,user_id=0,group_id=0,fd=" + QByteArray::number(server_);
+    mounted_ = server_ >= 0 && ::unshare(CLONE_NEWNS) == 0 &&
+               ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+               ::mount("hanging", QFile::encodeName(path).constData(), "fuse", 0, options.constData()) == 0;
+  }
+  bool isMounted() const { return mounted_; }
+  /// As when the network is given up: from now on every call fails.
+  void letGo() { ::close(server_); }
+
+ private:
+  int server_;
+  bool mounted_ = false;
+};
+
+/// kept: a call to a mount that hangs comes back when the mount does, and not before. All of the calendar is
+/// asked for on the one thread of the window; the answer then is a failure that names the place.
+TEST_F(OddPlace, AMountThatHangsHoldsTheProgramUpUntilItIsGivenUpAndIsThenNamed) {
+  user.reset();
+  std::fflush(nullptr);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    HangingPlace hanging(saver.folder());
+    if (!hanging.isMounted()) ::_exit(skipped);
+    std::promise<QString> told;
+    std::future<QString> answer = told.get_future();
+    std::thread window([&] {
+      try {
+        saver.save();
+        told.set_value({});
+      } catch (const platform::Failure& failure) {
+        told.set_value(failure.description());
+      }
+    });
+    const bool waits = answer.wait_for(std::chrono::milliseconds(200)) == std::future_status::timeout;
+    hanging.letGo();
+    window.join();
+    ::_exit(!waits ? 1 : answer.get().contains(saver.folder()) ? 0 : 2);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  if (WEXITSTATUS(status) == skipped)
+    std::printf("    no file system may be mounted here, so hanging ones are left out\n");
+  else
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(content(file), before);
 }
 
 TEST_F(OddPlace, AFileOfAnotherUserThatMayNotBeWrittenIsRefused) {

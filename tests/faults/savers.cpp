@@ -24,12 +24,19 @@ QStringList Saver::names() const {
                                  QDir::Name);
 }
 
+QStringList Saver::litter() const {
+  QStringList found;
+  for (const QString& place : {folder(), userFolder()})
+    for (const QString& name : QDir(place).entryList({u".*.tmp"_s}, QDir::Files | QDir::Hidden))
+      found.append(place + u'/' + name);
+  found.removeDuplicates();
+  return found;
+}
+
 void Saver::age() const {
-  for (const QString& name : names()) {
-    const timespec past[2] = {{0, UTIME_OMIT}, {1'600'000'000, 0}};
-    if (name.startsWith(u'.'))
-      ::utimensat(AT_FDCWD, QFile::encodeName(path(name)).constData(), past, AT_SYMLINK_NOFOLLOW);
-  }
+  const timespec past[2] = {{0, UTIME_OMIT}, {1'600'000'000, 0}};
+  for (const QString& path : litter())
+    ::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), past, AT_SYMLINK_NOFOLLOW);
 }
 
 namespace {
@@ -72,7 +79,7 @@ class CalendarSaver : public Saver {
 
  protected:
   virtual QString calendarPath() const { return folder(); }
-  std::unique_ptr<calendar::Store> opened() const {
+  virtual std::unique_ptr<calendar::Store> opened() const {
     return std::make_unique<calendar::IcalendarStore>(QList<calendar::IcalendarFolder>{
         {u"calendar"_s, u"Calendar"_s, u"Mailbox"_s, calendarPath(), false}});
   }
@@ -111,6 +118,13 @@ class FolderSaver : public CalendarSaver {
       write(path(QString::fromLatin1(uid) + u".ics"_s), calendarOf(event(uid, "20240219")));
   }
   void save() override { change(u"first"_s, u"Changed"_s); }
+  void saveElse() override {
+    const auto store = opened();
+    const Item item = itemOf(*store, u"first"_s);
+    Change stamp;
+    stamp.billingInformation = u"Next start"_s;
+    store->save(u"calendar"_s, item.key, item.tag, stamp);
+  }
   Contents contents() override { return filesIn(folder()); }
   QStringList places() const override { return {folder()}; }
 };
@@ -182,6 +196,68 @@ class FileSaver : public CalendarSaver {
   const char* name_;
 };
 
+QByteArray rowsOf(calendar::Store& store) {
+  calendar::Query query;
+  query.zone = QTimeZone("Europe/Stockholm");
+  query.expandSeries = true;
+  query.startFrom = QDateTime(QDate(2024, 1, 1), QTime(0, 0), query.zone);
+  query.startTo = QDateTime(QDate(2024, 12, 31), QTime(0, 0), query.zone);
+  QByteArray rows;
+  for (const Item& item : store.items(u"calendar"_s, query))
+    rows += (item.key.place + u' ' + item.key.uid + u' ' + item.key.recurrenceId + u' ' + item.tag + u' ' +
+             item.subject + u' ' + item.start.toString(Qt::ISODate) + u'\n')
+                .toUtf8();
+  return rows;
+}
+
+/// A calendar with an index beside it: in a folder, where the index is there before and is brought up to
+/// date, or in one file, of which it is made. Whatever becomes of the index, the rows are those of the files.
+class IndexedSaver : public CalendarSaver {
+ public:
+  IndexedSaver(const QString& folder, bool isFile) : CalendarSaver(folder), isFile_(isFile) {}
+  const char* name() const override {
+    return isFile_ ? "an event in a file without its index" : "an event in a folder with an index";
+  }
+  QString place() const override { return u"calendar"_s; }
+  bool isVarying() const override { return true; }
+  void prepare() override {
+    QDir(folder()).mkdir(u"calendar"_s);
+    QByteArray events;
+    for (const QByteArray uid : {"first", "other", "third"}) {
+      events += event(uid, "20240219");
+      if (!isFile_)
+        write(userFolder() + u'/' + QString::fromLatin1(uid) + u".ics"_s, calendarOf(event(uid, "20240219")));
+    }
+    if (isFile_)
+      write(calendarPath(), calendarOf(events));
+    else
+      rowsOf(*opened());
+  }
+  void save() override {
+    rowsOf(*opened());
+    change(u"first"_s, u"Changed"_s);
+  }
+  Contents contents() override {
+    Contents found = filesIn(userFolder());
+    found.insert(u"rows"_s, rowsOf(*opened()));
+    const QByteArray plain = rowsOf(*CalendarSaver::opened());
+    if (found.value(u"rows"_s) != plain) found.insert(u"index"_s, "it lies: these are the rows:\n" + plain);
+    return found;
+  }
+  QStringList places() const override { return {folder()}; }
+
+ protected:
+  QString calendarPath() const override { return isFile_ ? userFolder() + u"/calendar.ics"_s : userFolder(); }
+  std::unique_ptr<calendar::Store> opened() const override {
+    return std::make_unique<calendar::IcalendarStore>(
+        QList<calendar::IcalendarFolder>{{u"calendar"_s, u"Calendar"_s, u"Mailbox"_s, calendarPath(), false}},
+        path(u"index"_s));
+  }
+
+ private:
+  bool isFile_;
+};
+
 class SettingsSaver : public Saver {
  public:
   using Saver::Saver;
@@ -247,6 +323,7 @@ class ReportSaver : public CalendarSaver {
     return now == reported;
   }
   QStringList places() const override { return {folder()}; }
+  QString place() const override { return u"calendar"_s; }
 
  protected:
   QString calendarPath() const override { return path(u"calendar"_s); }
@@ -292,6 +369,8 @@ std::vector<std::unique_ptr<Saver>> savers(const QString& folder) {
   all.push_back(std::make_unique<FileSaver>(place(), 60'000, "an event in a big file"));
   all.push_back(std::make_unique<SettingsSaver>(place()));
   all.push_back(std::make_unique<ReportSaver>(place()));
+  all.push_back(std::make_unique<IndexedSaver>(place(), false));
+  all.push_back(std::make_unique<IndexedSaver>(place(), true));
   return all;
 }
 

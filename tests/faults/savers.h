@@ -30,13 +30,25 @@ class Saver {
   }
   /// What the next start of the program and its next save do, to another item.
   virtual void startAgain() = 0;
+  /// What another instance saves into the very file that `save` changes.
+  virtual void saveElse() { startAgain(); }
+  /// Whether it makes more calls at one time than at another, since a thread works beside it.
+  virtual bool isVarying() const { return false; }
   /// One of these stands in the message of a failed save.
   virtual QStringList places() const = 0;
+
+  /// The user's files that it writes, within its folder ("": all of it). What is beside them answers for
+  /// itself.
+  virtual QString place() const { return {}; }
+
+  QString userFolder() const { return place().isEmpty() ? folder_ : path(place()); }
 
   const QString& folder() const { return folder_; }
   QString path(const QString& name) const { return folder_ + u'/' + name; }
   /// The names of all files in it, hidden ones included.
   QStringList names() const;
+  /// What a save has left behind of itself.
+  QStringList litter() const;
   /// Lets time go by for all that a crash has left behind.
   void age() const;
 

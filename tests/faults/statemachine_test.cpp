@@ -1,6 +1,7 @@
 // A calendar lives through a random life: edits, their undoing, stamps, changes by other programs, crashes
 // and restarts. At each step it must show what a plain list says. 100 lives of 30 steps in a folder and as
-// many in one file; HOURBOOK_SOAK=25 for 25 times as many, and HOURBOOK_SEED for another first one.
+// many in one file, and 30 of each with an index; HOURBOOK_SOAK=25 for 25 times as many, and HOURBOOK_SEED
+// for another first one.
 #include "platform/basic/clock.h"
 #include "platform/basic/failure.h"
 #include "platform/calendar/icalendar/icalendarstore.h"
@@ -73,7 +74,8 @@ std::string difference(const Model& wanted, const Model& is) {
 
 class Life {
  public:
-  Life(unsigned seed, bool folder, bool big) : random_(seed), isFolder_(folder) {
+  Life(unsigned seed, bool folder, bool big, bool indexed)
+      : random_(seed), isFolder_(folder), isIndexed_(indexed) {
     if (isFolder_) {
       for (int i = 0; i < 6; ++i) put(u"single-%1.ics"_s.arg(i), calendar(single(i, 100)));
       put(u"series.ics"_s, calendar(series()));
@@ -362,12 +364,15 @@ class Life {
     open();
   }
   void open() {
-    store_ = std::make_unique<IcalendarStore>(QList<IcalendarFolder>{
-        {id, u"Calendar"_s, u"Mailbox"_s, isFolder_ ? folder_.path() : path(u"all.ics"_s), false}});
+    store_ = std::make_unique<IcalendarStore>(
+        QList<IcalendarFolder>{
+            {id, u"Calendar"_s, u"Mailbox"_s, isFolder_ ? folder_.path() : path(u"all.ics"_s), false}},
+        isIndexed_ ? index_.path() : QString());
   }
 
   std::mt19937 random_;
-  bool isFolder_;
+  bool isFolder_, isIndexed_;
+  QTemporaryDir index_{tests::quickFolder(u"index"_s)};
   QTemporaryDir folder_{tests::quickFolder(u"life"_s)};
   std::unique_ptr<Store> store_;
   Model model_;
@@ -379,24 +384,27 @@ class Life {
   QString story_;
 };
 
-struct CalendarLife : testing::TestWithParam<bool> {};
+struct CalendarLife : testing::TestWithParam<std::tuple<bool, bool>> {};
 
 TEST_P(CalendarLife, ShowsAtEachStepWhatAPlainListSays) {
   const platform::basic::ScopedClock clock(std::make_shared<platform::basic::FixedClock>(
       QDateTime(QDate(2024, 5, 15), QTime(10, 0)), "Europe/Stockholm"));
-  const bool folder = GetParam();
-  const int lives = livesInAll * qMax(1, qEnvironmentVariableIntValue("HOURBOOK_SOAK"));
+  const auto [folder, indexed] = GetParam();
+  const int lives =
+      (indexed ? livesInAll * 3 / 10 : livesInAll) * qMax(1, qEnvironmentVariableIntValue("HOURBOOK_SOAK"));
   const unsigned first = unsigned(qEnvironmentVariableIntValue("HOURBOOK_SEED"));
   for (unsigned seed = first; seed < first + unsigned(lives) && !HasFatalFailure(); ++seed) {
     SCOPED_TRACE(testing::Message() << "seed " << seed);
-    Life(seed, folder, seed % everyBig == 7).run();
+    Life(seed, folder, seed % everyBig == 7, indexed).run();
     if (HasNonfatalFailure()) return;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(, CalendarLife, testing::Values(true, false), [](const auto& info) {
-  return std::string(info.param ? "InAFolder" : "InOneFile");
-});
+INSTANTIATE_TEST_SUITE_P(, CalendarLife, testing::Combine(testing::Bool(), testing::Bool()),
+                         [](const auto& info) {
+                           return std::string(std::get<0>(info.param) ? "InAFolder" : "InOneFile") +
+                                  (std::get<1>(info.param) ? "WithAnIndex" : "");
+                         });
 
 }  // namespace
 }  // namespace faults

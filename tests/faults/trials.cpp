@@ -47,12 +47,14 @@ QString messageOf(const std::function<void()>& work) {
 
 void work(Saver& saver, const Plan& plan, Then then, QDataStream& out) {
   Trial trial;
+  if (plan.first) plan.first();
   arm(plan);
   trial.message = messageOf([&] { saver.save(); });
   disarm();
   trial.succeeded = trial.message.isNull();
   trial.calls = calls();
   trial.struck = struck();
+  if (!plan.record.isEmpty()) trial.operations = recorded();
   trial.after = saver.contents();
   trial.names = saver.names();
   if (then == Then::Retry && !trial.succeeded) {
@@ -61,13 +63,13 @@ void work(Saver& saver, const Plan& plan, Then then, QDataStream& out) {
     if (!trial.retried) trial.message += QStringLiteral(" - and again: ") + again;
     trial.afterRetry = saver.contents();
   }
-  out << trial.succeeded << trial.message << trial.struck << trial.calls << trial.after << trial.names
-      << trial.retried << trial.afterRetry;
+  out << trial.succeeded << trial.message << trial.struck << trial.calls << trial.operations << trial.after
+      << trial.names << trial.retried << trial.afterRetry;
 }
 
 }  // namespace
 
-Trial tried(Saver& saver, const Plan& plan, Then then) {
+Trial tried(Saver& saver, const Plan& plan, Then then, const std::function<void()>& whileStopped) {
   int ends[2];
   EXPECT_EQ(::pipe(ends), 0);
   std::fflush(nullptr);
@@ -92,19 +94,25 @@ Trial tried(Saver& saver, const Plan& plan, Then then) {
     ::_exit(0);
   }
   ::close(ends[1]);
+  int status = 0;
+  if (plan.effect == Effect::Stop) {
+    EXPECT_EQ(::waitpid(child, &status, WUNTRACED), child);
+    EXPECT_TRUE(WIFSTOPPED(status));
+    whileStopped();
+    EXPECT_EQ(::kill(child, SIGCONT), 0);
+  }
   QByteArray report;
   char piece[65536];
   for (ssize_t got = 0; (got = ::read(ends[0], piece, sizeof piece)) > 0;) report.append(piece, got);
   ::close(ends[0]);
-  int status = 0;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
   Trial trial;
   trial.killed = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
   if (trial.killed) return trial;
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the saver has crashed: " << status;
   QDataStream in(report);
-  in >> trial.succeeded >> trial.message >> trial.struck >> trial.calls >> trial.after >> trial.names >>
-      trial.retried >> trial.afterRetry;
+  in >> trial.succeeded >> trial.message >> trial.struck >> trial.calls >> trial.operations >> trial.after >>
+      trial.names >> trial.retried >> trial.afterRetry;
   return trial;
 }
 
@@ -121,14 +129,17 @@ Course courseOf(Saver& saver) {
   return course;
 }
 
-Place::Place(size_t which) {
+Place::Place(size_t which)
+    : Place([which](const QString& folder) { return std::move(savers(folder)[which]); }) {}
+
+Place::Place(const Making& make) {
   QTemporaryDir made(tests::quickFolder(QStringLiteral("faults")));
   made.setAutoRemove(false);
   folder_ = made.path();
   temporary_ = qgetenv("TMPDIR");
   QDir().mkpath(folder_ + QStringLiteral("/temporary"));
   qputenv("TMPDIR", QFile::encodeName(folder_) + "/temporary");
-  saver_ = std::move(savers(folder_)[which]);
+  saver_ = make(folder_);
 }
 
 QStringList Place::files() const {

@@ -1,7 +1,9 @@
 #pragma once
+#include "tests/faults/disklog.h"
 #include "tests/faults/faultcalls.h"
 #include "tests/faults/savers.h"
 
+#include <functional>
 #include <optional>
 #include <set>
 
@@ -14,7 +16,8 @@ struct Trial {
   QString message;         // of a save that failed
   QByteArray struck;       // the call
   QByteArrayList calls;
-  Contents after;  // right after it
+  QList<Operation> operations;  // where they were to be recorded
+  Contents after;               // right after it
   QStringList names;
   bool retried = false;  // a second try, without fault, said that it succeeded
   Contents afterRetry;
@@ -22,8 +25,10 @@ struct Trial {
 
 enum class Then { Look, Retry };
 
-/// `saver.prepare()` is done before, in this process.
-Trial tried(Saver& saver, const Plan& plan, Then then = Then::Look);
+/// `saver.prepare()` is done before, in this process. `whileStopped` is done here when the other one has been
+/// stopped; then that goes on.
+Trial tried(Saver& saver, const Plan& plan, Then then = Then::Look,
+            const std::function<void()>& whileStopped = {});
 
 /// Old and new state of a saver, and the calls of a save without fault.
 struct Course {
@@ -43,6 +48,8 @@ Course courseOf(Saver& saver);
 class Place {
  public:
   explicit Place(size_t which);
+  using Making = std::function<std::unique_ptr<Saver>(const QString& folder)>;
+  explicit Place(const Making& make);
   ~Place();
   Place(const Place&) = delete;
   Place& operator=(const Place&) = delete;

@@ -79,6 +79,14 @@ bool mayMove(const Event& event, Reader& reader, const CalendarFile& file, const
   });
 }
 
+bool isExcluded(Reader& reader, const EventRef& master, const Timing& timing, qint64 wall) {
+  const QList<DateValue>& excluded = master.event->excluded;
+  return std::any_of(excluded.begin(), excluded.end(), [&](const DateValue& value) {
+    if (!timing.allDay && value.form == DateValue::Form::Date) return dateOfWall(wall) == value.date;
+    return reader.wallOn(timing, *master.file, *master.event, value) == wall;
+  });
+}
+
 QString titleOf(const CalendarFile& file, const Event& event) {
   Item item;
   readTexts(file.document, *event.component, item, event.old);
@@ -316,6 +324,16 @@ Item Transaction::create(const Change& change) {
   return readBack(name, uid, {}, name);
 }
 
+/// What excludes an occurrence from its series; nothing where it is excluded already, by a removal that got
+/// no further.
+Transaction::Splices Transaction::excluding(const EventRef& master, qint64 wall) {
+  const Timing timing = expansion_.reader().timingOf(*master.file, *master.event);
+  if (isExcluded(expansion_.reader(), master, timing, wall)) return {};
+  ComponentEditor editor(wholeLines(master.file->document, *master.event->component));
+  excludeOccurrence(editor, master, timing, wall, now_);
+  return {replacing(master, editor.bytes())};
+}
+
 /// The master of an override that stands in another file learns of the removal there.
 void Transaction::excludeElsewhere(const EventRef& master, qint64 wall) {
   const QString uid = master.event->uid, place = master.event->place;
@@ -323,12 +341,32 @@ void Transaction::excludeElsewhere(const EventRef& master, qint64 wall) {
     const Group group = groupOf(snapshot, uid);
     for (const EventRef& now : group.masters) {
       if (!isIn(snapshot, now) || now.event->place != place || !now.event->isSeries()) continue;
-      ComponentEditor editor(wholeLines(now.file->document, *now.event->component));
-      excludeOccurrence(editor, now, expansion_.reader().timingOf(*now.file, *now.event), wall, now_);
-      return {replacing(now, editor.bytes())};
+      return excluding(now, wall);
     }
     return {};
   });
+}
+
+/// The changed occurrences of a series that is gone, from other files of the folder; those that another
+/// program has changed since stay.
+void Transaction::removeElsewhere(const QList<EventRef>& overrides) {
+  QSet<QString> names, tags;
+  for (const EventRef& override : overrides) {
+    names.insert(override.file->name);
+    tags.insert(override.file->tag(*override.event));
+  }
+  for (const QString& name : std::as_const(names)) {
+    const QString uid = overrides.first().event->uid;
+    Step step{Step::Kind::Remove, {}, {}, {}, zone_, now_};
+    step.key.uid = uid;
+    rewrite(name, uid, step, [&](const Snapshot& snapshot) {
+      Splices splices;
+      for (const EventRef& ref : snapshot.events)
+        if (ref.event->isOverride() && tags.contains(ref.file->tag(*ref.event)))
+          splices.append(replacing(ref, {}));
+      return splices;
+    });
+  }
 }
 
 Transaction::Splices Transaction::withoutOverride(const Snapshot& snapshot, const Group& group,
@@ -344,25 +382,17 @@ Transaction::Splices Transaction::withoutOverride(const Snapshot& snapshot, cons
   const Timing timing = expansion_.reader().timingOf(*master->file, *master->event);
   const qint64 wall =
       expansion_.reader().wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
-  if (isIn(snapshot, *master)) {
-    ComponentEditor editor(wholeLines(master->file->document, *master->event->component));
-    excludeOccurrence(editor, *master, timing, wall, now_);
-    splices.append(replacing(*master, editor.bytes()));
-  } else {
+  if (isIn(snapshot, *master))
+    splices += excluding(*master, wall);
+  else
     excludeElsewhere(*master, wall);
-  }
   return splices;
 }
 
 Transaction::Splices Transaction::withoutItem(const Snapshot& snapshot, const Group& group,
                                               const Target& target) {
   const EventRef& event = target.event;
-  if (target.occurrence) {
-    ComponentEditor editor(wholeLines(event.file->document, *event.event->component));
-    excludeOccurrence(editor, event, expansion_.reader().timingOf(*event.file, *event.event),
-                      target.occurrence->id, now_);
-    return {replacing(event, editor.bytes())};
-  }
+  if (target.occurrence) return excluding(event, target.occurrence->id);
   if (event.event->isOverride()) return withoutOverride(snapshot, group, event);
   Splices splices{replacing(event, {})};
   const auto here = [&](const EventRef& ref) { return isIn(snapshot, ref); };
@@ -375,10 +405,20 @@ Transaction::Splices Transaction::withoutItem(const Snapshot& snapshot, const Gr
 
 void Transaction::remove(const ItemKey& key, const QString& tag) {
   const Step step{Step::Kind::Remove, key, tag, {}, zone_, now_};
+  QList<EventRef> elsewhere;
   rewrite(fileNameOf(source_, key.place), key.uid, step, [&](const Snapshot& snapshot) {
     const Group group = groupOf(snapshot, key.uid);
-    return withoutItem(snapshot, group, find(snapshot, group, key, tag));
+    const Target target = find(snapshot, group, key, tag);
+    elsewhere.clear();
+    if (!target.occurrence && !target.event.event->isOverride())
+      for (const EventRef& override : group.overrides) {
+        const EventRef* master = expansion_.masterOf(group, override);
+        if (!isIn(snapshot, override) && master && master->event == target.event.event)
+          elsewhere.append(override);
+      }
+    return withoutItem(snapshot, group, target);
   });
+  if (!elsewhere.isEmpty()) removeElsewhere(elsewhere);
 }
 
 }  // namespace platform::calendar::icalendar

@@ -36,7 +36,9 @@ class Transaction {
   Splices added(const Snapshot& snapshot, const Change& change, const QString& uid);
   Splices withoutItem(const Snapshot& snapshot, const Group& group, const Target& target);
   Splices withoutOverride(const Snapshot& snapshot, const Group& group, const EventRef& override);
+  Splices excluding(const EventRef& master, qint64 wall);
   void excludeElsewhere(const EventRef& master, qint64 wall);
+  void removeElsewhere(const QList<EventRef>& overrides);
   QByteArray newEvent(const Change& change, const QString& uid, const QByteArray& lineEnd);
   Item readBack(const QString& name, const QString& uid, const QString& recurrenceId, const QString& place);
 

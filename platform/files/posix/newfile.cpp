@@ -2,6 +2,8 @@
 
 #include "platform/files/posix/litternames.h"
 
+#include <QFile>
+
 #include <unistd.h>
 
 namespace platform::files {
@@ -41,9 +43,16 @@ NewFile::NewFile(const Place& place, mode_t mode) : place_(place) {
 }
 
 NewFile::~NewFile() {
-  // If even this fails the file stays as litter, which sweepLitter() takes later.
-  if (!moved_ && !name_.isEmpty())
-    retried([&] { return calls().unlinkat(place_.folder, name_.constData()); });
+  removeName();
+}
+
+/// Twice, should one call fail. If that fails too the file stays as litter, which sweepLitter() takes later.
+void NewFile::removeName() {
+  if (std::exchange(moved_, true) || name_.isEmpty()) return;
+  const auto remove = [&] {
+    return retried([&] { return calls().unlinkat(place_.folder, name_.constData()); });
+  };
+  if (remove() < 0 && errno != ENOENT) remove();
 }
 
 struct stat NewFile::status() const {
@@ -117,6 +126,7 @@ Fingerprint NewFile::finish(qint64 size) {
   Fingerprint fingerprint = fingerprintOf(status());
   if (fingerprint.size != size)
     failWith(place_.path, QStringLiteral("only %1 of %2 bytes were written").arg(fingerprint.size).arg(size));
+  inode_ = fingerprint.inode;
   // A network file system may tell of a full disk only here. An interrupted close has closed the file.
   if (calls().close(file_.release()) < 0 && errno != EINTR) fail(place_.path, errno);
   return fingerprint;
@@ -132,6 +142,54 @@ bool NewFile::moveToTarget(bool mustBeNew) {
     fail(place_.path, errno);
   moved_ = true;
   return true;
+}
+
+void NewFile::takePlaceOf(const Fingerprint& expected, const QByteArray* written) {
+  Fingerprint seen;
+  if (!isStill(place_, expected, written, &seen)) throw Changed();
+  const auto changePlaces = [&] {
+    return retried(
+        [&] { return calls().renameatExchange(place_.folder, name_.constData(), place_.name.constData()); });
+  };
+  if (changePlaces() < 0) {
+    if (errno == ENOENT) throw Changed();
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) fail(place_.path, errno);
+    moveToTarget(false);
+    return;
+  }
+  bool same = false;
+  try {
+    same = wasStill(place_, name_, seen, expected, written);
+  } catch (const Trouble&) {
+    changePlacesBack();
+    throw;
+  }
+  if (same) return removeName();
+  changePlacesBack();
+  throw Changed();
+}
+
+/// What another program has put there is worth more than everything else here.
+void NewFile::changePlacesBack() {
+  const bool back =
+      retried([&] {
+        return calls().renameatExchange(place_.folder, name_.constData(), place_.name.constData());
+      }) == 0;
+  if (back) {
+    struct stat out {};
+    const bool ours = calls().fstatat(place_.folder, name_.constData(), &out, AT_SYMLINK_NOFOLLOW) == 0 &&
+                      out.st_ino == inode_;
+    if (ours) return;
+  } else if (retried([&] {
+               return calls().renameat(place_.folder, name_.constData(), place_.name.constData());
+             }) == 0) {
+    moved_ = true;
+    return;
+  }
+  moved_ = true;
+  failWith(place_.path, QStringLiteral("changed by another program meanwhile, whose version stands beside it "
+                                       "as \"%1\"")
+                            .arg(QFile::decodeName(name_)));
 }
 
 mode_t creationMode(const std::optional<struct stat>& target, FileMode mode) {

@@ -23,16 +23,24 @@ class NewFile {
   Fingerprint finish(qint64 size);
   /// False when `mustBeNew` and the name was taken meanwhile.
   bool moveToTarget(bool mustBeNew);
+  /// Takes the place of a file that must still be the expected one, or hold `written` already; Changed where
+  /// it is not. The two change places, and what came out is looked at: so nothing that another program does
+  /// up to the last moment is lost. File systems that cannot do that leave a few microseconds between the
+  /// look and the rename.
+  void takePlaceOf(const Fingerprint& expected, const QByteArray* written);
 
  private:
   struct stat status() const;
   void write(const char* bytes, qint64 size);
   void copyByHand(int source, qint64 offset, qint64 length);
+  void changePlacesBack();
+  void removeName();
 
   const Place& place_;
   QByteArray name_;
   Descriptor file_;
-  bool moved_ = false;
+  quint64 inode_ = 0;    // known once everything is written
+  bool moved_ = false;   // what stands under `name_` is not to be removed
   bool byHand_ = false;  // the system cannot copy between these two files
 };
 

@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include <climits>
+#include <ctime>
 #include <system_error>
 #include <unistd.h>
 
@@ -80,10 +81,10 @@ Place placeOf(const QString& path, Links links) {
   return place;
 }
 
-std::optional<struct stat> lookAt(const Place& place) {
+std::optional<struct stat> lookAt(const Place& place, const QByteArray& name) {
   struct stat found {};
-  const int result = retried(
-      [&] { return calls().fstatat(place.folder, place.name.constData(), &found, AT_SYMLINK_NOFOLLOW); });
+  const int result =
+      retried([&] { return calls().fstatat(place.folder, name.constData(), &found, AT_SYMLINK_NOFOLLOW); });
   if (result < 0 && errno == ENOENT) return std::nullopt;
   if (result < 0) fail(place.path, errno);
   if (S_ISDIR(found.st_mode)) fail(place.path, EISDIR);
@@ -110,20 +111,58 @@ bool sameStat(const Fingerprint& a, const Fingerprint& b) {
   return a.exists == b.exists && a.mtimeNs == b.mtimeNs && a.size == b.size && a.inode == b.inode;
 }
 
-bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written) {
-  const std::optional<struct stat> found = lookAt(place);
+namespace {
+
+bool holds(const Place& place, const QByteArray& name, const Fingerprint& expected, const QByteArray* written,
+           Fingerprint* seen) {
+  const std::optional<struct stat> found = lookAt(place, name);
   if (!found) return !expected.exists;
   const Fingerprint now = fingerprintOf(*found);
+  if (seen) *seen = now;
   if (sameStat(now, expected) && (now.size > comparedBytes || expected.hash.isEmpty())) return true;
   const bool maybeExpected = expected.exists && now.size == expected.size && !expected.hash.isEmpty();
   const bool maybeWritten = written && now.size == written->size();
   if (!maybeExpected && !maybeWritten) return false;
 
-  const Descriptor file = openForReading(place.folder, place.name, place.path);
+  const Descriptor file = openForReading(place.folder, name, place.path);
   const QByteArray hash = hashOf(readAll(file, place.path, now.size));
   if (!(maybeExpected && hash == expected.hash) && !(maybeWritten && hash == hashOf(*written))) return false;
-  const std::optional<struct stat> after = lookAt(place);  // nobody wrote while it was read
+  const std::optional<struct stat> after = lookAt(place, name);  // nobody wrote while it was read
   return after && sameStat(fingerprintOf(*after), now);
+}
+
+/// Written so shortly ago that one more writing may have left it with the same time: some file systems count
+/// in steps of two seconds.
+bool isYoung(const Fingerprint& file) {
+  constexpr qint64 settlingNs = 3'000'000'000;
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return file.mtimeNs > qint64(now.tv_sec) * 1'000'000'000 + now.tv_nsec - settlingNs;
+}
+
+}  // namespace
+
+bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written, Fingerprint* seen) {
+  return holds(place, place.name, expected, written, seen);
+}
+
+bool wasStill(const Place& place, const QByteArray& name, const Fingerprint& seen,
+              const Fingerprint& expected, const QByteArray* written) try {
+  const std::optional<struct stat> found = lookAt(place, name);
+  if (!found) return true;  // as below
+  if (found->st_ino != seen.inode) return false;
+  const Descriptor file = openForReading(place.folder, name, place.path);
+  // No name leads there any more, so nobody else can come to write into it.
+  if (calls().lease(file) < 0 && errno == EAGAIN) return false;
+  const std::optional<struct stat> unwritten = lookAt(place, name);
+  if (!unwritten) return true;
+  const Fingerprint now = fingerprintOf(*unwritten);
+  if (sameStat(now, seen) && (now.size > comparedBytes || !isYoung(now))) return true;
+  return holds(place, name, expected, written, nullptr);
+} catch (const Trouble& trouble) {
+  // Taken for litter by an instance that has just begun: so it was last written long ago, and not just now.
+  if (trouble.code == ENOENT) return true;
+  throw;
 }
 
 Descriptor openForReading(int folder, const QByteArray& name, const QString& path) {

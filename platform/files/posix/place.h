@@ -56,8 +56,12 @@ struct Place {
 enum class Links { Follow, Keep };
 Place placeOf(const QString& path, Links links);
 
-/// What stands at the place; nothing when there is no such file. Refuses what is not a regular file.
-std::optional<struct stat> lookAt(const Place& place);
+/// What stands at the place, or under another name of its folder; nothing when there is no such file. Refuses
+/// what is not a regular file.
+std::optional<struct stat> lookAt(const Place& place, const QByteArray& name);
+inline std::optional<struct stat> lookAt(const Place& place) {
+  return lookAt(place, place.name);
+}
 /// Refuses a file that nobody may write, or not this user: replacing it would go round that.
 void refuseReadOnly(const Place& place, const struct stat& found);
 
@@ -67,8 +71,14 @@ bool sameStat(const Fingerprint& a, const Fingerprint& b);
 /// noticed; above it, time, size and inode stand for the content.
 inline constexpr qint64 comparedBytes = 1024 * 1024;
 /// Whether the file is still what was read, or holds `written` already (a save repeated after a late
-/// failure).
-bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written);
+/// failure). `seen` gets what it looked like then, without the hash.
+bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written,
+             Fingerprint* seen = nullptr);
+/// The same of a file that has been taken out of its place and stands under another name now. It was like
+/// `seen` there; only where its time is too young to tell is it read once more. False also while anybody has
+/// it open for writing, as far as the system tells.
+bool wasStill(const Place& place, const QByteArray& name, const Fingerprint& seen,
+              const Fingerprint& expected, const QByteArray* written);
 
 Descriptor openForReading(int folder, const QByteArray& name, const QString& path);
 /// At most `size` bytes and one more: a file that grows is noticed, and is not run after.

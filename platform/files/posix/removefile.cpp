@@ -1,3 +1,4 @@
+#include "platform/files/posix/litternames.h"
 #include "platform/files/posix/place.h"
 
 #include <QFile>
@@ -10,8 +11,40 @@ const SystemCalls& calls() {
   return SystemCalls::current();
 }
 
+/// As with NewFile::takePlaceOf(): out of its place, looked at, and back where another program was faster.
+void takeAway(const Place& place, const Fingerprint& seen, const Fingerprint& expected) {
+  const QByteArray aside = temporaryName(place.name);
+  try {
+    if (!renameToFreeName(place, place.name, aside)) fail(place.path, EEXIST);
+  } catch (const Trouble& trouble) {
+    if (trouble.code == ENOENT) throw Changed();  // somebody else has removed it in the last moment
+    throw;
+  }
+  bool same = false;
+  const auto putBack = [&] {
+    if (renameToFreeName(place, aside, place.name)) return;
+    failWith(place.path, QStringLiteral("changed by another program meanwhile, an older version of which "
+                                        "stands beside it as \"%1\"")
+                             .arg(QFile::decodeName(aside)));
+  };
+  try {
+    same = wasStill(place, aside, seen, expected, nullptr);
+    const auto remove = [&] {
+      return retried([&] { return calls().unlinkat(place.folder, aside.constData()); });
+    };
+    if (same && remove() < 0 && errno != ENOENT) fail(place.path, errno);
+  } catch (const Trouble&) {
+    putBack();
+    throw;
+  }
+  if (same) return;
+  putBack();
+  throw Changed();
+}
+
 /// False when the file is gone already, or is another one than was expected.
-bool mayBeRemoved(const Place& name, const QString& path, const std::optional<Fingerprint>& expected) {
+bool mayBeRemoved(const Place& name, const QString& path, const std::optional<Fingerprint>& expected,
+                  Fingerprint* seen) {
   struct stat entry {};
   const bool isThere =
       retried([&] {
@@ -23,7 +56,9 @@ bool mayBeRemoved(const Place& name, const QString& path, const std::optional<Fi
   const Place content = placeOf(path, Links::Follow);  // a link is judged by what it leads to
   const std::optional<struct stat> found = lookAt(content);
   if (found) refuseReadOnly(content, *found);
-  return !expected || isStill(content, *expected, nullptr);
+  const bool may = !expected || isStill(content, *expected, nullptr, seen);
+  if (!found || !S_ISREG(entry.st_mode)) *seen = {};
+  return may;
 }
 
 }  // namespace
@@ -32,9 +67,14 @@ WriteResult removeFile(const QString& path, const std::optional<Fingerprint>& ex
   WriteResult result;
   report(path, changedMeanwhile, &result, [&] {
     const Place place = placeOf(path, Links::Keep);
-    if (!mayBeRemoved(place, path, expected)) throw Changed();
-    const bool gone = retried([&] { return calls().unlinkat(place.folder, place.name.constData()); }) == 0;
-    if (!gone && !(errno == ENOENT && expected && !expected->exists)) fail(path, errno);
+    Fingerprint seen;
+    if (!mayBeRemoved(place, path, expected, &seen)) throw Changed();
+    if (seen.exists) {
+      takeAway(place, seen, *expected);
+    } else {
+      const bool gone = retried([&] { return calls().unlinkat(place.folder, place.name.constData()); }) == 0;
+      if (!gone && !(errno == ENOENT && expected && !expected->exists)) fail(path, errno);
+    }
     try {
       syncFolder(place);
     } catch (const Trouble& trouble) {

@@ -14,8 +14,12 @@ WriteResult replaceFile(const QString& path, const QByteArray& bytes,
     file.write(bytes);
     Fingerprint written = file.finish(bytes.size());
     written.hash = hashOf(bytes);
-    if (expected && !isStill(place, *expected, &bytes)) throw Changed();
-    if (!file.moveToTarget(expected && !expected->exists && !target)) throw Changed();
+    if (expected && target)
+      file.takePlaceOf(*expected, &bytes);
+    else if (expected && expected->exists)
+      throw Changed();
+    else if (!file.moveToTarget(expected.has_value()))
+      throw Changed();
     result.fingerprint = written;
     syncFolder(place);
   });

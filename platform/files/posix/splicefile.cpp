@@ -65,19 +65,19 @@ QByteArray wantedContent(const Place& place, const QByteArray& present, const QL
 }
 
 /// A file so small that its content is compared is taken whole.
-void fillSmall(NewFile& file, const Place& place, const struct stat& target, const QList<Splice>& splices,
-               const Fingerprint& expected, Fingerprint* written) {
+void replaceSmall(NewFile& file, const Place& place, const struct stat& target, const QList<Splice>& splices,
+                  const Fingerprint& expected, Fingerprint* written) {
   const Descriptor source = openForReading(place.folder, place.name, place.path);
   const QByteArray bytes =
       wantedContent(place, readAll(source, place.path, target.st_size), splices, expected);
   file.write(bytes);
   *written = file.finish(bytes.size());
   written->hash = hashOf(bytes);
-  if (!isStill(place, expected, &bytes)) throw Changed();
+  file.takePlaceOf(expected, &bytes);
 }
 
-void fillBig(NewFile& file, const Place& place, const struct stat& target, const QList<Splice>& splices,
-             const Fingerprint& expected, Fingerprint* written) {
+void replaceBig(NewFile& file, const Place& place, const struct stat& target, const QList<Splice>& splices,
+                const Fingerprint& expected, Fingerprint* written) {
   const Descriptor source = openForReading(place.folder, place.name, place.path);
   qint64 at = 0;
   for (const Splice& splice : splices) {
@@ -89,7 +89,7 @@ void fillBig(NewFile& file, const Place& place, const struct stat& target, const
   if (at > target.st_size) throw Changed();
   file.copy(source, at, target.st_size - at);
   *written = file.finish(target.st_size + growthOf(splices));
-  if (!isStill(place, expected, nullptr)) throw Changed();
+  file.takePlaceOf(expected, nullptr);
 }
 
 }  // namespace
@@ -108,8 +108,7 @@ WriteResult spliceFile(const QString& path, const QList<Splice>& splices, const 
     NewFile file(place, creationMode(target, mode));
     file.takeOwnerAndMode(*target, mode);
     Fingerprint written;
-    (small ? fillSmall : fillBig)(file, place, *target, ordered, expected, &written);
-    file.moveToTarget(false);
+    (small ? replaceSmall : replaceBig)(file, place, *target, ordered, expected, &written);
     result.fingerprint = written;
     syncFolder(place);
   });

@@ -1,5 +1,6 @@
 #include "platform/files/posix/systemcalls.h"
 
+#include <csignal>
 #include <cstdio>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
@@ -44,7 +45,15 @@ SystemCalls SystemCalls::ofTheSystem() {
   calls.renameatNoReplace = [](int folder, const char* from, const char* to) {
     return ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
   };
+  calls.renameatExchange = [](int folder, const char* a, const char* b) {
+    return ::renameat2(folder, a, folder, b, RENAME_EXCHANGE);
+  };
   calls.unlinkat = [](int folder, const char* name) { return ::unlinkat(folder, name, 0); };
+  calls.lease = [](int file) {
+    // whoever opens the file for writing at this moment has a signal sent to us; the usual one would end us
+    const bool taken = ::fcntl(file, F_SETSIG, SIGURG) == 0 && ::fcntl(file, F_SETLEASE, F_RDLCK) == 0;
+    return taken ? ::fcntl(file, F_SETLEASE, F_UNLCK) : -1;
+  };
   return calls;
 }
 

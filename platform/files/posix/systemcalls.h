@@ -26,7 +26,11 @@ struct SystemCalls {
   std::function<int(int file, uid_t owner, gid_t group)> fchown;
   std::function<int(int folder, const char* from, const char* to)> renameat;           // takes a taken name
   std::function<int(int folder, const char* from, const char* to)> renameatNoReplace;  // EEXIST for one
+  std::function<int(int folder, const char* a, const char* b)> renameatExchange;       // both names are taken
   std::function<int(int folder, const char* name)> unlinkat;
+  /// Takes a lease for reading on an open file and gives it back: EAGAIN while anybody has it open for
+  /// writing.
+  std::function<int(int file)> lease;
 
   static SystemCalls ofTheSystem();
   static const SystemCalls& current();

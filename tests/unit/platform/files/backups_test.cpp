@@ -69,6 +69,25 @@ TEST_F(Backups, OfFilesOfOneNameInSeveralFoldersAreApart) {
   EXPECT_EQ(names().size(), 4);
 }
 
+TEST_F(Backups, OfAllCalendarsTogetherTakeNoMoreRoomThanTheyMay) {
+  const BackupLimits limits{3, 1000};
+  const auto keepOther = [&](const QString& name, const QByteArray& bytes) {
+    folder.put(name, bytes);
+    EXPECT_EQ(keepBackup(folder.path(name), kept, limits), QString());
+  };
+  for (const char digit : {'1', '2', '3'}) keep(QByteArray(200, digit), limits);
+  keepOther(u"a.ics"_qs, QByteArray(300, 'a'));
+  EXPECT_EQ(contents(), (QByteArrayList{QByteArray(300, 'a'), QByteArray(200, '1'), QByteArray(200, '2'),
+                                        QByteArray(200, '3')}));
+  keepOther(u"b.ics"_qs, QByteArray(300, 'b'));  // the one with the most copies gives way
+  EXPECT_EQ(contents(), (QByteArrayList{QByteArray(300, 'a'), QByteArray(300, 'b'), QByteArray(200, '2'),
+                                        QByteArray(200, '3')}));
+  keepOther(u"c.ics"_qs, QByteArray(500, 'c'));  // of equals the largest
+  EXPECT_EQ(contents(), (QByteArrayList{QByteArray(300, 'b'), QByteArray(500, 'c'), QByteArray(200, '3')}));
+  keep(QByteArray(900, '4'), limits);  // the newest stays
+  EXPECT_EQ(contents(), QByteArrayList{QByteArray(900, '4')});
+}
+
 TEST_F(Backups, LeaveOtherFilesInTheirFolderAlone) {
   ASSERT_TRUE(QDir().mkpath(kept));
   folder.put(u"state/backups/work-notes.ics"_qs, "mine");

@@ -167,6 +167,132 @@ TEST_F(ChangedMeanwhileTest, AChangeWhileTheContentIsComparedIsKept) {
   expectKept(replaceFile(path, "new", seen), "changed");
 }
 
+TEST_F(ChangedMeanwhileTest, AnotherVersionThatIsPutThereInTheVeryLastMomentIsKept) {
+  const Fingerprint seen = read("old");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  bool done = false;
+  calls.renameatExchange = [&](int at, const char* a, const char* b) {
+    if (!std::exchange(done, true)) replaceByRename("theirs");
+    return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+  };
+  const ScopedSystemCalls scope(calls);
+  expectKept(replaceFile(path, "mine", seen), "theirs");
+}
+
+TEST_F(ChangedMeanwhileTest, AnEditInPlaceInTheVeryLastMomentThatKeepsSizeAndTimeIsKept) {
+  const Fingerprint seen = read("10:00");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  bool done = false;
+  calls.renameatExchange = [&](int at, const char* a, const char* b) {
+    if (!std::exchange(done, true)) editInPlace("11:00");
+    return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+  };
+  const ScopedSystemCalls scope(calls);
+  expectKept(replaceFile(path, "mine!", seen), "11:00");
+}
+
+TEST_F(ChangedMeanwhileTest, AFileThatIsRemovedInTheVeryLastMomentIsNotMadeAgain) {
+  const Fingerprint seen = read("old");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.renameatExchange = [&](int at, const char* a, const char* b) {
+    ::unlink(folder.encoded(name).constData());
+    return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+  };
+  const ScopedSystemCalls scope(calls);
+  EXPECT_EQ(replaceFile(path, "mine", seen).outcome, Outcome::ChangedMeanwhile);
+  EXPECT_TRUE(folder.names().isEmpty());
+}
+
+TEST_F(ChangedMeanwhileTest, AFileThatAnotherProgramHasOpenForWritingIsNotReplaced) {
+  const Fingerprint seen = read("old");
+  QFile other(path);
+  ASSERT_TRUE(other.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+  expectKept(replaceFile(path, "mine", seen), "old");
+  other.write("odd");
+  EXPECT_EQ(folder.content(name), "odd");
+  other.close();
+  EXPECT_EQ(replaceFile(path, "mine", readFile(path).fingerprint).outcome, Outcome::Written);
+}
+
+TEST_F(ChangedMeanwhileTest, AFileThatAnotherProgramReadsIsReplaced) {
+  const Fingerprint seen = read("old");
+  QFile other(path);
+  ASSERT_TRUE(other.open(QIODevice::ReadOnly));
+  EXPECT_EQ(replaceFile(path, "mine", seen).outcome, Outcome::Written);
+  EXPECT_EQ(other.readAll(), "old");
+}
+
+TEST_F(ChangedMeanwhileTest, WithoutExchangesAFileIsReplacedAllTheSame) {
+  for (const int code : {EINVAL, ENOSYS, ENOTSUP}) {
+    const Fingerprint seen = read("old");
+    SystemCalls calls = SystemCalls::ofTheSystem();
+    calls.renameatExchange = [code](int, const char*, const char*) {
+      errno = code;
+      return -1;
+    };
+    const ScopedSystemCalls scope(calls);
+    EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+    EXPECT_EQ(folder.content(name), "new");
+    EXPECT_EQ(folder.names(), QStringList{name});
+  }
+}
+
+TEST_F(ChangedMeanwhileTest, WhereLeasesAreUnknownAFileIsReplacedAllTheSame) {
+  for (const int code : {EINVAL, EACCES}) {
+    const Fingerprint seen = read("old");
+    SystemCalls calls = SystemCalls::ofTheSystem();
+    calls.lease = [code](int) {
+      errno = code;
+      return -1;
+    };
+    const ScopedSystemCalls scope(calls);
+    EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+  }
+}
+
+TEST_F(ChangedMeanwhileTest, WhatCannotBePutBackByAnExchangeIsPutBackByItsName) {
+  const Fingerprint seen = read("old");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  int exchanges = 0;
+  calls.renameatExchange = [&](int at, const char* a, const char* b) {
+    if (++exchanges == 2) {
+      errno = EIO;
+      return -1;
+    }
+    replaceByRename("theirs");
+    return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+  };
+  const ScopedSystemCalls scope(calls);
+  expectKept(replaceFile(path, "mine", seen), "theirs");
+}
+
+TEST_F(ChangedMeanwhileTest, WhatCannotBePutBackAtAllIsNamedAndNotRemoved) {
+  const Fingerprint seen = read("old");
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  int exchanges = 0;
+  calls.renameatExchange = [&](int at, const char* a, const char* b) {
+    if (++exchanges == 2) {
+      errno = EIO;
+      return -1;
+    }
+    replaceByRename("theirs");
+    return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+  };
+  calls.renameat = [](int, const char*, const char*) {
+    errno = EIO;
+    return -1;
+  };
+  const ScopedSystemCalls scope(calls);
+  const WriteResult result = replaceFile(path, "mine", seen);
+  EXPECT_EQ(result.outcome, Outcome::Failed);
+  const QStringList names = folder.names();
+  ASSERT_EQ(names.size(), 2);
+  EXPECT_EQ(folder.content(names[0]), "theirs");
+  EXPECT_EQ(result.error,
+            path + u": changed by another program meanwhile, whose version stands beside it as \""_qs +
+                names[0] + u'"');
+}
+
 TEST_F(ChangedMeanwhileTest, ASaveRepeatedAfterOnlyTheFoldersSyncFailedSucceeds) {
   const Fingerprint seen = read("old");
   SystemCalls calls = SystemCalls::ofTheSystem();

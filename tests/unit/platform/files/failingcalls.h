@@ -31,7 +31,9 @@ class FailingCalls {
     wrap(&calls_.fchown, real.fchown, "fchown");
     wrap(&calls_.renameat, real.renameat, "renameat");
     wrap(&calls_.renameatNoReplace, real.renameatNoReplace, "renameatNoReplace");
+    wrap(&calls_.renameatExchange, real.renameatExchange, "renameatExchange");
     wrap(&calls_.unlinkat, real.unlinkat, "unlinkat");
+    calls_.lease = real.lease;  // where it fails nothing is known, and nothing follows from it
   }
   const SystemCalls& calls() const { return calls_; }
   int count() const { return count_; }

@@ -95,6 +95,66 @@ TEST(RemoveFile, NamesTheFileWhenTheFolderIsReadOnly) {
   EXPECT_EQ(result.error, folder.path(name) + u": Permission denied"_qs);
 }
 
+TEST(RemoveFile, KeepsWhatAnotherProgramMakesOfItInTheVeryLastMoment) {
+  enum class Deed { Replace, EditInPlace, HaveOpen };
+  for (const Deed deed : {Deed::Replace, Deed::EditInPlace, Deed::HaveOpen}) {
+    TestFolder folder;
+    folder.put(name, "10:00");
+    QFile opened(folder.path(name));
+    const Fingerprint seen = readFile(folder.path(name)).fingerprint;
+    SystemCalls calls = SystemCalls::ofTheSystem();
+    bool done = false;
+    calls.renameatNoReplace = [&](int at, const char* from, const char* to) {
+      if (!std::exchange(done, true)) {
+        const timespec time = folder.status(name).st_mtim;
+        if (deed == Deed::HaveOpen) {
+          opened.open(QIODevice::ReadWrite | QIODevice::Unbuffered);
+        } else if (deed == Deed::EditInPlace) {
+          folder.put(name, "11:00");
+          folder.setTime(name, time);
+        } else {
+          folder.put(u"other"_qs, "11:00");
+          ::rename(folder.encoded(u"other"_qs).constData(), folder.encoded(name).constData());
+        }
+      }
+      return SystemCalls::ofTheSystem().renameatNoReplace(at, from, to);
+    };
+    const ScopedSystemCalls scope(calls);
+    EXPECT_EQ(removeFile(folder.path(name), seen).outcome, Outcome::ChangedMeanwhile);
+    EXPECT_EQ(folder.content(name), deed == Deed::HaveOpen ? "10:00" : "11:00");
+    EXPECT_EQ(folder.names(), QStringList{name});
+  }
+}
+
+TEST(RemoveFile, TellsThatAnotherProgramWasFaster) {
+  TestFolder folder;
+  folder.put(name, "old");
+  const Fingerprint seen = readFile(folder.path(name)).fingerprint;
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.renameatNoReplace = [&](int at, const char* from, const char* to) {
+    ::unlink(folder.encoded(name).constData());
+    return SystemCalls::ofTheSystem().renameatNoReplace(at, from, to);
+  };
+  const ScopedSystemCalls scope(calls);
+  EXPECT_EQ(removeFile(folder.path(name), seen).outcome, Outcome::ChangedMeanwhile);
+}
+
+TEST(RemoveFile, PutsBackWhatCannotBeRemoved) {
+  TestFolder folder;
+  folder.put(name, "old");
+  const Fingerprint seen = readFile(folder.path(name)).fingerprint;
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.unlinkat = [](int, const char*) {
+    errno = EIO;
+    return -1;
+  };
+  const ScopedSystemCalls scope(calls);
+  const WriteResult result = removeFile(folder.path(name), seen);
+  EXPECT_EQ(result.outcome, Outcome::Failed);
+  EXPECT_EQ(result.error, folder.path(name) + u": Input/output error"_qs);
+  EXPECT_EQ(folder.names(), QStringList{name});
+}
+
 TEST(RenameFile, GivesAnotherName) {
   TestFolder folder;
   folder.put(name, "x");

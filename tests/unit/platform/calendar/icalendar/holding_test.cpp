@@ -19,6 +19,10 @@ class HoldingTest : public IcalendarTest {
       if (QByteArray(to) == "one.ics") ++rewrites;
       return SystemCalls::ofTheSystem().renameat(at, from, to);
     };
+    real_.renameatExchange = [this](int at, const char* a, const char* b) {
+      if (QByteArray(b) == "one.ics") ++rewrites;
+      return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+    };
   }
   static QByteArray plainEvent(int number) {
     const QByteArray n = QByteArray::number(number);

@@ -1,3 +1,5 @@
+#include "platform/basic/failure.h"
+#include "platform/files/posix/systemcalls.h"
 #include "tests/unit/platform/calendar/icalendar/fixture.h"
 
 using namespace icalendar_tests;
@@ -127,4 +129,87 @@ TEST_F(IcalendarTest, AnExceptionBelongsToTheSeriesAndNotToASingleItemOfTheSameU
     EXPECT_EQ(saved.key.recurrenceId, u"20240206T090000"_qs);
     EXPECT_EQ(shown(u"2024-02-06"_qs, u"2024-02-06"_qs), QStringList{u"2024-02-06 09:00 - 10:00 Once"_qs});
   }
+}
+
+namespace {
+
+/// The first removal of "t.ics" is met by this.
+platform::files::SystemCalls meeting(const std::function<int()>& what) {
+  using platform::files::SystemCalls;
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  const auto met = std::make_shared<bool>(false);
+  calls.renameatNoReplace = [=](int at, const char* from, const char* to) {
+    if (QByteArray(from) == "t.ics" && !std::exchange(*met, true) && what() < 0) return -1;
+    return SystemCalls::ofTheSystem().renameatNoReplace(at, from, to);
+  };
+  return calls;
+}
+
+const QByteArray exdate = "EXDATE;TZID=Europe/Stockholm:20240206T090000\r\n";
+
+}  // namespace
+
+TEST_F(IcalendarTest, AnExceptionThatWasNotRemovedAtOnceIsExcludedFromItsSeriesOnlyOnce) {
+  const platform::files::SystemCalls calls = meeting([] {
+    errno = EIO;
+    return -1;
+  });
+  const platform::files::ScopedSystemCalls scope(calls);
+  write(u"s.ics"_qs, calendar(master));
+  write(u"t.ics"_qs, calendar(override(secondId, movedStart, movedEnd)));
+  const Item moved = expanded(u"2024-02-06"_qs, u"2024-02-06"_qs).value(0);
+  EXPECT_THROW(store->remove(folder, moved.key, moved.tag), platform::Failure);
+  EXPECT_EQ(read(u"s.ics"_qs).count(exdate), 1);
+  EXPECT_EQ(shown(u"2024-02-06"_qs, u"2024-02-06"_qs).size(), 1);
+  store->remove(folder, moved.key, moved.tag);
+  EXPECT_EQ(read(u"s.ics"_qs).count(exdate), 1);
+  EXPECT_TRUE(shown(u"2024-02-06"_qs, u"2024-02-06"_qs).isEmpty());
+}
+
+TEST_F(IcalendarTest, AnExceptionRemovedWhileItsFileIsChangedIsExcludedFromItsSeriesOnlyOnce) {
+  const QByteArray moved = override(secondId, movedStart, movedEnd);
+  const QByteArray other = event({"UID:other", "SUMMARY:Other", "DTSTART:20240301T080000Z"});
+  const platform::files::SystemCalls calls = meeting([&] {
+    write(u"t.ics"_qs, calendar(moved + other));
+    return 0;
+  });
+  const platform::files::ScopedSystemCalls scope(calls);
+  write(u"s.ics"_qs, calendar(master));
+  write(u"t.ics"_qs, calendar(moved));
+  const Item item = expanded(u"2024-02-06"_qs, u"2024-02-06"_qs).value(0);
+  store->remove(folder, item.key, item.tag);
+  EXPECT_EQ(read(u"s.ics"_qs).count(exdate), 1);
+  EXPECT_EQ(read(u"t.ics"_qs), calendar(other));
+}
+
+TEST_F(IcalendarTest, ASeriesIsRemovedWithItsExceptionsInOtherFiles) {
+  const QByteArray other = event({"UID:other", "SUMMARY:Other", "DTSTART:20240301T080000Z"});
+  const QByteArray foreign =
+      event({"UID:z", "RECURRENCE-ID:20240206T080000Z", "DTSTART:20240306T080000Z", "SUMMARY:Of another"});
+  write(u"s.ics"_qs, calendar(master));
+  write(u"t.ics"_qs, calendar(override(secondId, movedStart, movedEnd)));
+  write(u"u.ics"_qs, calendar(other + override("RECURRENCE-ID;TZID=Europe/Stockholm:20240207T090000",
+                                               "DTSTART;TZID=Europe/Stockholm:20240207T150000",
+                                               "DTEND;TZID=Europe/Stockholm:20240207T160000")));
+  write(u"z.ics"_qs, calendar(foreign));
+  for (const Item& item : plain())
+    if (item.kind == Kind::Master) store->remove(folder, item.key, item.tag);
+  EXPECT_TRUE(shown(u"2024-02-01"_qs, u"2024-02-28"_qs).isEmpty());
+  EXPECT_EQ(fileNames(), (QStringList{u"u.ics"_qs, u"z.ics"_qs}));
+  EXPECT_EQ(read(u"u.ics"_qs), calendar(other));
+  EXPECT_EQ(read(u"z.ics"_qs), calendar(foreign));
+}
+
+TEST_F(IcalendarTest, OneOfTwoSeriesWithOneUidGoesWithItsOwnExceptionsOnly) {
+  const QByteArray second =
+      event({"UID:s", "SUMMARY:T", "DTSTART;VALUE=DATE:20240301", "RRULE:FREQ=DAILY;COUNT=4"});
+  const QByteArray ofSecond =
+      event({"UID:s", "SUMMARY:Day", "RECURRENCE-ID;VALUE=DATE:20240302", "DTSTART;VALUE=DATE:20240310"});
+  write(u"a.ics"_qs, calendar(master));
+  write(u"b.ics"_qs, calendar(second));
+  write(u"t.ics"_qs, calendar(override(secondId, movedStart, movedEnd)));
+  write(u"u.ics"_qs, calendar(ofSecond));
+  for (const Item& item : plain())
+    if (item.kind == Kind::Master && item.subject == u"S"_qs) store->remove(folder, item.key, item.tag);
+  EXPECT_EQ(fileNames(), (QStringList{u"b.ics"_qs, u"u.ics"_qs}));
 }
