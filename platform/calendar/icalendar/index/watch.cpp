@@ -46,17 +46,27 @@ Watch::~Watch() {
 void Watch::end() {
   if (descriptor_ >= 0) ::close(descriptor_);
   descriptor_ = -1;
+  watched_ = -1;
 }
 
+/// To close a descriptor takes the system some 20 ms, so it is used on.
 bool Watch::begin(const QString& path) {
-  end();
   const QByteArray name = QFile::encodeName(path);
-  if (isShared(name.constData())) return false;
-  descriptor_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-  if (descriptor_ < 0) return false;
+  if (isShared(name.constData())) {
+    end();
+    return false;
+  }
+  if (descriptor_ < 0) {
+    descriptor_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (descriptor_ < 0) return false;
+  } else {
+    ::inotify_rm_watch(descriptor_, watched_);  // what is gone is not watched any more: no failure
+    take();
+  }
   constexpr unsigned wanted = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_MODIFY | IN_ATTRIB |
                               IN_DELETE_SELF | IN_MOVE_SELF;
-  if (::inotify_add_watch(descriptor_, name.constData(), wanted) < 0) end();
+  watched_ = ::inotify_add_watch(descriptor_, name.constData(), wanted);
+  if (watched_ < 0) end();
   return isOn();
 }
 

@@ -12,7 +12,7 @@ class Watch {
   Watch(const Watch&) = delete;
   Watch& operator=(const Watch&) = delete;
 
-  /// Begins anew. False where changes are not told: on network file systems, and when there are too many
+  /// Begins anew: what was told before is forgotten. False where changes are not told: on network file systems, and when there are too many
   /// watches.
   bool begin(const QString& path);
   bool isOn() const { return descriptor_ >= 0; }
@@ -27,6 +27,7 @@ class Watch {
 
  private:
   int descriptor_ = -1;
+  int watched_ = -1;  // its number there
 };
 
 }  // namespace platform::calendar::icalendar::index

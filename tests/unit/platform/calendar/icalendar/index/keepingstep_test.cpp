@@ -386,7 +386,6 @@ TEST_F(KeepingStep, WhereNoThreadCanBeHadTheFilesAreLookedAtAllTheSame) {
   expectMonth(*open(folder()), folder());
   write(path(u"2.ics"_qs), item("u2", "moved into the month"));
   write(path(u"3.ics"_qs), item("u3", "moved out of it", "20230404"));
-  makeOld(folder());
   {
     const NoMoreThreads none;
     EXPECT_THROW(std::thread([] {}).join(), std::system_error);
