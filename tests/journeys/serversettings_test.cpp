@@ -118,5 +118,39 @@ TEST_F(ServerSettingsJourney, AServerThatIsGoneAtTheReportTakesItTheNextTime) {
   EXPECT_FALSE(j.event(u"visit"_s).stamp.isEmpty());
 }
 
+TEST_F(ServerSettingsJourney, AReportThatWasInterruptedWaitsForAServerThatIsGoneAtTheStart) {
+  Journey j;
+  empty(j);
+  {
+    Settings settings(j);
+    chooseCalendar(j, settings);
+    chooseServer(settings, connection());
+    chooseListsAndSave(settings);
+  }
+  j.start();
+  ASSERT_TRUE(j.hasWindow());
+  j.fetch(may(13), may(19));
+  const QString file = j.calendar() + u"/visit.ics"_s;
+  QFile::setPermissions(file, QFile::ReadOwner);  // the stamp cannot be written
+  j.world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
+  j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
+  EXPECT_ENDS_PROCESS(j.click("cmdOK"));
+  EXPECT_EQ(reported().size(), 1);
+  QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+  const auto journals = [&] { return QDir(j.journal()).entryList({u"report-*.json"_s}).size(); };
+  server.kill();
+  j.world.dialogs.expect(u"Cannot connect to the database Hourbook3SQL on"_s, platform::dialogs::vbNo);
+  EXPECT_ENDS_PROCESS(j.start());
+  EXPECT_EQ(journals(), 1);
+  server.restart();
+  j.start();
+  ASSERT_TRUE(j.hasWindow());
+  EXPECT_FALSE(j.event(u"visit"_s).stamp.isEmpty());
+  EXPECT_EQ(journals(), 0);
+  j.fetch(may(13), may(19));
+  j.pressOK();  // and there is nothing to report
+  EXPECT_EQ(reported().size(), 1);
+}
+
 }  // namespace
 }  // namespace tests
