@@ -8,6 +8,21 @@ using namespace hourbook;
 using platform::basic::Value;
 namespace calendar = platform::calendar;
 
+namespace {
+
+/// A store whose calendars may only be read.
+class ReadOnlyStore : public calendar::FailingStore {
+ public:
+  using FailingStore::FailingStore;
+  QList<calendar::FolderInfo> folders() override {
+    QList<calendar::FolderInfo> list = FailingStore::folders();
+    for (calendar::FolderInfo& folder : list) folder.readOnly = true;
+    return list;
+  }
+};
+
+}  // namespace
+
 ReportingWorld::ReportingWorld() {
   createCurrent();
   const auto file = other();
@@ -95,7 +110,8 @@ void ReportingWorld::setReadOnlyCalendar() {
   info.id = folderId;
   info.name = u"Team"_qs;
   info.readOnly = true;
-  outlook->gCalendarFolder = std::make_shared<platform::outlook::MAPIFolder>(calendar, info);
+  outlook->gCalendarFolder =
+      std::make_shared<platform::outlook::MAPIFolder>(std::make_shared<ReadOnlyStore>(calendar), info);
 }
 
 }  // namespace tests
