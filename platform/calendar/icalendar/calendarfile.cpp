@@ -43,9 +43,13 @@ class EventReader {
   }
 
  private:
-  bool isCancelMessage(const Component& calendar) const {
+  /// Looked for once in each calendar: its events may be as many as its lines.
+  bool isCancelMessage(const Component& calendar) {
+    if (asked_ == &calendar) return cancels_;
     const auto method = firstOf(document_, calendar, "METHOD");
-    return method && method->value.trimmed().toUpper() == "CANCEL";
+    asked_ = &calendar;
+    cancels_ = method && method->value.trimmed().toUpper() == "CANCEL";
+    return cancels_;
   }
 
   /// The properties of time; the others are read when the event is shown.
@@ -128,7 +132,9 @@ class EventReader {
   QString name_;
   QList<Problem>& problems_;
   QHash<QString, int> seen_;
-  QSet<QByteArray> taken_;  // dates of the event at hand
+  QSet<QByteArray> taken_;            // dates of the event at hand
+  const Component* asked_ = nullptr;  // the calendar of the last event
+  bool cancels_ = false;
 };
 
 void collectEvents(CalendarFile& file, const std::vector<Component>& components, const Component* calendar,

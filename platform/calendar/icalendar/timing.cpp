@@ -11,7 +11,6 @@ using Form = DateValue::Form;
 
 constexpr qint64 longestDays = 36600;
 constexpr int maxNamedLength = 100;  // of a zone's name in a text
-constexpr int maxHomes = 8;          // definitions among which the calendar's home is looked for
 
 /// The day that a value names. A moment in UTC is a day where the calendar was kept; midnight and the last
 /// second in UTC are how some programs write the day itself.
@@ -46,11 +45,10 @@ Zone Reader::zoneOf(const CalendarFile& file, const Event& event, const DateValu
   }
   if (value.form == Form::Floating && event.calendar) {
     // Google's feeds mean the calendar's own zone where they name none; from others a floating time floats
-    const auto maker = firstOf(file.document, *event.calendar, "PRODID");
-    const auto zone = firstOf(file.document, *event.calendar, "X-WR-TIMEZONE");
-    if (maker && zone && maker->value.contains("Google"))
+    const CalendarHead& head = file.zones->headOf(event.calendar);
+    if (head.ofGoogle && head.zone)
       if (const auto known =
-              book_.find(file.document, file.zones.get(), event.calendar, decoded(zone->value).trimmed()))
+              book_.find(file.document, file.zones.get(), event.calendar, decoded(*head.zone).trimmed()))
         return *known;
   }
   return event.old ? homeZone(file, event) : viewer_;
@@ -71,20 +69,15 @@ qint64 Reader::instantOf(const CalendarFile& file, const Event& event, const Dat
 
 Zone Reader::homeZone(const CalendarFile& file, const Event& event) {
   if (!event.calendar) return viewer_;
-  if (event.old) return Zone::ofOldCalendar(file.document, *event.calendar, viewer_).value_or(viewer_);
-  const auto named = [&](const Property& property) {
-    return book_.find(file.document, file.zones.get(), event.calendar, fromText(property.value).trimmed());
+  const CalendarHead& head = file.zones->headOf(event.calendar);
+  if (event.old) return Zone::ofOldCalendar(file.document, head.clock, viewer_).value_or(viewer_);
+  const auto named = [&](const QByteArray& name) {
+    return book_.find(file.document, file.zones.get(), event.calendar, fromText(name).trimmed());
   };
-  if (const auto own = firstOf(file.document, *event.calendar, "X-WR-TIMEZONE"))
-    if (const auto zone = named(*own)) return *zone;
-  int asked = 0;
-  for (const Component& definition : event.calendar->children) {
-    if (definition.name != "VTIMEZONE") continue;
-    if (++asked > maxHomes) break;
-    const auto id = firstOf(file.document, definition, "TZID");
-    if (!id || id->value.trimmed() == "UTC") continue;
-    if (const auto zone = named(*id)) return *zone;
-  }
+  if (head.zone)
+    if (const auto zone = named(*head.zone)) return *zone;
+  for (const QByteArray& definition : head.definitions)
+    if (const auto zone = named(definition)) return *zone;
   return viewer_;
 }
 

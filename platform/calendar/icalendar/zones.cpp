@@ -266,6 +266,39 @@ std::optional<QTimeZone> zoneByOffset(const QString& name) {
   return QTimeZone(match.captured(1) == u"-" ? -seconds : seconds);
 }
 
+namespace {
+
+constexpr size_t maxHomes = 8;         // definitions among which the calendar's home is looked for
+constexpr size_t maxClockLines = 100;  // of version 1.0: two for each change of its rules
+
+CalendarHead readHead(const Document& document, const Component& calendar) {
+  CalendarHead head;
+  const auto maker = firstOf(document, calendar, "PRODID");
+  head.ofGoogle = maker && maker->value.contains("Google");
+  if (const auto zone = firstOf(document, calendar, "X-WR-TIMEZONE")) head.zone = zone->value;
+  if (calendar.old)
+    for (const Line& line : calendar.lines)
+      if ((document.is(line, "TZ") || document.is(line, "DAYLIGHT")) &&
+          head.clock.lines.size() < maxClockLines)
+        head.clock.lines.push_back(line);
+  size_t asked = 0;
+  for (const Component& definition : calendar.children) {
+    if (definition.name != "VTIMEZONE") continue;
+    if (++asked > maxHomes) break;
+    const auto id = firstOf(document, definition, "TZID");
+    if (id && id->value.trimmed() != "UTC") head.definitions.append(id->value);
+  }
+  return head;
+}
+
+}  // namespace
+
+const CalendarHead& ZoneIndex::headOf(const Component* calendar) const {
+  static const CalendarHead none;
+  const auto known = heads_.constFind(calendar);
+  return known == heads_.cend() ? none : *known;
+}
+
 ZoneIndex::ZoneIndex(const Document& document) {
   add(document, document.components, nullptr);
 }
@@ -274,6 +307,7 @@ void ZoneIndex::add(const Document& document, const std::vector<Component>& comp
                     const Component* calendar) {
   for (const Component& component : components) {
     if (component.name == "VCALENDAR") {
+      heads_.insert(&component, readHead(document, component));
       add(document, component.children, &component);
       continue;
     }

@@ -56,11 +56,20 @@ std::optional<QTimeZone> zoneByOffset(const QString& name);
 /// "EST", "CET": says less than a definition of that name that stands beside it.
 bool isAbbreviation(const QString& name);
 
+/// What a calendar says of the zone in which it was kept, found once: its events may be as many as its lines.
+struct CalendarHead {
+  bool ofGoogle = false;
+  std::optional<QByteArray> zone;  // X-WR-TIMEZONE, as written
+  QByteArrayList definitions;      // the TZIDs of the first few zones that it defines, as written
+  Component clock;                 // in version 1.0: the lines TZ and DAYLIGHT
+};
+
 /// The definitions of zones in a file by their names, so that thousands of them cost no more than a few.
 class ZoneIndex {
  public:
   explicit ZoneIndex(const Document& document);
 
+  const CalendarHead& headOf(const Component* calendar) const;
   /// The calendar's own definition, else null.
   const Component* own(const Component* calendar, const QString& name) const;
   /// The first one of the file, else null.
@@ -69,6 +78,7 @@ class ZoneIndex {
  private:
   void add(const Document& document, const std::vector<Component>& components, const Component* calendar);
   QHash<QPair<const Component*, QString>, const Component*> definitions_;
+  QHash<const Component*, CalendarHead> heads_;
 };
 
 /// Resolves the names of a file, each name and each definition once. A name known everywhere comes before the

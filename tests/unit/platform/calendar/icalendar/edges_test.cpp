@@ -86,6 +86,20 @@ TEST_F(Edges, AnOccurrenceMovedIntoAPeriodIsShownAndOneMovedOutIsNot) {
   EXPECT_EQ(shown(u"2024-03-01"_qs, u"2024-03-01"_qs), QStringList{u"2024-03-01 09:00 - 09:00 out"_qs});
 }
 
+TEST_F(Edges, TheLinesOfACalendarAreSearchedOnceAndNotForEachOfItsEvents) {
+  // events times lines would be thousands of millions
+  QByteArray events;
+  for (int i = 0; i < 8'000; ++i)
+    events += event({"UID:" + QByteArray::number(i), i % 3 == 0   ? "DTSTART;VALUE=DATE:20240219"
+                                                     : i % 3 == 1 ? "DTSTART:20240219T090000"
+                                                                  : "DTSTART:20240219T090000Z"});
+  const QByteArray lines = QByteArray("X:1\r\n").repeated(300'000);
+  write(u"a.ics"_qs, "BEGIN:VCALENDAR\r\n" + lines + events + "END:VCALENDAR\r\n");
+  EXPECT_EQ(shown(u"2024-02-19"_qs, u"2024-02-19"_qs).size(), 8'000);
+  write(u"a.ics"_qs, "BEGIN:VCALENDAR\r\n" + lines + "METHOD:CANCEL\r\n" + events + "END:VCALENDAR\r\n");
+  EXPECT_TRUE(shown(u"2024-02-19"_qs, u"2024-02-19"_qs).isEmpty());
+}
+
 TEST_F(Edges, ASeriesMovesWhereItsRuleLeavesEverythingToItsStart) {
   EXPECT_TRUE(moves("FREQ=WEEKLY", u"2024-02-20 10:00"_qs));
   EXPECT_TRUE(moves("FREQ=WEEKLY;BYDAY=MO;COUNT=4", u"2024-02-19 10:00"_qs));
