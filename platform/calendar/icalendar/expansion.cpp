@@ -13,6 +13,8 @@ namespace platform::calendar::icalendar {
 namespace {
 
 constexpr qint64 widestOffset = 26 * hourMs;
+/// How far the name that a file gives an occurrence can be from its start: two zones and a day lie between.
+constexpr qint64 widestName = 2 * widestOffset + 2 * dayMs;
 
 QDateTime seen(qint64 instant, const QTimeZone& zone) {
   return QDateTime::fromMSecsSinceEpoch(instant, zone);
@@ -113,9 +115,19 @@ const EventRef* Expansion::masterOf(const Group& group, const EventRef& override
   return best;
 }
 
+QList<const EventRef*> Expansion::ownersOf(const Group& group) const {
+  QList<const EventRef*> owners;
+  for (const EventRef& override : group.overrides) owners.append(masterOf(group, override));
+  return owners;
+}
+
 QString Expansion::overrideId(const Group& group, const EventRef& override) {
+  return overrideId(masterOf(group, override), override);
+}
+
+QString Expansion::overrideId(const EventRef* master, const EventRef& override) {
   const DateValue& id = *override.event->recurrenceId;
-  if (const EventRef* master = masterOf(group, override)) {
+  if (master) {
     const Timing timing = reader_.timingOf(*master->file, *master->event);
     return recurrenceIdText(timing, reader_.wallOn(timing, *override.file, *override.event, id));
   }
@@ -196,29 +208,43 @@ void Expansion::removeExcluded(const EventRef& master, const Timing& timing, Sta
 
 /// The occurrences whose original start lies between two wall-clock times, without those that overrides
 /// replace.
-QList<Occurrence> Expansion::occurrences(const Group& group, const EventRef& master, qint64 from, qint64 to) {
+QList<Occurrence> Expansion::occurrences(const Group& group, const QList<const EventRef*>& owners,
+                                         const EventRef& master, qint64 from, qint64 to) {
   struct Future {
     qint64 id;
     EventRef ref;
     Timing timing;
   };
   const Timing timing = reader_.timingOf(*master.file, *master.event);
-  QSet<qint64> replaced;
+  const auto isOwn = [&](qsizetype i) {
+    return owners[i] && (owners[i]->file->name == master.file->name || owners[i]->event == master.event);
+  };
+  const auto idOf = [&](const EventRef& override) {
+    return reader_.wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
+  };
   QList<Future> futures;
   qint64 widest = 0;
-  for (const EventRef& override : group.overrides) {
-    const EventRef* owner = masterOf(group, override);
-    if (!owner || (owner->file->name != master.file->name && owner->event != master.event)) continue;
-    const qint64 id = reader_.wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
-    replaced.insert(id);
-    if (override.event->recurrenceId->form == DateValue::Form::Utc)
-      for (const qint64 name : timing.namesOf(id)) replaced.insert(name);
-    if (!override.event->thisAndFuture || !override.event->start) continue;
-    futures.append({id, override, reader_.timingOf(*override.file, *override.event)});
-    widest = qMax(widest, qAbs(futures.last().timing.start - id));
+  for (qsizetype i = 0; i < group.overrides.size(); ++i) {
+    const EventRef& override = group.overrides[i];
+    if (!override.event->thisAndFuture || !override.event->start || !isOwn(i)) continue;
+    futures.append({idOf(override), override, reader_.timingOf(*override.file, *override.event)});
+    widest = qMax(widest, qAbs(futures.last().timing.start - futures.last().id));
   }
   std::sort(futures.begin(), futures.end(), [](const Future& a, const Future& b) { return a.id < b.id; });
   const Starts starts = startsOf(master, timing, from - widest, to + widest);
+  if (starts.walls.empty()) return {};
+  QSet<qint64> replaced;
+  for (qsizetype i = 0; i < group.overrides.size(); ++i) {
+    const EventRef& override = group.overrides[i];
+    const qint64 written = override.event->recurrenceId->wall();
+    if (written < *starts.walls.begin() - widestName || written > *starts.walls.rbegin() + widestName ||
+        !isOwn(i))
+      continue;
+    const qint64 id = idOf(override);
+    replaced.insert(id);
+    if (override.event->recurrenceId->form == DateValue::Form::Utc)
+      for (const qint64 name : timing.namesOf(id)) replaced.insert(name);
+  }
   QList<Occurrence> result;
   for (const qint64 wall : starts.walls) {
     if (replaced.contains(wall)) continue;
@@ -242,7 +268,7 @@ std::optional<Occurrence> Expansion::occurrence(const Group& group, const EventR
   const auto value = dateValue(recurrenceId.toLatin1(), none);
   if (!value || !master.event->start || !master.event->isSeries()) return std::nullopt;
   for (const Occurrence& occurrence :
-       occurrences(group, master, value->wall() - 2 * dayMs, value->wall() + 2 * dayMs))
+       occurrences(group, ownersOf(group), master, value->wall() - 2 * dayMs, value->wall() + 2 * dayMs))
     if (occurrence.id == value->wall()) return occurrence;
   return std::nullopt;
 }
@@ -291,6 +317,7 @@ void Expansion::add(const Group& group, QList<Item>& items) {
   const bool cancelled = std::any_of(group.masters.begin(), group.masters.end(), [](const EventRef& master) {
     return master.event->cancelled && master.event->isSeries();
   });
+  const QList<const EventRef*> owners = ownersOf(group);
   for (const EventRef& master : group.masters) {
     const Event& event = *master.event;
     if (event.cancelled || (!event.start && (query_.startFrom.isValid() || query_.startTo.isValid())))
@@ -302,16 +329,17 @@ void Expansion::add(const Group& group, QList<Item>& items) {
     const qint64 from = query_.startFrom.toMSecsSinceEpoch() - widestOffset;
     const qint64 to = query_.startTo.toMSecsSinceEpoch() + widestOffset;
     const Timing timing = reader_.timingOf(*master.file, event);
-    for (const Occurrence& occurrence : occurrences(group, master, from, to))
+    for (const Occurrence& occurrence : occurrences(group, owners, master, from, to))
       addItem(occurrence.from,
               itemOf(occurrence, event, event.place, recurrenceIdText(timing, occurrence.id)), items);
   }
-  for (const EventRef& override : group.overrides) {
+  for (qsizetype i = 0; i < group.overrides.size(); ++i) {
+    const EventRef& override = group.overrides[i];
     if (override.event->cancelled || cancelled || !override.event->start) continue;
     // without expansion the changed occurrences stand behind their master, unless somebody asks for this one
     // item
-    if (!query_.expandSeries && query_.uid.isEmpty() && masterOf(group, override)) continue;
-    addItem(override, itemOf(override, Kind::Exception, overrideId(group, override)), items);
+    if (!query_.expandSeries && query_.uid.isEmpty() && owners[i]) continue;
+    addItem(override, itemOf(override, Kind::Exception, overrideId(owners[i], override)), items);
   }
 }
 

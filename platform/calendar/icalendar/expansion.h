@@ -49,7 +49,11 @@ class Expansion {
  private:
   struct Starts;
 
-  QList<Occurrence> occurrences(const Group& group, const EventRef& master, qint64 fromWall, qint64 toWall);
+  /// Of each override in the group its series, found once for all of them.
+  QList<const EventRef*> ownersOf(const Group& group) const;
+  QString overrideId(const EventRef* master, const EventRef& override);
+  QList<Occurrence> occurrences(const Group& group, const QList<const EventRef*>& owners,
+                                const EventRef& master, qint64 fromWall, qint64 toWall);
   Starts startsOf(const EventRef& master, const Timing& timing, qint64 from, qint64 to);
   void removeExcluded(const EventRef& master, const Timing& timing, Starts& starts);
   void apply(const Rule& rule, const EventRef& master, const Timing& timing, qint64 from, qint64 to,

@@ -100,6 +100,21 @@ TEST_F(Edges, TheLinesOfACalendarAreSearchedOnceAndNotForEachOfItsEvents) {
   EXPECT_TRUE(shown(u"2024-02-19"_qs, u"2024-02-19"_qs).isEmpty());
 }
 
+TEST_F(Edges, ManySeriesAndExceptionsUnderOneUidAreBroughtTogetherOnce) {
+  constexpr int count = 1000;  // its cube would take minutes
+  QByteArray events;
+  for (int i = 0; i < count; ++i) {
+    const QByteArray date = QDate(2020, 1, 1).addDays(i).toString(u"yyyyMMdd"_qs).toLatin1();
+    events += event({"UID:1", "SUMMARY:Series", "DTSTART:" + date + "T080000Z", "RRULE:FREQ=DAILY;COUNT=1"});
+    events += event(
+        {"UID:1", "SUMMARY:Changed", "RECURRENCE-ID:" + date + "T080000Z", "DTSTART:" + date + "T090000Z"});
+  }
+  write(u"a.ics"_qs, calendar(events));
+  QStringList subjects;
+  for (const Item& item : expanded(u"2020-01-01"_qs, u"2024-01-01"_qs)) subjects.append(item.subject);
+  EXPECT_EQ(subjects, QStringList(count, u"Changed"_qs));
+}
+
 TEST_F(Edges, ASeriesMovesWhereItsRuleLeavesEverythingToItsStart) {
   EXPECT_TRUE(moves("FREQ=WEEKLY", u"2024-02-20 10:00"_qs));
   EXPECT_TRUE(moves("FREQ=WEEKLY;BYDAY=MO;COUNT=4", u"2024-02-19 10:00"_qs));
