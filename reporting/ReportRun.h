@@ -64,6 +64,8 @@ class AskableTarget {
   /// For each row of the run whether its line stands there, and when it was reported. Of k equal rows of
   /// which m stand there, those are the first m. The run's place is the present one.
   virtual QList<std::optional<platform::basic::Date>> Stored(const ReportRun& run) = 0;
+  /// For each row of the run whether an equal line stands there once more, of this person and since the run.
+  virtual QList<bool> StoredAgain(const ReportRun& run) { return QList<bool>(run.rows.size()); }
 };
 
 }  // namespace hourbook

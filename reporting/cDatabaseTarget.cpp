@@ -124,6 +124,27 @@ void take(const ReportRun& run, QList<Line>& lines, QList<std::optional<Date>>& 
   }
 }
 
+/// The person's lines that have come since the run began.
+QList<Line> linesSince(const ReportRun& run) {
+  if (!run.mark[markReport].isDouble() || !run.mark[markPerson].isDouble())
+    throw Failure(platform::failure::typeMismatch, u"The journal does not say which lines to look for."_s);
+  const auto rs = asked(
+      u"select intReportID, numHours, strSubject, dtmDate, dteReported, intMeta1ID, intMeta2ID, intMeta3ID "
+      "from tblReports where intReportID > %1 and intPersonID = %2 order by intReportID"_s
+          .arg(run.mark[markReport].toInt())
+          .arg(run.mark[markPerson].toInt()));
+  QList<Line> lines;
+  for (; !rs->isEOF(); rs->MoveNext()) lines.append(lineOf(*rs));
+  return lines;
+}
+
+QList<std::optional<Date>> takenBy(const ReportRun& run, QList<Line>& lines) {
+  QList<std::optional<Date>> stored(run.rows.size());
+  take(run, lines, stored, exactly);
+  take(run, lines, stored, nearly);
+  return stored;
+}
+
 QString filePlace(const QString& path) {
   const QFileInfo file(platform::scripting::systemPath(path));
   const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
@@ -190,20 +211,19 @@ QJsonObject cDatabaseTarget::MarkOfAll(const QString& person) {
 }
 
 QList<std::optional<Date>> cDatabaseTarget::Stored(const ReportRun& run) {
-  if (!run.mark[markReport].isDouble() || !run.mark[markPerson].isDouble())
-    throw Failure(platform::failure::typeMismatch, u"The journal does not say which lines to look for."_s);
   settleSession(run.mark[markSession].toString());
-  const auto rs = asked(
-      u"select intReportID, numHours, strSubject, dtmDate, dteReported, intMeta1ID, intMeta2ID, intMeta3ID "
-      "from tblReports where intReportID > %1 and intPersonID = %2 order by intReportID"_s
-          .arg(run.mark[markReport].toInt())
-          .arg(run.mark[markPerson].toInt()));
-  QList<Line> lines;
-  for (; !rs->isEOF(); rs->MoveNext()) lines.append(lineOf(*rs));
-  QList<std::optional<Date>> stored(run.rows.size());
-  take(run, lines, stored, exactly);
-  take(run, lines, stored, nearly);
-  return stored;
+  QList<Line> lines = linesSince(run);
+  return takenBy(run, lines);
+}
+
+QList<bool> cDatabaseTarget::StoredAgain(const ReportRun& run) {
+  QList<Line> lines = linesSince(run);
+  takenBy(run, lines);
+  QList<std::optional<Date>> again(run.rows.size());
+  take(run, lines, again, exactly);
+  QList<bool> flags;
+  for (const auto& line : again) flags.append(line.has_value());
+  return flags;
 }
 
 }  // namespace hourbook

@@ -19,6 +19,7 @@ class cDatabaseTarget : public AskableTarget {
   QJsonObject Mark() override;
   QJsonObject MarkOfAll(const QString& person) override;
   QList<std::optional<platform::basic::Date>> Stored(const ReportRun& run) override;
+  QList<bool> StoredAgain(const ReportRun& run) override;
 
  private:
   qint16 intPersonID_;

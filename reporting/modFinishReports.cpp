@@ -86,6 +86,12 @@ class Finisher {
       finished.news.append(
           u"These appointments have been changed since they were reported, and are stamped as reported now:"_s +
           vbCrLf + fncNamed(changed_));
+    if (const QStringList twice = fncReportedTwice(); !twice.isEmpty())
+      finished.news.append(
+          u"A report of these appointments was interrupted here, and they have been stamped from elsewhere "
+          "since. The database has a second line of each: where it is one too many, it has to be removed "
+          "there:"_s +
+          vbCrLf + fncNamed(twice));
     run_.rows = left;
     const QString text = fncNews();
     if (!left.isEmpty() && text != run_.told) {
@@ -140,7 +146,9 @@ class Finisher {
     folder->HoldSaves();
     for (qsizetype i = 0; i < run_.rows.size(); ++i) {
       if (run_.rows[i].folder != id || !run_.rows[i].stored) continue;
-      const auto failure = tolerate([&] { stampTwice(*folder, run_.rows[i]); });
+      const auto failure = tolerate([&] {
+        if (!stampTwice(*folder, run_.rows[i])) stampedBefore_.append(i);
+      });
       if (failure) reasons_[i] = failure->description();
     }
     for (const auto& unsaved : folder->FlushSaves())
@@ -150,20 +158,38 @@ class Finisher {
   }
 
   /// Once more where another program changes the appointment at that moment.
-  void stampTwice(const MAPIFolder& folder, ReportedRow& row) {
-    const auto failure = tolerate([&] { stamp(folder, row); });
-    if (!failure) return;
+  bool stampTwice(const MAPIFolder& folder, ReportedRow& row) {
+    bool done = false;
+    const auto failure = tolerate([&] { done = stamp(folder, row); });
+    if (!failure) return done;
     if (failure->number() != platform::calendar::errChangedMeanwhile) throw Failure(*failure);
-    stamp(folder, row);
+    return stamp(folder, row);
   }
 
-  void stamp(const MAPIFolder& folder, ReportedRow& row) {
+  /// False where it bears a stamp already.
+  bool stamp(const MAPIFolder& folder, ReportedRow& row) {
     const auto item = folder.GetItemFromID(row.entryId);
     row.entryId = item->EntryID();  // its file may have got another name
-    if (!item->BillingInformation().isEmpty()) return;
+    if (!item->BillingInformation().isEmpty()) return false;
     const bool changed = hasChanged(*item, row);
     subStamp(*item, row.stored->year() < firstYear ? platform::basic::Now() : *row.stored);
     if (changed) changed_.append(fncShown(row));
+    return true;
+  }
+
+  /// A stamp that was there already may be one of this run, or of another computer that knew nothing of it
+  /// and reported the appointment as well.
+  QStringList fncReportedTwice() {
+    QStringList twice;
+    tolerate([&] {
+      if (stampedBefore_.isEmpty()) return;
+      const auto target = fncAskableTarget(run_.target);
+      if (!target || target->Place() != run_.place) return;
+      const auto again = target->StoredAgain(run_);
+      for (const qsizetype i : std::as_const(stampedBefore_))
+        if (again[i]) twice.append(fncShown(run_.rows[i]));
+    });
+    return twice;
   }
 
   void giveReason(const QString& folder, const QString& reason) {
@@ -194,6 +220,7 @@ class Finisher {
   QStringList reasons_;  // why a row is left; empty: it is done
   QString blocked_;      // why the present place could not be asked
   QStringList changed_;
+  QList<qsizetype> stampedBefore_;  // rows
 };
 
 void setAside(const QString& file, const Failure& failure, FinishedReports& finished) {

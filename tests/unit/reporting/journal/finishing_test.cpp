@@ -253,6 +253,37 @@ TEST_F(Finishing, LeavesAStampThatAnotherComputerHasSetOnAnotherDay) {
   EXPECT_EQ(w.storedRows(), 2);
 }
 
+TEST_F(Finishing, TellsWhatAnotherComputerHasReportedAsWell) {
+  addThree();
+  w.crashBeforeTheStamps();
+  platform::calendar::Change stamped;
+  stamped.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  w.memory->changeByAnother(w.folderId, w.keyOf(1), stamped);
+  w.memory->changeByAnother(w.folderId, w.keyOf(2), stamped);  // by hand, as it has no second line
+  w.other()->execute(
+      u"insert into tblReports (numHours, strSubject, dtmDate, intPersonID, intMeta1ID, intMeta2ID, "
+      u"intMeta3ID) select numHours, strSubject, dtmDate, intPersonID, intMeta1ID, intMeta2ID, intMeta3ID "
+      "from tblReports where strSubject = 'a'"_s);
+  w.world.dialogs.expect(u"The database has a second line of each"_s, ok);
+  w.start();
+  const QString text = w.world.dialogs.shown.last().text;
+  EXPECT_TRUE(text.endsWith(u"has to be removed there:\r\n\"a\" (2024-05-13)"_s)) << qPrintable(text);
+  EXPECT_EQ(w.stamp(1), u"5/3/2024 7:00:00 AM"_s);
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+  EXPECT_EQ(w.storedRows(), 4);
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
+TEST_F(Finishing, TakesEqualRowsOfItsOwnForNoSecondOnes) {
+  for (int i = 0; i < 2; ++i) w.addComplete(u"the same"_s);
+  w.crashBeforeTheStamps();
+  platform::calendar::Change stamped;
+  stamped.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  w.memory->changeByAnother(w.folderId, w.keyOf(1), stamped);
+  w.start();  // and no word
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true}));
+}
+
 TEST_F(Finishing, LeavesAStampThatAnotherComputerSetsAtThatMoment) {
   addThree();
   w.crashBeforeTheStamps();
