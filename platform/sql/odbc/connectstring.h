@@ -10,8 +10,9 @@ inline constexpr int connectTimeoutSeconds = 15;
 /// them.
 ///
 /// The server is "host", "host,port", "host\instance" (whose port the server tells over UDP), each with
-/// "tcp:" before it or not; "." and "(local)" are this machine. Failure -2147467259 for none, for one that is
-/// reached by other means than TCP, and for one that holds a "=", where a ";" is missing before the next key.
+/// "tcp:" before it or not; "." and "(local)" are this machine. Where it names no port, the key Port may.
+/// Failure -2147467259 for none, for one that is reached by other means than TCP, for one that holds a "=",
+/// where a ";" is missing before the next key, and for a port that is none.
 QString connectString(const ConnectionString& connection, const QString& driver);
 
 /// "database on server", what failures call it; never with the password.
@@ -20,7 +21,8 @@ QString labelOf(const ConnectionString& connection);
 /// Windows' own user; a Kerberos ticket stands for him here.
 bool isTrusted(const ConnectionString& connection);
 
-/// Seconds to wait for the server: "Connect Timeout" or "Connection Timeout", 1 to 600; 15 for any other.
+/// Seconds to wait for the server: "Connect Timeout", "Connection Timeout" or "Timeout", 1 to 600; 15 for any
+/// other.
 int connectTimeout(const ConnectionString& connection);
 
 }  // namespace platform::sql::odbc
