@@ -96,6 +96,7 @@ QString keepBackup(const QString& path, const QString& folder, const BackupLimit
   if (size > limits.bytes)
     return QStringLiteral("%1: larger than the %2 bytes that copies may take").arg(path).arg(limits.bytes);
   if (!QDir().mkpath(folder)) return QStringLiteral("%1: the folder cannot be made").arg(folder);
+  sweepLitter(folder);  // what a crash has left of a copy
   const QString stem = stemOf(path);
   const QList<Copy> before = copiesOf(stem, copiesIn(folder));
   const qint64 number = before.isEmpty() ? 1 : before.last().number + 1;

@@ -126,7 +126,7 @@ Fingerprint NewFile::finish(qint64 size) {
   Fingerprint fingerprint = fingerprintOf(status());
   if (fingerprint.size != size)
     failWith(place_.path, QStringLiteral("only %1 of %2 bytes were written").arg(fingerprint.size).arg(size));
-  inode_ = fingerprint.inode;
+  own_ = fingerprint;
   // A network file system may tell of a full disk only here. An interrupted close has closed the file.
   if (calls().close(file_.release()) < 0 && errno != EINTR) fail(place_.path, errno);
   return fingerprint;
@@ -176,10 +176,10 @@ void NewFile::changePlacesBack() {
         return calls().renameatExchange(place_.folder, name_.constData(), place_.name.constData());
       }) == 0;
   if (back) {
-    struct stat out {};
-    const bool ours = calls().fstatat(place_.folder, name_.constData(), &out, AT_SYMLINK_NOFOLLOW) == 0 &&
-                      out.st_ino == inode_;
-    if (ours) return;
+    struct stat found {};
+    const bool known = calls().fstatat(place_.folder, name_.constData(), &found, AT_SYMLINK_NOFOLLOW) == 0;
+    const Fingerprint out = fingerprintOf(found);
+    if (known && out.mtimeNs == own_.mtimeNs && out.size == own_.size) return;
   } else if (retried([&] {
                return calls().renameat(place_.folder, name_.constData(), place_.name.constData());
              }) == 0) {

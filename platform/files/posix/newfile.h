@@ -39,7 +39,7 @@ class NewFile {
   const Place& place_;
   QByteArray name_;
   Descriptor file_;
-  quint64 inode_ = 0;    // known once everything is written
+  Fingerprint own_;      // known once everything is written
   bool moved_ = false;   // what stands under `name_` is not to be removed
   bool byHand_ = false;  // the system cannot copy between these two files
 };

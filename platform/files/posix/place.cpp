@@ -150,14 +150,15 @@ bool wasStill(const Place& place, const QByteArray& name, const Fingerprint& see
               const Fingerprint& expected, const QByteArray* written) try {
   const std::optional<struct stat> found = lookAt(place, name);
   if (!found) return true;  // as below
-  if (found->st_ino != seen.inode) return false;
   const Descriptor file = openForReading(place.folder, name, place.path);
   // No name leads there any more, so nobody else can come to write into it.
   if (calls().lease(file) < 0 && errno == EAGAIN) return false;
   const std::optional<struct stat> unwritten = lookAt(place, name);
   if (!unwritten) return true;
   const Fingerprint now = fingerprintOf(*unwritten);
-  if (sameStat(now, seen) && (now.size > comparedBytes || !isYoung(now))) return true;
+  // There are file systems on which a number belongs to the name and does not go along.
+  const bool sameTime = now.mtimeNs == seen.mtimeNs && now.size == seen.size;
+  if (sameTime && (now.size > comparedBytes || (now.inode == seen.inode && !isYoung(now)))) return true;
   return holds(place, name, expected, written, nullptr);
 } catch (const Trouble& trouble) {
   // Taken for litter by an instance that has just begun: so it was last written long ago, and not just now.

@@ -28,7 +28,10 @@ QString makeWithAbove(const QString& path, mode_t mode) {
   }
   if (::mkdir(QFile::encodeName(path).constData(), mode) != 0 && errno != EEXIST) return saidOf(path, errno);
   const Descriptor folder(::open(QFile::encodeName(above).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder < 0 || ::fsync(folder) != 0) return saidOf(above, errno);
+  if (folder < 0) return saidOf(above, errno);
+  // some file systems have no such thing as syncing a folder
+  const bool synced = retried([&] { return SystemCalls::current().fsync(folder); }) == 0;
+  if (!synced && errno != EINVAL && errno != ENOTSUP) return saidOf(above, errno);
   return QFileInfo(path).isDir() ? QString() : saidOf(path, ENOTDIR);
 }
 

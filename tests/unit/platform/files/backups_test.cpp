@@ -42,6 +42,14 @@ TEST_F(Backups, AreThreeOfWhichTheOldestGoes) {
   EXPECT_EQ(contents(), (QByteArrayList{"three", "four", "five"}));
 }
 
+TEST_F(Backups, TakeAwayWhatACrashHasLeftOfOne) {
+  keep("one");
+  folder.put(u"state/backups/.work-1-000002.ics.x7k2m9.tmp"_qs, "half");
+  folder.setTime(u"state/backups/.work-1-000002.ics.x7k2m9.tmp"_qs, {1'000'000'000, 0});
+  EXPECT_EQ(keep("two"), QString());
+  EXPECT_EQ(contents(), (QByteArrayList{"one", "two"}));
+}
+
 TEST_F(Backups, AreOrderedByNumberWhateverTheClockSays) {
   for (const char* bytes : {"one", "two", "three"}) keep(bytes);
   folder.setTime(u"state/backups/"_qs + names().value(0), {4'000'000'000, 0});

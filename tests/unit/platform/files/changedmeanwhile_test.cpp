@@ -250,6 +250,30 @@ TEST_F(ChangedMeanwhileTest, WhereLeasesAreUnknownAFileIsReplacedAllTheSame) {
   }
 }
 
+TEST_F(ChangedMeanwhileTest, WhereNumbersBelongToNamesAFileIsReplacedAndAChangeIsKeptAllTheSame) {
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.fstatat = [](int at, const char* name, struct stat* out, int flags) {
+    const int result = SystemCalls::ofTheSystem().fstatat(at, name, out, flags);
+    out->st_ino = QByteArray(name).endsWith(".tmp") ? 1 : 2;
+    return result;
+  };
+  bool changes = false;
+  calls.renameatExchange = [&](int at, const char* a, const char* b) {
+    if (std::exchange(changes, false)) replaceByRename("theirs");
+    return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+  };
+  const ScopedSystemCalls scope(calls);
+  for (const qsizetype size : {qsizetype{100}, qsizetype{2} * 1024 * 1024}) {
+    Fingerprint seen = read(QByteArray(size, 'o'));
+    seen.inode = 2;
+    EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+    seen = read(QByteArray(size, 'o'));
+    seen.inode = 2;
+    changes = true;
+    expectKept(replaceFile(path, "mine", seen), "theirs");
+  }
+}
+
 TEST_F(ChangedMeanwhileTest, WhatCannotBePutBackByAnExchangeIsPutBackByItsName) {
   const Fingerprint seen = read("old");
   SystemCalls calls = SystemCalls::ofTheSystem();
