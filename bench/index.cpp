@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <libical/ical.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -122,6 +123,40 @@ void measureWarm(int most) {
               qPrintable(named("warm question, by the row shown", most)), large, small, large / small);
 }
 
+/// Another program's own cache of the same folder, asked for the same week in a process of its own.
+class Khal {
+ public:
+  explicit Khal(const Calendar& calendar) : home_(calendar.cache() + u"-khal"_s) {
+    QDir().mkpath(home_);
+    platform::files::replaceFile(home_ + u"/config"_s,
+                                 u"[calendars]\n[[bench]]\npath = %1\n[locale]\ntimeformat = %H:%M\n"
+                                 "dateformat = %Y-%m-%d\nlongdateformat = %Y-%m-%d\ndatetimeformat = "
+                                 "%Y-%m-%d %H:%M\nlongdatetimeformat = %Y-%m-%d %H:%M\n[sqlite]\npath = "
+                                 "%2/khal.db\n"_s.arg(calendar.path(), home_)
+                                     .toUtf8());
+  }
+  bool isThere() const { return !QStandardPaths::findExecutable(u"khal"_s).isEmpty(); }
+  void list() const {
+    constexpr int patienceMs = 300'000;
+    QProcess process;
+    process.start(u"khal"_s, {u"-c"_s, home_ + u"/config"_s, u"list"_s, u"2024-06-10"_s, u"2024-06-16"_s});
+    if (!process.waitForFinished(patienceMs) || process.readAllStandardOutput().isEmpty())
+      qFatal("khal: %s", process.readAllStandardError().constData());
+  }
+
+ private:
+  QString home_;
+};
+
+/// Our side as a process of its own as well.
+void openInAProcess(const Calendar& calendar) {
+  constexpr int patienceMs = 300'000;
+  QProcess process;
+  process.start(QCoreApplication::applicationFilePath(),
+                {u"--open-week"_s, calendar.path() + u'\n' + calendar.cache()});
+  if (!process.waitForFinished(patienceMs) || process.exitCode() != 0) qFatal("the week is empty");
+}
+
 void statAll(const QStringList& files) {
   struct stat found {};
   for (const QString& file : files) ::stat(qPrintable(file), &found);
@@ -138,6 +173,10 @@ void measureFolder(int items) {
   compare(
       named("folder, opening with its index / libical", items), 3, [&] { calendar.openAndAsk(); },
       [&] { parseWithLibical(files); });
+  if (const Khal khal(calendar); khal.isThere())
+    compare(
+        named("folder, process that opens it / khal with its cache", items), 7,
+        [&] { openInAProcess(calendar); }, [&] { khal.list(); });
   IndexOptions options;
   options.cacheFolder = calendar.cache();
   options.watches = false;
@@ -177,7 +216,35 @@ void measureOneChange(int most) {
               qPrintable(named("one file changed by another program", most)), large, small, large / small);
 }
 
+/// What the process takes more than with a calendar of a few items.
+void measureMemory(int most) {
+  const auto peak = [](int items) {
+    const Calendar calendar(items, false);
+    calendar.openAndAsk();
+    constexpr int patienceMs = 300'000;
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(),
+                  {u"--open-week"_s, calendar.path() + u'\n' + calendar.cache()});
+    if (!process.waitForFinished(patienceMs) || process.exitCode() != 0) qFatal("the week is empty");
+    return process.readAllStandardOutput().trimmed().toDouble() / 1024;
+  };
+  const double small = peak(1000), large = peak(most);
+  std::printf("%-52s %10.2f MB   at 1000  %10.2f MB   more %6.1f MB\n",
+              qPrintable(named("memory of a process that opens it", most)), large, small, large - small);
+}
+
 }  // namespace
+
+bool openedAs(const QStringList& arguments) {
+  if (arguments.size() != 3 || arguments[1] != u"--open-week") return false;
+  const QStringList places = arguments[2].split(u'\n');
+  IcalendarStore store({{u"bench"_s, u"Bench"_s, u"Bench"_s, places.value(0), true}}, places.value(1));
+  if (store.items(u"bench"_s, week()).isEmpty()) qFatal("the week is empty");
+  struct rusage used {};
+  ::getrusage(RUSAGE_SELF, &used);
+  std::printf("%ld\n", used.ru_maxrss);
+  return true;
+}
 
 void measureIndex() {
   const int most = qMax(1000, qEnvironmentVariableIntValue("HOURBOOK_BENCH_ITEMS") > 0
@@ -187,6 +254,7 @@ void measureIndex() {
   measureWarm(most);
   measureFolder(qMin(most, 50'000));
   measureOneChange(qMin(most, 50'000));
+  measureMemory(most);
 }
 
 }  // namespace bench

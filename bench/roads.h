@@ -1,4 +1,5 @@
 #pragma once
+#include <QStringList>
 
 namespace bench {
 
@@ -17,6 +18,11 @@ void measureChart();
 
 /// Scrolling through 199 rows of the list, against a bare table with the same texts.
 void measureWindow();
+/// From the start of the process to the first rows on the screen, against a window of the same parts.
+void measureStart();
+/// True when the program was started to be measured from its start, and has been.
+bool startedAs(const QStringList& arguments);
+bool openedAs(const QStringList& arguments);
 /// Typing hours from the key to the saved file, against a bare table that replaces the same file.
 void measureEditing();
 
