@@ -201,6 +201,9 @@ void applyTimes(ComponentEditor& editor, const Change& change, const Origin& ori
   }
 }
 
+/// What a head says of the form in which the value stands; this program writes plain UTF-8.
+const QByteArrayList aboutForm{"ENCODING", "CHARSET", "QUOTED-PRINTABLE", "BASE64", "8BIT", "7BIT"};
+
 void setText(ComponentEditor& editor, const char* name, const QString& text, bool old,
              const QByteArrayList& without = {}) {
   const auto present = editor.first(name);
@@ -209,9 +212,8 @@ void setText(ComponentEditor& editor, const char* name, const QString& text, boo
     const OldLine line = oldLine(present ? present->head : QByteArray(name), text);
     return editor.set(name, line.head, line.value);
   }
-  QByteArrayList outdated{"ENCODING", "CHARSET"};
-  outdated += without;
-  editor.set(name, present ? renamed(present->head, name, outdated) : QByteArray(name), toText(text));
+  editor.set(name, present ? renamed(present->head, name, aboutForm + without) : QByteArray(name),
+             toText(text));
 }
 
 void setOrRemove(ComponentEditor& editor, const char* name, const QByteArray& value) {
@@ -221,9 +223,12 @@ void setOrRemove(ComponentEditor& editor, const char* name, const QByteArray& va
 }
 
 void setCategories(ComponentEditor& editor, const QStringList& names, bool old) {
-  if (!old) return setOrRemove(editor, "CATEGORIES", toTextList(names));
   if (names.isEmpty()) return editor.remove("CATEGORIES");
   const auto present = editor.first("CATEGORIES");
+  if (!old)
+    return editor.set("CATEGORIES",
+                      present ? renamed(present->head, "CATEGORIES", aboutForm) : QByteArray("CATEGORIES"),
+                      toTextList(names));
   const OldLine line = oldListLine(present ? present->head : QByteArray("CATEGORIES"), names);
   editor.set("CATEGORIES", line.head, line.value);
 }

@@ -130,8 +130,9 @@ QByteArray renamed(const QByteArray& head, const QByteArray& name, const QByteAr
     if (i < head.size() && (head[i] != ';' || quoted)) continue;
     const QByteArray piece = head.mid(from + 1, i - from - 1);
     from = i;
-    if (!piece.isEmpty() && !without.contains(piece.left(piece.indexOf('=')).trimmed().toUpper()))
-      result += ';' + piece;
+    const qsizetype equals = piece.indexOf('=');
+    const QByteArray parameter = equals < 0 ? piece : piece.left(equals);
+    if (!piece.isEmpty() && !without.contains(parameter.trimmed().toUpper())) result += ';' + piece;
   }
   return result;
 }

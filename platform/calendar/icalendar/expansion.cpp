@@ -46,10 +46,22 @@ bool saysTheSame(const QString& text, const QStringList& categories) {
 
 }  // namespace
 
+namespace {
+
+/// Some programs take that over from version 1.0.
+bool isEncoded(const Property& property) {
+  return property.head.contains(';') && isQuotedPrintable(property.head + ':');
+}
+
+QStringList namesOf(const Property& property, bool old) {
+  return old || isEncoded(property) ? oldTextList(property) : fromTextList(property.value);
+}
+
+}  // namespace
+
 QString textOf(const Property& property, bool old) {
   if (old) return oldText(property);
-  const bool encoded = property.head.contains(';') && isQuotedPrintable(property.head + ':');
-  return encoded ? encodedText(property) : fromText(property.value);
+  return isEncoded(property) ? encodedText(property) : fromText(property.value);
 }
 
 void readTexts(const Document& document, const Component& component, Item& item, bool old) {
@@ -64,8 +76,7 @@ void readTexts(const Document& document, const Component& component, Item& item,
       item.body = bodyText(parsed(document, line), old);
       hasBody = true;
     } else if (is("CATEGORIES")) {
-      item.categories +=
-          old ? oldTextList(parsed(document, line)) : fromTextList(parsed(document, line).value);
+      item.categories += namesOf(parsed(document, line), old);
     } else if (is("X-HOURBOOK-CATEGORIES")) {
       ownText = fromText(parsed(document, line).value).replace(u"\n"_qs, u"\r\n"_qs);
     } else if (is("X-HOURBOOK-BILLINGINFORMATION")) {
@@ -309,7 +320,7 @@ bool Expansion::inRange(const Item& item) const {
 
 void Expansion::addItem(const EventRef& ref, Item item, QList<Item>& items) {
   if (!inRange(item) || (query_.subject && item.subject != *query_.subject)) return;
-  if (item.zoneUnknown) note(ref, reader_.whyUnknown(ref.event->start->tzid));
+  if (item.zoneUnknown) note(ref, reader_.whyUnknown(*ref.file, *ref.event));
   items.append(std::move(item));
 }
 

@@ -54,7 +54,10 @@ Zone Reader::zoneOf(const CalendarFile& file, const Event& event, const DateValu
   return event.old ? homeZone(file, event) : viewer_;
 }
 
-QString Reader::whyUnknown(const QString& tzid) const {
+QString Reader::whyUnknown(const CalendarFile& file, const Event& event) {
+  bool byStart = false;
+  zoneOf(file, event, *event.start, &byStart);
+  const QString tzid = byStart || !event.end ? event.start->tzid : event.end->tzid;
   const QString text =
       book_.wasTooMuch(tzid)
           ? u"The definition of the time zone \"%1\" is too long; the times are taken in the viewer's zone."_qs
@@ -129,8 +132,11 @@ Timing Reader::timingOf(const CalendarFile& file, const Event& event) {
   if (takeMarkedAllDay(timing, event)) return timing;
   timing.start = start.wall();
   if (event.end) {
-    const qint64 end = event.end->form == Form::Date ? timing.zone.toInstant(event.end->wall())
-                                                     : instantOf(file, event, *event.end);
+    const Zone zone =
+        event.end->form == Form::Date
+            ? timing.zone
+            : zoneOf(file, event, *event.end, &timing.zoneUnknown);  // never takes the mark away
+    const qint64 end = zone.toInstant(event.end->wall());
     timing.length.exactMs = qMax<qint64>(0, end - timing.zone.toInstant(timing.start));
   } else if (event.span) {
     timing.length = *event.span;

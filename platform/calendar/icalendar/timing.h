@@ -41,8 +41,8 @@ class Reader {
   /// The zone of one date value; the viewer's for dates and floating times.
   Zone zoneOf(const CalendarFile& file, const Event& event, const DateValue& value, bool* unknown);
   const Zone& viewer() const { return viewer_; }
-  /// What is wrong with a zone that was not found.
-  QString whyUnknown(const QString& tzid) const;
+  /// What is wrong with the zone of the event's start or end that was not found.
+  QString whyUnknown(const CalendarFile& file, const Event& event);
 
  private:
   Zone homeZone(const CalendarFile& file, const Event& event);

@@ -31,6 +31,27 @@ TEST_F(PropertiesTest, CategoriesOfSeveralLinesAreOneList) {
       (QStringList{u"cat1"_qs, u"cat2"_qs, u"Smith, Jones"_qs}));
 }
 
+TEST_F(PropertiesTest, EncodedCategoriesAreDecodedAndWrittenPlain) {
+  for (const char* head : {"CATEGORIES;ENCODING=QUOTED-PRINTABLE:", "CATEGORIES;QUOTED-PRINTABLE:",
+                           "CATEGORIES;X-A=1;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:"}) {
+    SCOPED_TRACE(head);
+    const Item item =
+        with({"SUMMARY;QUOTED-PRINTABLE:a=2Cb", QByteArray(head) + "K=C3=BCche", "CLASS:PUBLIC"});
+    EXPECT_EQ(item.categories, QStringList{u"Küche"_qs});
+    EXPECT_EQ(item.subject, u"a,b"_qs);
+    Change change;
+    change.categories = QStringList{u"Küche"_qs, u"A="_qs};
+    change.subject = u"A, b="_qs;
+    save(item, change);
+    const Item again = single();
+    EXPECT_EQ(again.categories, *change.categories);
+    EXPECT_EQ(again.subject, u"A, b="_qs);
+    EXPECT_EQ(again.start, item.start);
+    EXPECT_FALSE(read(u"a.ics"_qs).contains("QUOTED"));
+    EXPECT_TRUE(read(u"a.ics"_qs).contains("\r\nCLASS:PUBLIC\r\n"));
+  }
+}
+
 TEST_F(PropertiesTest, EachClassIsASensitivity) {
   const QList<QPair<QByteArray, Sensitivity>> classes{{"PUBLIC", Sensitivity::Normal},
                                                       {"PERSONAL", Sensitivity::Personal},

@@ -111,6 +111,16 @@ TEST_F(IcalendarTest, AZoneThatNobodyDefinesIsTheViewersAndSaidSo) {
   EXPECT_TRUE(problemTexts().at(0).contains(u"Customized Time Zone 1"_qs));
 }
 
+TEST_F(IcalendarTest, AnEndInAZoneThatNobodyDefinesIsMarkedAndNamedAsWell) {
+  write(u"a.ics"_qs,
+        timed({"DTSTART;TZID=Europe/Berlin:20240205T160000", "DTEND;TZID=Nobody's Zone:20240205T110000"}));
+  const QList<Item> items = plain("America/New_York");
+  EXPECT_EQ(described(items), QStringList{u"2024-02-05 10:00 - 11:00 A"_qs});
+  EXPECT_TRUE(items.value(0).zoneUnknown);
+  ASSERT_EQ(problemTexts().size(), 1);
+  EXPECT_TRUE(problemTexts().at(0).contains(u"\"Nobody's Zone\""_qs));
+}
+
 TEST_F(IcalendarTest, AZoneThatTheFileDefinesIsEvaluated) {
   write(u"a.ics"_qs,
         calendar(joined({"BEGIN:VTIMEZONE", "TZID:Customized Time Zone", "BEGIN:STANDARD",
