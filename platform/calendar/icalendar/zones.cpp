@@ -336,6 +336,10 @@ const std::optional<QTimeZone>& ZoneBook::named(const QString& tzid) {
 std::optional<Zone> ZoneBook::definedBy(const Document& document, const Component* definition,
                                         const QString& tzid) {
   if (!definition) return std::nullopt;
+  if (definition->end - definition->offset > maxDefinitionBytes) {  // not even searched: each date comes here
+    tooMuch_.insert(tzid);
+    return std::nullopt;
+  }
   if (const auto location = firstOf(document, *definition, "X-LIC-LOCATION"))
     if (const auto& zone = named(decoded(location->value).trimmed())) return Zone(*zone);
   const QByteArray key =

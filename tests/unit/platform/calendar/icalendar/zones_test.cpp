@@ -251,6 +251,7 @@ TEST(ZoneDefinitions, BeyondAllMeasureAreRefused) {
   for (int i = 0; i < 1001; ++i) many += {"BEGIN:STANDARD", "END:STANDARD"};
   EXPECT_TRUE(refused(QByteArrayList(one) << "BEGIN:STANDARD" << dates << dates << "END:STANDARD"));
   EXPECT_TRUE(refused(many + one));
+  EXPECT_TRUE(refused(QByteArrayList(70'000, "X:1") + one));
   EXPECT_TRUE(refused(twice + twice));
   EXPECT_FALSE(refused(one));
 }
