@@ -104,7 +104,11 @@ class EventReader {
     const QByteArray text = parsed(document_, line).value.trimmed();
     QString why;
     if (text.isEmpty()) return;
-    if (ruleOf(text, &why))
+    if (into.size() >= maxRulesPerEvent)
+      complain(line.number,
+               QStringLiteral("An event has more than %1 recurrence rules; this one was left out.")
+                   .arg(maxRulesPerEvent));
+    else if (ruleOf(text, &why))
       into.append(text);
     else
       complain(line.number, why + QStringLiteral(" Only the first occurrence is shown."));

@@ -37,7 +37,7 @@ bool weekdayList(const QByteArray& text, QList<QPair<int, int>>& into) {
       nth = piece.left(piece.size() - 2).toInt(&good);
       if (!good || nth == 0 || nth < -53 || nth > 53) return false;
     }
-    into.append({nth, day});
+    if (!into.contains({nth, day})) into.append({nth, day});
   }
   return true;
 }

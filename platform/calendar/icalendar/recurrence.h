@@ -9,6 +9,7 @@
 namespace platform::calendar::icalendar {
 
 inline constexpr int maxOccurrencesPerQuery = 10'000;  // of one series
+inline constexpr int maxRulesPerEvent = 10;            // each is walked; the format knows one
 inline constexpr int maxRuleSteps = 500'000;           // walked for one rule in one query, shown or not
 
 /// A rule whose every part has been checked. Lists of numbers are in order.

@@ -1,5 +1,8 @@
 #include "platform/calendar/icalendar/recurrence.h"
 
+#include "platform/calendar/icalendar/calendarfile.h"
+#include "tests/unit/platform/calendar/icalendar/fixture.h"
+
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -191,6 +194,23 @@ TEST(Rules, DaysThatNeverMeetEndTheWalkWithThePeriod) {
     EXPECT_EQ(starts(text, u"1601-01-01 09:00"_qs, u"1601-01-01 00:00"_qs, u"2024-12-31 00:00"_qs),
               QStringList())
         << text;
+}
+
+TEST(Rules, AWeekdayThatIsNamedAgainIsOne) {
+  QString why;
+  const auto rule = ruleOf("FREQ=WEEKLY;BYDAY=MO,MO,TU,MO,1MO", &why);
+  ASSERT_TRUE(rule);
+  EXPECT_EQ(rule->byDay.size(), 3);
+}
+
+TEST(Rules, OfOneEventAreAFewAndTheOthersAreNamed) {
+  QByteArrayList lines{"UID:1", "DTSTART:20240219T090000Z"};
+  for (int i = 0; i < 12; ++i) lines.append("RRULE:FREQ=DAILY;COUNT=3");
+  const auto file = calendarFile(u"a.ics"_qs, icalendar_tests::calendar(icalendar_tests::event(lines)));
+  EXPECT_EQ(file->events.front().rules.size(), 10);
+  ASSERT_EQ(file->problems.size(), 2);
+  EXPECT_EQ(file->problems.at(0).text,
+            u"An event has more than 10 recurrence rules; this one was left out."_qs);
 }
 
 TEST(Rules, AWalkWithoutEndIsBrokenOff) {
