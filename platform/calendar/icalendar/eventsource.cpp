@@ -10,6 +10,10 @@
 #include <chrono>
 #include <filesystem>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 namespace platform::calendar::icalendar {
 namespace {
 
@@ -21,6 +25,17 @@ fs::path native(const QString& path) {
 
 qint64 nanoseconds(fs::file_time_type time) {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
+}
+
+/// 0 where the system has no such thing.
+quint64 inodeOf(const fs::path& path) {
+#ifdef Q_OS_UNIX
+  struct stat found {};
+  return ::stat(path.c_str(), &found) == 0 ? found.st_ino : 0;
+#else
+  static_cast<void>(path);
+  return 0;
+#endif
 }
 
 /// A file's name as a text. Of a name that is not in UTF-8 the bytes that are no letters become U+FFFD; such
@@ -56,8 +71,8 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
     const auto time = file.last_write_time(ignored);
     const auto size = file.is_regular_file(ignored) ? file.file_size(ignored) : 0;
     // a link that leads nowhere has no time
-    found.insert(name,
-                 {time == fs::file_time_type::min() ? 0 : nanoseconds(time), static_cast<qint64>(size)});
+    found.insert(name, {time == fs::file_time_type::min() ? 0 : nanoseconds(time), static_cast<qint64>(size),
+                        inodeOf(file.path())});
   };
   const fs::file_status status = fs::status(root, error);
   if (!fs::exists(status)) fail(errNotFound, label_, QStringLiteral("\"%1\" does not exist.").arg(path_));
@@ -87,7 +102,10 @@ void FileCache::read(const QString& name, const Stamp& stamp) {
   const files::ReadResult result =
       files::readFile(pathOf(name), one ? maxCalendarFileBytes : maxItemFileBytes);
   if (!result.ok && one)
-    fail(result.fingerprint.exists ? errAccessDenied : errNotFound, label_, result.error);
+    fail(result.missing  ? errNotFound
+         : result.denied ? errAccessDenied
+                         : errStoreBroken,
+         label_, result.error);
   Entry entry;
   entry.stamp = stamp;
   entry.settled = settled;
@@ -238,8 +256,12 @@ QString FileCache::changeTag() {
   QCryptographicHash hash(QCryptographicHash::Sha1);
   const QMap<QString, Stamp> now = stamps();
   for (auto found = now.begin(); found != now.end(); ++found)
-    hash.addData(
-        QStringLiteral("%1\n%2\n%3\n").arg(found.key()).arg(found->mtimeNs).arg(found->size).toUtf8());
+    hash.addData(QStringLiteral("%1\n%2\n%3\n%4\n")
+                     .arg(found.key())
+                     .arg(found->mtimeNs)
+                     .arg(found->size)
+                     .arg(found->inode)
+                     .toUtf8());
   return QString::fromLatin1(hash.result().toHex());
 }
 

@@ -85,6 +85,7 @@ class FileCache : public EventSource {
   struct Stamp {
     qint64 mtimeNs = 0;
     qint64 size = 0;
+    quint64 inode = 0;  // another file may take the place of one of the same time and size
     bool operator==(const Stamp&) const = default;
   };
   struct Entry {

@@ -76,7 +76,13 @@ bool FileWriter::put(const Snapshot& snapshot, const QString&, const QList<files
 
 bool FileWriter::create(const QString& name, const QByteArray& bytes) {
   prepare(name);
-  return taken(name, {}, files::replaceFile(source_.pathOf(name), bytes, files::Fingerprint{}));
+  const QString path = source_.pathOf(name);
+  const files::WriteResult made = files::replaceFile(path, bytes, files::Fingerprint{});
+  // There, but it might not outlive a power cut. A save that is told as failed is made once more, under
+  // another name: of the two one would be too many.
+  if (made.outcome == files::Outcome::Failed && made.fingerprint.exists)
+    files::removeFile(path, made.fingerprint);
+  return taken(name, {}, made);
 }
 
 bool FileWriter::remove(const Snapshot& snapshot) {

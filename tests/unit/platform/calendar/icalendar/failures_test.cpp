@@ -1,9 +1,13 @@
 #include "platform/basic/failure.h"
+#include "platform/files/posix/systemcalls.h"
 #include "tests/unit/platform/calendar/icalendar/fixture.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include <cerrno>
+#include <sys/stat.h>
 
 using namespace icalendar_tests;
 using namespace platform::calendar;
@@ -85,6 +89,35 @@ TEST_F(FailuresTest, ALinkedCalendarIsAsWritableAsTheFolderItLeadsTo) {
   EXPECT_EQ(failedSave(item), errAccessDenied);
   expectNames({path(QString()).chopped(1)});
   EXPECT_EQ(read(u"b.ics"_qs), bytes);
+}
+
+TEST_F(FailuresTest, ACalendarInOneFileThatIsNoFileIsBrokenAndNotMissing) {
+  folder = u"one"_qs;
+  EXPECT_EQ(failure([&] { plain(); }), errNotFound);
+  ASSERT_EQ(mkfifo(QFile::encodeName(onePath()).constData(), 0600), 0);
+  EXPECT_EQ(failure([&] { plain(); }), errStoreBroken);
+  expectNames({u"Archive"_qs, onePath()});
+}
+
+TEST_F(FailuresTest, ANewItemThatIsToldAsNotSavedIsNotThere) {
+  using platform::files::SystemCalls;
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.fsync = [](int file) {  // folders only
+    struct stat found {};
+    if (::fstat(file, &found) != 0 || !S_ISDIR(found.st_mode)) return 0;
+    errno = EIO;
+    return -1;
+  };
+  Change change;
+  change.subject = u"New"_qs;
+  change.start = moment(u"2024-02-05 09:00"_qs);
+  {
+    const platform::files::ScopedSystemCalls scope(calls);
+    EXPECT_EQ(failure([&] { store->save(folder, {}, {}, change); }), errStoreBroken);
+  }
+  EXPECT_EQ(fileNames(), QStringList{u"a.ics"_qs});
+  EXPECT_EQ(failure([&] { store->save(folder, {}, {}, change); }), 0);
+  EXPECT_EQ(fileNames().size(), 2);
 }
 
 TEST_F(FailuresTest, AFileThatHasVanishedIsNotFound) {

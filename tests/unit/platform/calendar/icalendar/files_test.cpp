@@ -145,6 +145,24 @@ TEST_F(IcalendarTest, HalfWrittenFilesOfACrashAreTakenAwayByTheFirstSaveAndByNoR
   EXPECT_EQ(single().subject, u"new"_qs);
 }
 
+TEST_F(IcalendarTest, AFileThatTakesThePlaceOfOneOfTheSameTimeAndSizeIsSeenAndCanBeSaved) {
+  for (const char* name : {"a.ics", "b.tmp"}) {
+    const QString file = QString::fromLatin1(name);
+    write(file, item("a", file == u"a.ics" ? "one" : "two"));
+    age(path(file));
+  }
+  EXPECT_EQ(single().subject, u"one"_qs);
+  const QString tag = store->changeTag(folder);
+  ASSERT_EQ(std::rename(QFile::encodeName(path(u"b.tmp"_qs)).constData(),
+                        QFile::encodeName(path(u"a.ics"_qs)).constData()),
+            0);
+  EXPECT_EQ(single().subject, u"two"_qs);
+  EXPECT_NE(store->changeTag(folder), tag);
+  Change change;
+  change.subject = u"three"_qs;
+  EXPECT_EQ(save(single(), change).subject, u"three"_qs);
+}
+
 TEST_F(IcalendarTest, TheFirstSaveOfAFolderLeavesTheTemporaryFilesOfOtherPrograms) {
   write(u"a.ics"_qs, item("a"));
   write(u".thesis.backup.tmp"_qs, "theirs");
