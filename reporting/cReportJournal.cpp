@@ -45,6 +45,7 @@ std::unique_ptr<files::FileLock> cReportJournal::Lock() const {
   std::unique_ptr<files::FileLock> lock;
   if (error.isEmpty()) lock = files::FileLock::tryTake(folder_ + u"/lock"_s, &error);
   if (!error.isEmpty()) failWith(error);
+  if (lock) files::sweepLitter(folder_);  // what a crash has left of a journal
   return lock;
 }
 

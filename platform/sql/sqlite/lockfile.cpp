@@ -41,7 +41,11 @@ bool isMissing(const QByteArray& path) {
 /// time does as well.
 void make(const QString& database, const QByteArray& path) {
   const QString name = QFile::decodeName(path);
-  files::sweepLitter(QFileInfo(name).path());  // what a crash has left right here
+  constexpr qint64 olderThanSeconds = 3600;
+  const auto isOurs = [&](const QString& target) {
+    return target == QFileInfo(name).fileName() || target == QFileInfo(database).fileName();
+  };
+  files::sweepLitter(QFileInfo(name).path(), olderThanSeconds, isOurs);  // what a crash has left right here
   if (files::replaceFile(name, {}, files::Fingerprint{}).outcome != files::Outcome::Written) return;
   struct stat file {};
   if (::stat(QFile::encodeName(database).constData(), &file) != 0) return;

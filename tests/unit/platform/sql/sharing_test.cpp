@@ -6,6 +6,7 @@
 #include "platform/sql/sqlite/engine.h"
 #include "tests/contract/sqldriver/otherprocess.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -110,6 +111,22 @@ TEST_F(Sharing, TheLockFileStandsBesideTheDatabaseAndGoesWithItsLastUser) {
   EXPECT_TRUE(QFile::exists(lock));
   two.reset();
   EXPECT_FALSE(QFile::exists(lock));
+}
+
+TEST_F(Sharing, WhoMakesTheLockFileTakesTheLitterOfItsDatabaseAndOfNothingElse) {
+  const auto put = [&](const QString& name) {
+    QFile file(folder.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    const struct timespec times[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+    EXPECT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(file.fileName()).constData(), times, 0), 0);
+  };
+  for (const QString& name :
+       {u".a.ldb.x7k2m9.tmp"_qs, u".a.mdb.x7k2m9.tmp"_qs, u".b.mdb.x7k2m9.tmp"_qs, u".thesis.backup.tmp"_qs})
+    put(name);
+  const auto session = open();
+  EXPECT_EQ(QDir(folder.path()).entryList({u".*.tmp"_qs}, QDir::Files | QDir::Hidden, QDir::Name),
+            (QStringList{u".b.mdb.x7k2m9.tmp"_qs, u".thesis.backup.tmp"_qs}));
 }
 
 TEST_F(Sharing, OnlyTheEndingOfAnAccessFileIsReplaced) {

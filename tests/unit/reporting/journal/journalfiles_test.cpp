@@ -339,7 +339,15 @@ TEST(Journal, OrdersRunsByTheirNumbers) {
 TEST(Journal, IsLockedForOneProgramAtATime) {
   const QTemporaryDir folder;
   const cReportJournal journal(folder.filePath(u"state/reports"_s));
+  const QString left = folder.filePath(u"state/reports/.report-000001.json.x7k2m9.tmp"_s);
+  ASSERT_TRUE(QDir().mkpath(QFileInfo(left).path()));
+  QFile file(left);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  ASSERT_TRUE(
+      file.setFileTime(QDateTime::fromSecsSinceEpoch(1'000'000'000), QFileDevice::FileModificationTime));
+  file.close();
   auto lock = journal.Lock();
+  EXPECT_FALSE(QFile::exists(left)) << "what a crash has left goes with the lock";
   EXPECT_TRUE(lock);
   EXPECT_FALSE(cReportJournal(folder.filePath(u"state/reports"_s)).Lock());
   lock.reset();
