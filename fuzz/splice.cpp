@@ -68,6 +68,8 @@ std::unique_ptr<Store> opened(bool folder) {
 struct Listed {
   QList<Item> stored, year;
   bool whole = true;  // false: some series was broken off, so the lists may differ
+  bool ended =
+      true;  // false: something goes as far as what follows it, so that this has to do with its bytes
 };
 
 Listed list(Store& store) {
@@ -82,9 +84,12 @@ Listed list(Store& store) {
   year.startFrom = QDateTime(QDate(2024, 1, 1), QTime(0, 0), zone);
   year.startTo = QDateTime(QDate(2024, 12, 31), QTime(23, 59, 59), zone);
   listed.year = store.items(id, year);
-  for (const Problem& problem : store.problems(id))
+  for (const Problem& problem : store.problems(id)) {
     if (problem.text.contains(QStringLiteral("left out")) || problem.text.contains(QStringLiteral("UTF-8")))
       listed.whole = false;
+    else if (problem.text.contains(QStringLiteral("has no END")))
+      listed.ended = false;
+  }
   return listed;
 }
 
@@ -278,6 +283,7 @@ struct State {
   QByteArray bytes;
   Listed listed;
   /// What follows on the last line of a file gives it the line end that it lacked.
+  bool keepsBytes() const { return listed.ended && endsWithLine(); }
   bool endsWithLine() const {
     return bytes.isEmpty() || bytes.endsWith('\n') || (bytes.endsWith('\r') && !bytes.contains('\n'));
   }
@@ -304,8 +310,8 @@ void change(Store& store, const State& before, const Item& item, const Change& c
     return other.key.uid == item.key.uid &&
            (item.key.recurrenceId.isEmpty() || other.key.recurrenceId == item.key.recurrenceId);
   };
-  checkOthers(before.listed.stored, after.listed.stored, before.endsWithLine(), touched);
-  checkOthers(before.listed.year, after.listed.year, before.endsWithLine(), touched);
+  checkOthers(before.listed.stored, after.listed.stored, before.keepsBytes(), touched);
+  checkOthers(before.listed.year, after.listed.year, before.keepsBytes(), touched);
 }
 
 void remove(Store& store, const State& before, const Item& item, bool folder) {
@@ -323,8 +329,8 @@ void remove(Store& store, const State& before, const Item& item, bool folder) {
            (item.key.recurrenceId.isEmpty() || other.key.recurrenceId == item.key.recurrenceId ||
             other.kind == Kind::Master || other.kind == Kind::Occurrence);
   };
-  checkOthers(before.listed.stored, after.listed.stored, before.endsWithLine(), touched);
-  checkOthers(before.listed.year, after.listed.year, before.endsWithLine(), touched);
+  checkOthers(before.listed.stored, after.listed.stored, before.keepsBytes(), touched);
+  checkOthers(before.listed.year, after.listed.year, before.keepsBytes(), touched);
 }
 
 void make(Store& store, const State& before, const Change& change, bool folder) {
@@ -341,8 +347,8 @@ void make(Store& store, const State& before, const Change& change, bool folder) 
   const auto touched = [&](const Item& other) { return other.key.uid == saved.key.uid; };
   PROMISED(std::count_if(after.listed.stored.begin(), after.listed.stored.end(), touched) == 1,
            described(saved));
-  checkOthers(before.listed.stored, after.listed.stored, before.endsWithLine(), touched);
-  checkOthers(before.listed.year, after.listed.year, before.endsWithLine(), touched);
+  checkOthers(before.listed.stored, after.listed.stored, before.keepsBytes(), touched);
+  checkOthers(before.listed.year, after.listed.year, before.keepsBytes(), touched);
 }
 
 /// Another program adds something at the end.
