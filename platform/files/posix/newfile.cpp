@@ -160,7 +160,7 @@ void NewFile::takePlaceOf(const Fingerprint& expected, const QByteArray* written
   bool same = false;
   try {
     same = wasStill(place_, name_, seen, expected, written);
-  } catch (const Trouble&) {
+  } catch (...) {  // for want of memory, too
     changePlacesBack();
     throw;
   }

@@ -33,7 +33,7 @@ void takeAway(const Place& place, const Fingerprint& seen, const Fingerprint& ex
       return retried([&] { return calls().unlinkat(place.folder, aside.constData()); });
     };
     if (same && remove() < 0 && errno != ENOENT) fail(place.path, errno);
-  } catch (const Trouble&) {
+  } catch (...) {  // for want of memory, too
     putBack();
     throw;
   }

@@ -1,9 +1,12 @@
 #pragma once
+#include "platform/files/posix/systemcalls.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -38,6 +41,18 @@ class TestFolder {
   void setTime(const QString& name, const timespec& time) const {
     const timespec times[2] = {time, time};
     ASSERT_EQ(::utimensat(AT_FDCWD, encoded(name).constData(), times, 0), 0);
+  }
+  /// Whether the system tells here of who has a file open for writing; not on network file systems.
+  bool tellsOfWriters() const {
+    const QString probe = QStringLiteral("probe");
+    put(probe, "x");
+    const int writer = ::open(encoded(probe).constData(), O_RDWR | O_CLOEXEC);
+    const int reader = ::open(encoded(probe).constData(), O_RDONLY | O_CLOEXEC);
+    const bool tells = platform::files::SystemCalls::ofTheSystem().lease(reader) < 0 && errno == EAGAIN;
+    ::close(reader);
+    ::close(writer);
+    ::unlink(encoded(probe).constData());
+    return tells;
   }
   /// Everything that stands there, hidden files included.
   QStringList names() const {

@@ -99,6 +99,7 @@ TEST(RemoveFile, KeepsWhatAnotherProgramMakesOfItInTheVeryLastMoment) {
   enum class Deed { Replace, EditInPlace, HaveOpen };
   for (const Deed deed : {Deed::Replace, Deed::EditInPlace, Deed::HaveOpen}) {
     TestFolder folder;
+    if (deed == Deed::HaveOpen && !folder.tellsOfWriters()) continue;
     folder.put(name, "10:00");
     QFile opened(folder.path(name));
     const Fingerprint seen = readFile(folder.path(name)).fingerprint;
