@@ -146,6 +146,8 @@ void IndexedSource::takeUnsure(QSet<QString>& linked, QSet<QString>& unsettled) 
     else if (isLinked || isUnread || !unsureTaken_ || (quiet && ++resettled <= maxResettled))
       unsettled.insert(rows.text(0));
   }
+  // what is dated ahead stays unsure, which need not cost at each question
+  if (resettled > 0) lastTaken_ = Clock::now();
 }
 
 bool IndexedSource::takeOne(const DiskState& now, bool again) {

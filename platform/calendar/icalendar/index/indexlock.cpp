@@ -64,7 +64,8 @@ IndexLock::Result IndexLock::take(Kind kind, int patienceMs) {
       continue;
     }
     if (errno == EINTR) continue;
-    const bool taken = errno == EWOULDBLOCK;
+    // some network file systems say of a lock that another one has that it is not permitted
+    const bool taken = errno == EWOULDBLOCK || errno == EACCES;
     if (!taken || std::chrono::steady_clock::now() >= end) {
       close();
       return taken ? Result::Busy : Result::Impossible;
