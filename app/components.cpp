@@ -17,6 +17,7 @@
 #include "platform/sql/sqlite/engine.h"
 #include "platform/sql/sqlite/session.h"
 #include "shell/ShellValues.h"
+#include "shell/Tolerate.h"
 
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -51,8 +52,10 @@ std::shared_ptr<platform::outlook::Application> openOutlook(const Configuration&
   for (const CalendarEntry& entry : configuration.calendars)
     folders.append({entry.id, entry.name, configuration.mailboxName, entry.path, entry.readOnly});
   platform::outlook::Profile profile;
-  profile.stores.append(
-      std::make_shared<platform::calendar::IcalendarStore>(folders, indexFolder(), safety()));
+  const auto store = std::make_shared<platform::calendar::IcalendarStore>(folders, indexFolder(), safety());
+  profile.stores.append(store);
+  // what has changed since the last run is looked for while the window is made
+  tolerate([&] { store->changeTag(configuration.openCalendar); });
   profile.openFolder = configuration.openCalendar;
   profile.version = configuration.outlookVersion;
   profile.draftFolder = configuration.draftFolder();
