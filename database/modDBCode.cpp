@@ -8,14 +8,18 @@
 #include "database/modUpgrade.h"
 #include "database/ProbeScope.h"
 #include "platform/automation/components.h"
+#include "platform/dao/dao.h"
 #include "platform/files/atomicfile.h"
 #include "platform/process/process.h"
+#include "platform/sql/errors.h"
 #include "platform/sql/oledbkeys.h"
 #include "shell/modErrorReport.h"
 #include "shell/modFileHandling.h"
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QScopeGuard>
 
 namespace hourbook {
@@ -136,17 +140,44 @@ QString createByUsersChoice(const QString& database, const QString& connectionFi
                                               : askForServer());
 }
 
-/// The database itself, when a compaction was interrupted between removing the old file and renaming the
-/// copy. Giving it its name is left to who can see what else happened in the folder; what must not happen is
-/// that a missing database is taken for one that never was, and a new one is made beside it.
-void refuseCopyAlone(const QString& folder) {
-  const QString copy = u"tmp"_s + databaseFileName + u".mdb"_s;
-  if (!files().FileExists(folder + u'\\' + copy)) return;
+QString behindLinks(const QString& path) {
+  constexpr int mostLinks = 16;
+  QString real = platform::scripting::systemPath(path);
+  for (int followed = 0; followed < mostLinks; ++followed) {
+    const QString target = QFile::symLinkTarget(real);
+    if (target.isEmpty()) break;
+    real = target;
+  }
+  return real;
+}
+
+/// A missing database whose compacted copy stands alone: a compaction was interrupted between removing the
+/// old file and renaming the copy. Giving it its name is left to who can see what else happened in the
+/// folder; what must not happen is that a missing database is taken for one that never was, and a new one is
+/// made beside it.
+[[noreturn]] void refuseCopyAlone(const QFileInfo& database, const QString& copy) {
   throw Failure(
       platform::failure::fileNotFound,
       u"The database \"%1\" is missing from \"%2\", and its compacted copy \"%3\" stands there: a "
       u"compaction was interrupted before the copy was renamed. Unless somebody has taken the database away, "
-      u"the copy holds all that was stored. Rename it to \"%1\", and start again."_s.arg(databaseFileName, folder, copy));
+      u"the copy holds all that was stored. Rename it to \"%1\", and start again."_s.arg(
+          database.fileName(), database.path(), copy));
+}
+
+/// Of a database that was missing a moment ago, as it is whenever another program compacts it: that one holds
+/// its lock, and is waited for.
+bool isBackAgain(const QString& database) {
+  const QFileInfo file(behindLinks(database));
+  const QString copy = u"tmp"_s + file.fileName() + u".mdb"_s;
+  // the copy first: once it is gone, the database is there
+  const bool copied = files().FileExists(file.path() + u'/' + copy);
+  if (files().FileExists(database)) return true;
+  if (!copied) return false;
+  const auto failure = tolerate(
+      [&] { CreateObject<platform::dao::DBEngine>(u"DAO.DBEngine"_s)->OpenDatabase(file.filePath()); });
+  if (!failure) return true;
+  if (failure->number() != platform::sql::errors::fileNotFound) throw Failure(*failure);
+  refuseCopyAlone(file, copy);
 }
 
 /// What the folder leads to; none when the search has to begin again.
@@ -159,7 +190,7 @@ std::optional<QString> lookIntoFolder() {
   if (files().FileExists(database)) return useAccessFile(database);
   const QString connection = values.gReportValue + u'\\' + connectionFileName;
   if (!files().FileExists(connection)) {
-    refuseCopyAlone(values.gReportValue);
+    if (isBackAgain(database)) return std::nullopt;
     return values.blnMayCreateDatabase ? createByUsersChoice(database, connection) : QString();
   }
   const QString text = readConnectionFile(connection);

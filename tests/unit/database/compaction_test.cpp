@@ -11,7 +11,8 @@ using platform::Failure;
 
 namespace {
 const QString temporaryName = QStringLiteral("tmpHourbook3.mdb.mdb");
-}
+constexpr int longWait = 60000;
+}  // namespace
 
 class Compaction : public testing::Test {
  protected:
@@ -86,6 +87,50 @@ TEST_F(Compaction, ACopyThatCannotBeRenamedIsAllThatIsLeft) {
                   [] { subSetupConnection(); });
   EXPECT_FALSE(w.exists());
   ASSERT_TRUE(QFile::rename(w.path(temporaryName), w.path()));  // as an administrator would
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}
+
+TEST_F(Compaction, ACopyAloneBesideTheTargetOfALinkIsToldAndNoDatabaseIsMade) {
+  QTemporaryDir shared;
+  const QString real = shared.filePath(u"team.mdb"_qs), copy = shared.filePath(u"tmpteam.mdb.mdb"_qs);
+  ASSERT_TRUE(QFile::rename(w.path(), copy));
+  ASSERT_TRUE(QFile::link(real, w.path()));
+  w.database->blnMayCreateDatabase = true;
+  w.expectFailure(u"fncGetConnection"_qs,
+                  u"\"team.mdb\" is missing from \"%1\", and its compacted copy \"tmpteam.mdb.mdb\""_qs.arg(
+                      shared.path()),
+                  [] { subSetupConnection(); });
+  EXPECT_FALSE(QFile::exists(real));
+  ASSERT_TRUE(QFile::rename(copy, real));
+  w.database->gConnection.reset();
+  subSetupConnection();
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}
+
+TEST_F(Compaction, ADatabaseThatAnotherProgramCompactsAtThatMomentIsWaitedFor) {
+  const auto patient = std::make_shared<platform::sql::sqlite::SqliteDriver>(longWait, tests::noWait);
+  const auto engine = std::make_shared<platform::sql::sqlite::SqliteEngine>(0, tests::noWait);
+  platform::dao::registerComponents(w.world.components, patient, engine);
+  contract::OtherProcess other([&](const contract::OtherProcess::Wire& wire) {
+    const auto held = engine->compact(w.path(), w.path(temporaryName));
+    if (!QFile::remove(w.path())) return 1;
+    wire.tell();
+    contract::awaitOpenInTest(w.path(u"Hourbook3.ldb"_qs));
+    return QFile::rename(w.path(temporaryName), w.path()) ? 0 : 2;
+  });
+  other.await();
+  subSetupConnection();
+  EXPECT_EQ(other.finish(), 0);
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}
+
+TEST_F(Compaction, ADatabaseThatComesBackBetweenTwoLooksIsNoReasonToMakeOne) {
+  ASSERT_TRUE(QFile::rename(w.path(), w.path(temporaryName)));
+  w.database->blnMayCreateDatabase = true;  // nobody answers the question whether to
+  w.files->looked = [&](const QString& path) {
+    if (path.endsWith(databaseFileName)) QFile::rename(w.path(temporaryName), w.path());
+  };
+  subSetupConnection();
   EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
 }
 

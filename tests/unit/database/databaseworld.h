@@ -26,8 +26,14 @@ class FailingFiles : public platform::scripting::FileSystemObject {
   struct Faults {
     QString failDelete;  // part of a path
     bool failRename = false;
+    std::function<void(const QString&)> looked;  // after each look for a file
   };
   explicit FailingFiles(std::shared_ptr<Faults> faults) : faults_(std::move(faults)) {}
+  bool FileExists(const QString& path) const override {
+    const bool found = FileSystemObject::FileExists(path);
+    if (faults_->looked) faults_->looked(path);
+    return found;
+  }
   void DeleteFile(const QString& path, bool force) override {
     if (!faults_->failDelete.isEmpty() && path.contains(faults_->failDelete))
       throw platform::Failure(platform::failure::permissionDenied,
