@@ -189,34 +189,55 @@ void SqliteSession::fail(const QSqlError& error, const QString& statement) const
                   label_);
 }
 
-/// A statement that writes is kept as the engine has read it: a report sends the same one for each row. One
-/// that reads is read anew, since what it answers may have got other columns.
-std::shared_ptr<QSqlQuery> SqliteSession::prepared(const QString& sql, bool isKept) {
-  if (const auto known = isKept ? prepared_.value(sql) : nullptr) return known;
+std::shared_ptr<QSqlQuery> SqliteSession::prepared(const QString& sql, const QString& key) {
+  if (const auto known = key.isEmpty() ? nullptr : prepared_.value(key)) return known;
   const QString statement = storedText(fromAccess(sql));
   auto query = std::make_shared<QSqlQuery>(database());
   query->setForwardOnly(true);
   if (!query->prepare(statement)) fail(query->lastError(), statement);
-  if (!isKept || query->isSelect()) return query;
-  if (prepared_.size() >= mostPrepared) prepared_.clear();
-  prepared_.insert(sql, query);
   return query;
 }
 
+/// Where another program has changed a table, the engine shows of it only while a statement is carried out;
+/// it reads the statement anew then, and of a question for all columns Qt writes those that are new past the
+/// end of the row that it has made room for. So the engine looks before such a question is read, and what is
+/// returned keeps others from changing a table until it ends.
+std::shared_ptr<QSqlQuery> SqliteSession::tablesHeld(const QString& sql) const {
+  if (!sql.contains(u'*') || !sql.trimmed().startsWith(u"select", Qt::CaseInsensitive)) return nullptr;
+  auto look = std::make_shared<QSqlQuery>(database());
+  look->setForwardOnly(true);
+  if (!look->exec(QStringLiteral("SELECT count(*) FROM sqlite_master"))) fail(look->lastError(), sql);
+  return look;
+}
+
+/// A statement that writes is kept as the engine has read it: a report sends the same one for each row. One
+/// that reads is read anew, since what it answers may have got other columns; which of the two it is shows
+/// once it has been carried out.
+void SqliteSession::keep(const QString& key, const std::shared_ptr<QSqlQuery>& query) {
+  if (key.isEmpty() || prepared_.contains(key)) return;
+  if (prepared_.size() >= mostPrepared) prepared_.clear();
+  prepared_.insert(key, query);
+}
+
 Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& parameters) {
-  const std::shared_ptr<QSqlQuery> held = prepared(sql, !parameters.isEmpty());
+  // by their number as well: a kept query would take what is missing from the values of last time
+  const QString key = parameters.isEmpty() ? QString() : QString::number(parameters.size()) + u' ' + sql;
+  auto tables = tablesHeld(sql);
+  const std::shared_ptr<QSqlQuery> held = prepared(sql, key);
   QSqlQuery& query = *held;
   for (int i = 0; i < parameters.size(); ++i) query.bindValue(i, toStored(parameters[i]));
   if (!query.exec()) {
-    prepared_.remove(sql);
+    prepared_.remove(key);
     fail(query.lastError(), query.lastQuery());
   }
+  tables.reset();
 
   Result result;
   if (!query.isSelect()) {
     result.affected = qMax(0, query.numRowsAffected());
     result.lastId = query.lastInsertId().toLongLong();
     query.finish();
+    keep(key, held);
     return result;
   }
   QList<QVariantList> stored;

@@ -52,7 +52,9 @@ class SqliteSession : public Session {
 
  private:
   QSqlDatabase database() const;
-  std::shared_ptr<QSqlQuery> prepared(const QString& sql, bool isKept);
+  std::shared_ptr<QSqlQuery> tablesHeld(const QString& sql) const;
+  std::shared_ptr<QSqlQuery> prepared(const QString& sql, const QString& key);
+  void keep(const QString& key, const std::shared_ptr<QSqlQuery>& query);
   bool catalogued() const;
   QList<Column> describe(const QSqlRecord& record, const QList<QList<QVariant>>& rows);
   QList<basic::Value> valuesOf(const QSqlRecord& record, const QList<Column>& columns,
@@ -64,7 +66,7 @@ class SqliteSession : public Session {
   QString connection_;
   QString label_;
   std::shared_ptr<const LockFile> lock_;
-  QHash<QString, std::shared_ptr<QSqlQuery>> prepared_;  // by what was asked for
+  QHash<QString, std::shared_ptr<QSqlQuery>> prepared_;  // by number of parameters and text
   int depth_ = 0;                                        // of transactions
 };
 

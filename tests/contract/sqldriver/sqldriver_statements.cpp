@@ -280,6 +280,42 @@ TEST_P(SqlDriver, AStatementThatWasSentBeforeHoldsForTheTableAsItIsNow) {
   EXPECT_EQ(found.rows[1][0], Value(qint32{8}));
 }
 
+TEST_P(SqlDriver, AQuestionThatWasAskedBeforeShowsAColumnThatAnotherProgramHasAdded) {
+  const auto session = connect();
+  createTables(*session);
+  session->execute(u"insert into tblPersons (strPersonName) values ('Ann')"_qs);
+  const auto other = connect();
+  const QString all = u"select * from tblPersons"_qs, hers = all + u" where strPersonName = ?"_qs;
+  const QList<Value> none, ann{Value(u"Ann"_qs)};
+  int columns = 2;
+  for (const bool isOfOne : {true, false, true}) {
+    SCOPED_TRACE(columns);
+    const auto ask = [&] { return session->execute(isOfOne ? hers : all, isOfOne ? ann : none); };
+    for (int asked = 0; asked < 2; ++asked) ASSERT_EQ(ask().rows.value(0).size(), columns);
+    const QString added = u"strAdded%1"_qs.arg(columns);
+    context->engine().addColumn(*other, u"tblPersons"_qs, text(added));
+    other->execute(u"update tblPersons set %1 = 'Ulm'"_qs.arg(added));
+    const Result found = ask();
+    ASSERT_EQ(found.columns.size(), ++columns);
+    EXPECT_EQ(found.columns.last().name, added);
+    ASSERT_EQ(found.rows.value(0).size(), columns);
+    EXPECT_EQ(found.rows[0].last(), Value(u"Ulm"_qs));
+  }
+}
+
+TEST_P(SqlDriver, AStatementThatIsSentAgainWithTooFewValuesIsRefused) {
+  const auto session = connect();
+  createTables(*session);
+  const QString change = u"update tblPersons set strPersonName = ? where strPersonName = ?"_qs;
+  session->execute(u"insert into tblPersons (strPersonName) values ('Ann')"_qs);
+  EXPECT_EQ(session->execute(change, {Value(u"Bo"_qs), Value(u"Ann"_qs)}).affected, 1);
+  EXPECT_EQ(session->execute(change, {Value(u"Ann"_qs), Value(u"Bo"_qs)}).affected, 1);
+  EXPECT_NE(failureNumber([&] { session->execute(change, {Value(u"Cid"_qs)}); }), 0);
+  EXPECT_NE(failureNumber([&] { session->execute(change); }), 0);
+  EXPECT_EQ(single(*session, u"select strPersonName from tblPersons"_qs), Value(u"Ann"_qs));
+  EXPECT_EQ(session->execute(change, {Value(u"Bo"_qs), Value(u"Ann"_qs)}).affected, 1);
+}
+
 TEST_P(SqlDriver, AFailedStatementCanBeSentAgainWithOtherValues) {
   const auto session = connect();
   createTables(*session);
