@@ -37,29 +37,38 @@ bool isMissing(const QByteArray& path) {
   return ::lstat(path.constData(), &found) != 0 && errno == ENOENT;
 }
 
-/// An empty file; who may use the database may use its lock file. Another program that makes it at the same
-/// time does as well.
-void make(const QString& database, const QByteArray& path) {
+/// An empty file, which a crash may take with it; who may use the database may use its lock file. False where
+/// it cannot be made; another program that makes it at the same time does as well.
+bool make(const QString& database, const QByteArray& path) {
   const QString name = QFile::decodeName(path);
   constexpr qint64 olderThanSeconds = 3600;
   const auto isOurs = [&](const QString& target) {
     return target == QFileInfo(name).fileName() || target == QFileInfo(database).fileName();
   };
   files::sweepLitter(QFileInfo(name).path(), olderThanSeconds, isOurs);  // what a crash has left right here
-  if (files::replaceFile(name, {}, files::Fingerprint{}).outcome != files::Outcome::Written) return;
   struct stat file {};
-  if (::stat(QFile::encodeName(database).constData(), &file) != 0) return;
-  ::chmod(path.constData(), file.st_mode & readAndWrite);  // where it fails, the others do without the lock
+  if (::stat(QFile::encodeName(database).constData(), &file) != 0) file.st_mode = readAndWrite;
+  const mode_t mode = file.st_mode & readAndWrite;
+  const int made = ::open(path.constData(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW, mode);
+  if (made < 0) return errno == EEXIST;
+  ::fchmod(made, mode);  // where it fails, the others do without the lock
+  ::close(made);
+  return true;
 }
 
 /// -1 where the file cannot be had.
 int opened(const QString& database, const QByteArray& path) {
-  if (isMissing(path)) make(database, path);
+  constexpr int mostAttempts = 50;
   // network file systems give a lock for one alone only on what is open for writing
   constexpr int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-  const int descriptor = ::open(path.constData(), O_RDWR | flags);
-  if (descriptor >= 0 || (errno != EACCES && errno != EROFS)) return descriptor;
-  return ::open(path.constData(), O_RDONLY | flags);
+  for (int attempt = 1;; ++attempt) {
+    if (isMissing(path) && !make(database, path)) return -1;
+    int descriptor = ::open(path.constData(), O_RDWR | flags);
+    if (descriptor < 0 && (errno == EACCES || errno == EROFS))
+      descriptor = ::open(path.constData(), O_RDONLY | flags);
+    // its last user may have removed it since it was seen
+    if (descriptor >= 0 || errno != ENOENT || attempt == mostAttempts) return descriptor;
+  }
 }
 
 /// Is the open file still the one that stands under its name? Its last user may have removed it meanwhile.

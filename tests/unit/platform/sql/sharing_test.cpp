@@ -12,11 +12,13 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 using namespace platform::sql;
 using namespace platform::sql::sqlite;
@@ -36,9 +38,39 @@ class OverNetwork {
   static inline bool on = false;
 };
 
+/// While it lives, something happens once, right after that file has been looked for.
+class AfterALook {
+ public:
+  AfterALook(const QString& path, std::function<void()> what) {
+    awaited = QFile::encodeName(path);
+    happens = std::move(what);
+  }
+  ~AfterALook() {
+    EXPECT_FALSE(happens) << "nobody has looked";
+    happens = {};
+  }
+  AfterALook(const AfterALook&) = delete;
+  AfterALook& operator=(const AfterALook&) = delete;
+  static void looked(const char* path) {
+    if (happens && awaited == path) std::exchange(happens, {})();
+  }
+
+ private:
+  static inline QByteArray awaited;
+  static inline std::function<void()> happens;
+};
+
 }  // namespace
 
 // in place of the system's in this program of tests
+extern "C" int lstat(const char* path, struct stat* found) noexcept {
+  const int result = ::fstatat(AT_FDCWD, path, found, AT_SYMLINK_NOFOLLOW);
+  const int error = errno;
+  AfterALook::looked(path);
+  errno = error;
+  return result;
+}
+
 extern "C" int flock(int descriptor, int operation) noexcept {
   const bool reading = (::fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDONLY;
   if (OverNetwork::on && (operation & LOCK_EX) != 0 && reading) {
@@ -111,6 +143,19 @@ TEST_F(Sharing, TheLockFileStandsBesideTheDatabaseAndGoesWithItsLastUser) {
   EXPECT_TRUE(QFile::exists(lock));
   two.reset();
   EXPECT_FALSE(QFile::exists(lock));
+}
+
+TEST_F(Sharing, WhoComesWhileTheLastUserGoesMakesTheLockFileAnew) {
+  auto last = open();
+  {
+    const AfterALook goes(lock, [&] { last.reset(); });
+    const auto next = open();
+    EXPECT_TRUE(QFile::exists(lock)) << "the next one works under the lock, too";
+    EXPECT_EQ(numberOf([&] { compact(); }), errors::locked);
+  }
+  last = open();
+  const AfterALook goes(lock, [&] { last.reset(); });
+  EXPECT_EQ(numberOf([&] { compact(); }), 0);
 }
 
 TEST_F(Sharing, WhoMakesTheLockFileTakesTheLitterOfItsDatabaseAndOfNothingElse) {
