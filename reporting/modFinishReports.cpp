@@ -52,13 +52,17 @@ std::shared_ptr<MAPIFolder> folderOf(const QString& id) {
 /// One run of the journal.
 class Finisher {
  public:
-  Finisher(const ReportRun& run, const QString& file)
-      : run_(run), before_(fncJournalText(run)), file_(file), reasons_(run.rows.size()) {}
+  /// A database that could not be asked about an earlier run (`unreachable` tells why) is not asked again:
+  /// each try may wait for its server.
+  Finisher(const ReportRun& run, const QString& file, QString& unreachable)
+      : run_(run),
+        before_(fncJournalText(run)),
+        file_(file),
+        unreachable_(unreachable),
+        reasons_(run.rows.size()) {}
 
-  /// Not a database that could not be asked about an earlier run (`unreachable` tells why): each try may wait
-  /// for its server.
-  void askTarget(QString& unreachable) {
-    const QString reason = fncAsk(unreachable);
+  void askTarget() {
+    const QString reason = fncAsk();
     for (qsizetype i = 0; i < run_.rows.size(); ++i)
       if (!run_.rows[i].stored) reasons_[i] = reason;
   }
@@ -108,17 +112,23 @@ class Finisher {
 
  private:
   /// Why the target could not say which rows it has, or nothing.
-  QString fncAsk(QString& unreachable) {
+  QString fncAsk() {
     bool open = false;
     for (const ReportedRow& row : run_.rows) open = open || !row.stored;
     if (!open) return {};
-    if (isDatabase(run_.target) && !unreachable.isEmpty()) return blocked_ = unreachable;
+    if (isUnreachable()) return blocked_ = unreachable_;
     QString reason;
     const auto failure = tolerate([&] { reason = fncAskIt(); });
     if (!failure) return reason;
-    blocked_ = u"the place that it was reported to cannot be asked: "_s + failure->description();
-    if (isDatabase(run_.target)) unreachable = blocked_;
-    return blocked_;
+    return blocked_ = fncBlockedBy(*failure);
+  }
+
+  bool isUnreachable() const { return isDatabase(run_.target) && !unreachable_.isEmpty(); }
+
+  QString fncBlockedBy(const Failure& failure) {
+    const QString reason = u"the place that it was reported to cannot be asked: "_s + failure.description();
+    if (isDatabase(run_.target)) unreachable_ = reason;
+    return reason;
   }
 
   /// The file of an appointment may have got another name, by which the list will know it.
@@ -178,17 +188,18 @@ class Finisher {
   }
 
   /// A stamp that was there already may be one of this run, or of another computer that knew nothing of it
-  /// and reported the appointment as well.
+  /// and reported the appointment as well. Where that cannot be asked it is not told: most are of this run.
   QStringList fncReportedTwice() {
     QStringList twice;
-    tolerate([&] {
-      if (stampedBefore_.isEmpty()) return;
+    if (stampedBefore_.isEmpty() || isUnreachable()) return twice;
+    const auto failure = tolerate([&] {
       const auto target = fncAskableTarget(run_.target);
       if (!target || target->Place() != run_.place) return;
       const auto again = target->StoredAgain(run_);
       for (const qsizetype i : std::as_const(stampedBefore_))
         if (again[i]) twice.append(fncShown(run_.rows[i]));
     });
+    if (failure) fncBlockedBy(*failure);
     return twice;
   }
 
@@ -217,6 +228,7 @@ class Finisher {
   ReportRun run_;
   QByteArray before_;
   QString file_;
+  QString& unreachable_;
   QStringList reasons_;  // why a row is left; empty: it is done
   QString blocked_;      // why the present place could not be asked
   QStringList changed_;
@@ -253,8 +265,8 @@ void finishRun(const QString& file, FinishedReports& finished, QString& unreacha
     finished.news.append(u"The journal of an interrupted report cannot be read now: "_s + finished.blocked);
     return;
   }
-  Finisher finisher(run, file);
-  finisher.askTarget(unreachable);
+  Finisher finisher(run, file, unreachable);
+  finisher.askTarget();
   finisher.stampAll();
   finisher.close(finished);
 }

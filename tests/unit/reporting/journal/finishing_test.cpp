@@ -413,6 +413,24 @@ TEST_F(Finishing, WithAServerThatCannotBeReachedGoesOnAndAsksItOnceForAllRuns) {
   EXPECT_EQ(w.journals(), QStringList());
 }
 
+TEST_F(Finishing, WithAServerThatCannotBeReachedAsksItOnceForSecondLinesOfAllRuns) {
+  addThree();
+  w.crashBeforeTheStamps();
+  platform::calendar::Change stamped;
+  stamped.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  for (int row = 1; row <= 3; ++row) w.memory->changeByAnother(w.folderId, w.keyOf(row), stamped);
+  w.rewrite([](ReportRun& run) {
+    for (ReportedRow& row : run.rows) row.stored = platform::basic::Date::of(2024, 5, 15);
+  });
+  const cReportJournal journal(w.journalFolder());
+  journal.Add(w.run());
+  journal.Add(w.run());
+  w.plan->onConnect = platform::Failure(platform::sql::errors::connectionFailed, u"No answer within 15 s."_s);
+  w.start();  // and no word
+  EXPECT_EQ(w.plan->statements.count(u"connect"_s), 1) << "each try may wait for the server";
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
 TEST_F(Finishing, WithADatabaseThatFailsKeepsTheJournal) {
   addThree();
   w.crashBeforeTheStamps();
