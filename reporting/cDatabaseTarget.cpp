@@ -160,8 +160,9 @@ QString fncPlaceOfConnection(const QString& strConnection) {
   const QString database = keys::database(connection);
   if (provider.startsWith(u"microsoft."_s)) return provider + u' ' + filePlace(keys::server(connection));
   if (database.isEmpty())  // then it follows from the login
-    return u"%1 %2 %3 of %4"_s.arg(provider, keys::server(connection).toLower(), connection.value(u"Port"_s),
-                                   keys::firstValue(connection, {"User ID", "UID", "User"}));
+    return u"%1 %2 %3 of %4"_s.arg(
+        provider, keys::server(connection).toLower(), connection.value(u"Port"_s),
+        keys::firstValue(connection, {"User ID", "UID", "User", "UserName", "User Name"}));
   return u"%1 %2 %3 %4"_s.arg(provider, keys::server(connection).toLower(), connection.value(u"Port"_s),
                               database);
 }

@@ -158,6 +158,13 @@ TEST(Journal, KnowsADatabaseWithoutWhoLogsOn) {
   EXPECT_EQ(fncPlaceOfConnection(text), u"sqloledb tellus  Hourbook"_s);
 }
 
+TEST(Journal, KnowsADatabaseThatFollowsFromTheLoginByTheLoginUnderAnyOfItsNames) {
+  for (const QString& key : {u"User ID"_s, u"UID"_s, u"User"_s, u"UserName"_s, u"User Name"_s})
+    EXPECT_EQ(fncPlaceOfConnection(u"Provider=PostgreSQL;Data Source=Tellus;%1=jane"_s.arg(key)),
+              u"postgresql tellus  of jane"_s)
+        << qPrintable(key);
+}
+
 TEST(Journal, KeepsTheRowsOutThatTheTargetRefuses) {
   JournalWorld w;
   w.addComplete(u"a"_s);
