@@ -30,6 +30,8 @@ class LentSession : public sql::Session {
   void rollback() override { real_.rollback(); }
   QStringList tables() override { return real_.tables(); }
   QList<sql::Column> columns(const QString& table) override { return real_.columns(table); }
+  QString token() override { return real_.token(); }
+  void settle(const QString& token) override { real_.settle(token); }
 
  private:
   sql::Session& real_;

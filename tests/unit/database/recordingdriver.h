@@ -49,6 +49,8 @@ class RecordingDriver : public platform::sql::Driver {
     }
     QStringList tables() override { return inner_->tables(); }
     QList<platform::sql::Column> columns(const QString& table) override { return inner_->columns(table); }
+    QString token() override { return inner_->token(); }
+    void settle(const QString& token) override { inner_->settle(token); }
 
    private:
     static QString inOneLine(QString text) {

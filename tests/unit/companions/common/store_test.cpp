@@ -174,4 +174,11 @@ TEST_F(CommonReading, LendsAConnectionThatCanBeClosedWithoutLosingTheSession) {
   EXPECT_TRUE(database.isAccess());
 }
 
+TEST_F(CommonReading, OverALentConnectionAnEarlierSessionIsSettled) {
+  HeldConnection database(place());
+  database.lend();
+  databaseValues().gConnection->session().settle(u"earlier"_s);
+  EXPECT_TRUE(db.plan->statements.contains(u"settle earlier"_s));
+}
+
 }  // namespace hourbook::tests
