@@ -190,7 +190,10 @@ ResultPointer Connection::answered(int sent, const QString& statement, int secon
                 .arg(label_)
                 .arg(seconds));
       }
-      if (PQconsumeInput(connection_.get()) == 0) break;  // lost, which the next answer tells
+      // Twice: the library may take only the first half of a long encrypted record, and of the rest, which is
+      // here already, the socket tells nothing.
+      if (PQconsumeInput(connection_.get()) == 0 || PQconsumeInput(connection_.get()) == 0)
+        break;  // lost, which the next answer tells
       deadline.setRemainingTime(qint64{seconds} * 1000);
     }
     ResultPointer next(PQgetResult(connection_.get()));
