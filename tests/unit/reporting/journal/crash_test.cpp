@@ -8,6 +8,7 @@
 #include "tests/support/quickfolder.h"
 
 #include <csignal>
+#include <functional>
 #include <sys/wait.h>
 
 using namespace hourbook;
@@ -189,17 +190,27 @@ int momentsOfAReport(bool oneFile, int rows) {
   return count;
 }
 
-/// Reports in a process that is killed at that moment; false when it has got to its end before.
-bool reportKilledAt(CrashWorld& world, int moment) {
+/// Does that in a process that is killed at that moment; false when it has got to its end before.
+bool isKilledAt(CrashWorld& world, int moment, const std::function<void()>& work) {
   const pid_t child = ::fork();
   if (child == 0) {
-    const Moments moments(world, moment);
-    world.reportTheRest();
-    ::_exit(0);
+    int code = 1;
+    try {
+      const Moments moments(world, moment);
+      work();
+      code = 0;
+    } catch (...) {  // or the tests would go on here as well
+    }
+    ::_exit(code);
   }
   int status = 0;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_FALSE(WIFEXITED(status) && WEXITSTATUS(status) != 0) << "it has failed";
   return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+bool reportKilledAt(CrashWorld& world, int moment) {
+  return isKilledAt(world, moment, [&] { world.reportTheRest(); });
 }
 
 class Killed : public testing::TestWithParam<bool> {};
@@ -238,14 +249,7 @@ TEST_P(Killed, TheProgramThatFinishesAReportMayBeKilledAsWell) {
     world.reset();
     world.begin();
     reportKilledAt(world, moments / 2);
-    const pid_t child = ::fork();
-    if (child == 0) {
-      const Moments counted(world, moment);
-      subFinishReportsAtStart();
-      ::_exit(0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    isKilledAt(world, moment, [] { subFinishReportsAtStart(); });
     world.begin();
     world.expectNoStampWithoutARow();
     world.reportTheRest();
