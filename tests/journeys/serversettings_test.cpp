@@ -34,6 +34,20 @@ class ServerSettingsJourney : public testing::Test {
     settings.type("txtConnection", text);
   }
 
+  /// From nothing to the list of a week, with the settings leading to the server.
+  void fetchOnTheServer(Journey& j) const {
+    empty(j);
+    {
+      Settings settings(j);
+      chooseCalendar(j, settings);
+      chooseServer(settings, connection());
+      chooseListsAndSave(settings);
+    }
+    j.start();
+    ASSERT_TRUE(j.hasWindow());
+    j.fetch(may(13), may(19));
+  }
+
   /// What the program has stored, as the server's own program shows it.
   QStringList reported() const {
     return psql(u"Hourbook3SQL"_s,
@@ -92,16 +106,7 @@ TEST_F(ServerSettingsJourney, WhoMistypesTheDatabaseIsToldSoAndMayMendIt) {
 
 TEST_F(ServerSettingsJourney, AServerThatIsGoneAtTheReportTakesItTheNextTime) {
   Journey j;
-  empty(j);
-  {
-    Settings settings(j);
-    chooseCalendar(j, settings);
-    chooseServer(settings, connection());
-    chooseListsAndSave(settings);
-  }
-  j.start();
-  ASSERT_TRUE(j.hasWindow());
-  j.fetch(may(13), may(19));
+  ASSERT_NO_FATAL_FAILURE(fetchOnTheServer(j));
   server.kill();
   j.world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
   j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
@@ -120,16 +125,7 @@ TEST_F(ServerSettingsJourney, AServerThatIsGoneAtTheReportTakesItTheNextTime) {
 
 TEST_F(ServerSettingsJourney, AReportThatWasInterruptedWaitsForAServerThatIsGoneAtTheStart) {
   Journey j;
-  empty(j);
-  {
-    Settings settings(j);
-    chooseCalendar(j, settings);
-    chooseServer(settings, connection());
-    chooseListsAndSave(settings);
-  }
-  j.start();
-  ASSERT_TRUE(j.hasWindow());
-  j.fetch(may(13), may(19));
+  ASSERT_NO_FATAL_FAILURE(fetchOnTheServer(j));
   const QString file = j.calendar() + u"/visit.ics"_s;
   QFile::setPermissions(file, QFile::ReadOwner);  // the stamp cannot be written
   j.world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
