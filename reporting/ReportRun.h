@@ -19,6 +19,7 @@ struct ReportLine {
   std::optional<float> hours;
   std::array<QString, metaCount> names;               // of the three lists; empty where nothing was chosen
   std::array<std::optional<qint32>, metaCount> keys;  // where the target keeps keys
+  bool operator==(const ReportLine&) const = default;
 };
 
 /// A row that is about to be stored, and its appointment as it was then.
@@ -32,6 +33,11 @@ struct ReportedRow {
   ReportLine line;
   /// The target has said that the line stands there, and when it was reported. Empty: not asked yet.
   std::optional<platform::basic::Date> stored;
+  /// Its appointment bears a stamp, and the row is only kept for a question that is still open, of itself or
+  /// of an equal one.
+  bool settled = false;
+  /// The stamp was there already: somebody else may have reported the appointment as well.
+  bool stampedElsewhere = false;
 };
 
 /// One report from before its first row until all its appointments are stamped.

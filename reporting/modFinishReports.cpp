@@ -12,6 +12,8 @@
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
 
+#include <algorithm>
+
 namespace hourbook {
 
 using namespace Qt::StringLiterals;
@@ -70,7 +72,7 @@ class Finisher {
   void stampAll() {
     QStringList folders;
     for (const ReportedRow& row : run_.rows)
-      if (row.stored && !folders.contains(row.folder)) folders.append(row.folder);
+      if (isToBeStamped(row) && !folders.contains(row.folder)) folders.append(row.folder);
     for (const QString& folder : folders) {
       const auto failure = tolerate([&] { stampIn(folder); });
       if (failure) giveReason(folder, failure->description());
@@ -79,35 +81,30 @@ class Finisher {
 
   /// Drops what is done from the journal, and keeps the rest.
   void close(FinishedReports& finished) {
-    QList<ReportedRow> left;
     for (qsizetype i = 0; i < run_.rows.size(); ++i) {
-      if (reasons_[i].isEmpty()) continue;
+      run_.rows[i].settled = reasons_[i].isEmpty();
+      if (run_.rows[i].settled) continue;
       findAgain(run_.rows[i]);
-      left.append(run_.rows[i]);
       finished.unsettled.append({file_, run_.rows[i], reasons_[i]});
     }
     if (!changed_.isEmpty())
       finished.news.append(
           u"These appointments have been changed since they were reported, and are stamped as reported now:"_s +
           vbCrLf + fncNamed(changed_));
-    if (const QStringList twice = fncReportedTwice(); !twice.isEmpty())
+    const auto twice = fncReportedTwice();
+    if (twice && !twice->isEmpty())
       finished.news.append(
           u"A report of these appointments was interrupted here, and they have been stamped from elsewhere "
           "since. The database has a second line of each: where it is one too many, it has to be removed "
           "there:"_s +
-          vbCrLf + fncNamed(twice));
-    run_.rows = left;
-    const QString text = fncNews();
-    if (!left.isEmpty() && text != run_.told) {
-      finished.news.append(text);
-      run_.told = text;
-    }
-    if (!left.isEmpty() && finished.blocked.isEmpty()) finished.blocked = blocked_;
-    if (left.isEmpty())
+          vbCrLf + fncNamed(*twice));
+    tellLeft(finished);
+    keepLeft(!twice);
+    if (!run_.rows.isEmpty() && finished.blocked.isEmpty()) finished.blocked = blocked_;
+    if (run_.rows.isEmpty())
       cReportJournal::Remove(file_);
     else if (fncJournalText(run_) != before_)
       cReportJournal::Write(file_, run_);
-    subLog(u"Worked off an interrupted report: %1 of its appointments are left"_s.arg(left.size()));
   }
 
  private:
@@ -151,14 +148,15 @@ class Finisher {
     return {};
   }
 
+  static bool isToBeStamped(const ReportedRow& row) { return row.stored && !row.settled; }
+
   void stampIn(const QString& id) {
     const auto folder = folderOf(id);
     folder->HoldSaves();
     for (qsizetype i = 0; i < run_.rows.size(); ++i) {
-      if (run_.rows[i].folder != id || !run_.rows[i].stored) continue;
-      const auto failure = tolerate([&] {
-        if (!stampTwice(*folder, run_.rows[i])) stampedBefore_.append(i);
-      });
+      ReportedRow& row = run_.rows[i];
+      if (row.folder != id || !isToBeStamped(row)) continue;
+      const auto failure = tolerate([&] { row.stampedElsewhere = !stampTwice(*folder, row); });
       if (failure) reasons_[i] = failure->description();
     }
     for (const auto& unsaved : folder->FlushSaves())
@@ -188,31 +186,67 @@ class Finisher {
   }
 
   /// A stamp that was there already may be one of this run, or of another computer that knew nothing of it
-  /// and reported the appointment as well. Where that cannot be asked it is not told: most are of this run.
-  QStringList fncReportedTwice() {
+  /// and reported the appointment as well. None where that cannot be asked now.
+  std::optional<QStringList> fncReportedTwice() {
     QStringList twice;
-    if (stampedBefore_.isEmpty() || isUnreachable()) return twice;
+    if (std::none_of(run_.rows.cbegin(), run_.rows.cend(), isDoubtful)) return twice;
+    if (isUnreachable()) {
+      blocked_ = unreachable_;
+      return std::nullopt;
+    }
+    bool asked = true;
     const auto failure = tolerate([&] {
       const auto target = fncAskableTarget(run_.target);
-      if (!target || target->Place() != run_.place) return;
+      if (!target) return;
+      asked = target->Place() == run_.place;
+      if (!asked) return;
       const auto again = target->StoredAgain(run_);
-      for (const qsizetype i : std::as_const(stampedBefore_))
-        if (again[i]) twice.append(fncShown(run_.rows[i]));
+      for (qsizetype i = 0; i < run_.rows.size(); ++i)
+        if (isDoubtful(run_.rows[i]) && again[i]) twice.append(fncShown(run_.rows[i]));
     });
-    if (failure) fncBlockedBy(*failure);
+    if (failure) blocked_ = fncBlockedBy(*failure);
+    if (failure || !asked) return std::nullopt;
     return twice;
+  }
+
+  static bool isDoubtful(const ReportedRow& row) { return row.settled && row.stampedElsewhere; }
+
+  void tellLeft(FinishedReports& finished) {
+    const qsizetype left = std::count_if(reasons_.cbegin(), reasons_.cend(),
+                                         [](const QString& reason) { return !reason.isEmpty(); });
+    subLog(u"Worked off an interrupted report: %1 of its appointments are left"_s.arg(left));
+    if (left == 0) return;
+    const QString text = fncNews();
+    if (text == run_.told) return;
+    finished.news.append(text);
+    run_.told = text;
+  }
+
+  /// What waits for its stamp, and what is still to be asked about; with them the rows whose lines are equal
+  /// to theirs, or those would be taken for second ones.
+  void keepLeft(bool withQuestion) {
+    QList<ReportedRow> left, kept;
+    for (ReportedRow& row : run_.rows) {
+      if (row.settled && !withQuestion) row.stampedElsewhere = false;  // it has been asked about
+      if (!row.settled || row.stampedElsewhere) left.append(row);
+    }
+    for (const ReportedRow& row : std::as_const(run_.rows))
+      if (std::any_of(left.cbegin(), left.cend(),
+                      [&](const ReportedRow& other) { return other.line == row.line; }))
+        kept.append(row);
+    run_.rows = kept;
   }
 
   void giveReason(const QString& folder, const QString& reason) {
     for (qsizetype i = 0; i < run_.rows.size(); ++i)
-      if (run_.rows[i].folder == folder && run_.rows[i].stored) reasons_[i] = reason;
+      if (run_.rows[i].folder == folder && isToBeStamped(run_.rows[i])) reasons_[i] = reason;
   }
 
   QString fncNews() const {
     QStringList stored, unknown;
-    for (qsizetype i = 0, left = 0; i < reasons_.size(); ++i) {
+    for (qsizetype i = 0; i < reasons_.size(); ++i) {
       if (reasons_[i].isEmpty()) continue;
-      const ReportedRow& row = run_.rows[left++];
+      const ReportedRow& row = run_.rows[i];
       (row.stored ? stored : unknown).append(fncShown(row) + u": "_s + reasons_[i]);
     }
     QString text = u"The report of %1 was interrupted."_s.arg(run_.begun);
@@ -232,7 +266,6 @@ class Finisher {
   QStringList reasons_;  // why a row is left; empty: it is done
   QString blocked_;      // why the present place could not be asked
   QStringList changed_;
-  QList<qsizetype> stampedBefore_;  // rows
 };
 
 void setAside(const QString& file, const Failure& failure, FinishedReports& finished) {

@@ -39,10 +39,14 @@ QJsonObject ofLine(const ReportLine& line) {
 }
 
 QJsonObject ofRow(const ReportedRow& row) {
-  return {{u"calendar"_s, row.folder},   {u"appointment"_s, row.entryId},
-          {u"tag"_s, row.tag},           {u"subject"_s, row.subject},
-          {u"start"_s, row.start},       {u"minutes"_s, row.minutes},
-          {u"line"_s, ofLine(row.line)}, {u"stored"_s, ofMoment(row.stored)}};
+  QJsonObject object{{u"calendar"_s, row.folder},   {u"appointment"_s, row.entryId},
+                     {u"tag"_s, row.tag},           {u"subject"_s, row.subject},
+                     {u"start"_s, row.start},       {u"minutes"_s, row.minutes},
+                     {u"line"_s, ofLine(row.line)}, {u"stored"_s, ofMoment(row.stored)}};
+  // a version that does not know these finds the stamp, and the row done
+  if (row.settled) object.insert(u"settled"_s, true);
+  if (row.stampedElsewhere) object.insert(u"stampedElsewhere"_s, true);
+  return object;
 }
 
 QString text(const QJsonObject& object, const QString& key) {
@@ -93,6 +97,8 @@ ReportedRow rowOf(const QJsonObject& from) {
   row.minutes = number(from[u"minutes"], u"minutes"_s);
   row.line = lineOf(object(from[u"line"], u"line"_s));
   row.stored = momentOf(from[u"stored"]);
+  row.settled = from[u"settled"].toBool();
+  row.stampedElsewhere = from[u"stampedElsewhere"].toBool();
   return row;
 }
 

@@ -274,6 +274,111 @@ TEST_F(Finishing, TellsWhatAnotherComputerHasReportedAsWell) {
   EXPECT_EQ(w.journals(), QStringList());
 }
 
+namespace {
+/// The rows are known to be stored and could not be stamped, and have been stamped by another computer since.
+void stampElsewhere(tests::JournalWorld& w, const QList<int>& rows) {
+  w.calendar->failAlways(FailingCalendar::Operation::Save, tests::denied);
+  w.world.dialogs.expect(u"was interrupted"_s, ok);
+  w.start();
+  w.calendar->heal();
+  platform::calendar::Change stamped;
+  stamped.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  for (const int row : rows) w.memory->changeByAnother(w.folderId, w.keyOf(row), stamped);
+}
+
+void addSecondLine(tests::JournalWorld& w, const QString& subject) {
+  w.other()->execute(
+      u"insert into tblReports (numHours, strSubject, dtmDate, intPersonID, intMeta1ID, intMeta2ID, "
+      u"intMeta3ID) select numHours, strSubject, dtmDate, intPersonID, intMeta1ID, intMeta2ID, intMeta3ID "
+      "from tblReports where strSubject = '%1'"_s.arg(subject));
+}
+}  // namespace
+
+TEST_F(Finishing, TellsASecondLineAtTheNextStartWhereTheDatabaseCannotBeAskedNow) {
+  addThree();
+  w.crashBeforeTheStamps();
+  stampElsewhere(w, {1, 2});
+  addSecondLine(w, u"a"_s);
+  w.plan->onConnect = platform::Failure(platform::sql::errors::connectionFailed, u"No answer within 15 s."_s);
+  w.start();  // and no word
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+  EXPECT_EQ(w.run().rows.size(), 2) << "those that are to be asked about";
+  w.addComplete(u"d"_s);
+  w.world.dialogs.expect(u"Nothing was reported. Please try again later."_s, ok);
+  w.report();  // what were stored now might be taken for a second line
+  w.plan->clear();
+  w.world.dialogs.expect(u"The database has a second line of each"_s, ok);
+  w.start();
+  const QString text = w.world.dialogs.shown.last().text;
+  EXPECT_TRUE(text.endsWith(u"has to be removed there:\r\n\"a\" (2024-05-13)"_s)) << qPrintable(text);
+  EXPECT_EQ(w.journals(), QStringList());
+  EXPECT_EQ(w.stamp(1), u"5/3/2024 7:00:00 AM"_s);
+  w.start();  // and no word more
+}
+
+TEST_F(Finishing, TellsASecondLineWhereTheDatabaseIsLostBetweenTwoQuestions) {
+  addThree();
+  w.crashBeforeTheStamps();
+  platform::calendar::Change stamped;
+  stamped.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  w.memory->changeByAnother(w.folderId, w.keyOf(1), stamped);
+  addSecondLine(w, u"a"_s);
+  w.plan->rules.append({u"where intReportID >"_s, 1, -1, false, tests::diskFull, {}});
+  w.start();
+  EXPECT_EQ(w.run().rows.size(), 1);
+  w.plan->clear();
+  w.world.dialogs.expect(u"The database has a second line of each"_s, ok);
+  w.start();
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
+TEST_F(Finishing, TellsASecondLineOnceTheDatabaseOfThatReportIsThePresentOneAgain) {
+  addThree();
+  w.crashBeforeTheStamps();
+  stampElsewhere(w, {1});
+  addSecondLine(w, u"a"_s);
+  const QString place = w.run().place;
+  w.rewrite([](ReportRun& run) { run.place = u"elsewhere"_s; });
+  w.start();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true, true}));
+  w.addComplete(u"d"_s);
+  w.expectDone();
+  w.report();  // which that does not keep from reporting
+  EXPECT_EQ(w.storedRows(), 5);
+  w.rewrite([&](ReportRun& run) { run.place = place; });
+  w.world.dialogs.expect(u"The database has a second line of each"_s, ok);
+  w.start();
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
+TEST_F(Finishing, TakesEqualRowsForNoSecondOnesWhenItAsksLater) {
+  for (int i = 0; i < 2; ++i) w.addComplete(u"the same"_s);
+  w.crashBeforeTheStamps();
+  stampElsewhere(w, {2});
+  w.plan->onConnect = platform::Failure(platform::sql::errors::connectionFailed, u"No answer within 15 s."_s);
+  w.start();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, true}));
+  EXPECT_EQ(w.run().rows.size(), 2);
+  w.plan->clear();
+  w.start();  // and no word
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
+TEST_F(Finishing, TakesAnEqualRowThatWasSettledEarlierForNoSecondOne) {
+  for (int i = 0; i < 2; ++i) w.addComplete(u"the same"_s);
+  w.crashBeforeTheStamps();
+  w.calendar->failCall(FailingCalendar::Operation::Save, 2, tests::denied);
+  w.world.dialogs.expect(u"was interrupted"_s, ok);
+  w.start();
+  w.calendar->heal();
+  EXPECT_EQ(w.stamped(), QList<bool>({true, false}));
+  platform::calendar::Change stamped;
+  stamped.billingInformation = u"5/3/2024 7:00:00 AM"_s;
+  w.memory->changeByAnother(w.folderId, w.keyOf(2), stamped);
+  w.start();  // and no word
+  EXPECT_EQ(w.journals(), QStringList());
+}
+
 TEST_F(Finishing, TakesEqualRowsOfItsOwnForNoSecondOnes) {
   for (int i = 0; i < 2; ++i) w.addComplete(u"the same"_s);
   w.crashBeforeTheStamps();
@@ -428,6 +533,9 @@ TEST_F(Finishing, WithAServerThatCannotBeReachedAsksItOnceForSecondLinesOfAllRun
   w.plan->onConnect = platform::Failure(platform::sql::errors::connectionFailed, u"No answer within 15 s."_s);
   w.start();  // and no word
   EXPECT_EQ(w.plan->statements.count(u"connect"_s), 1) << "each try may wait for the server";
+  EXPECT_EQ(w.journals().size(), 3);
+  w.plan->clear();
+  w.start();
   EXPECT_EQ(w.journals(), QStringList());
 }
 

@@ -35,6 +35,7 @@ ReportRun sampleRun() {
   run.rows = {row, row};
   run.rows[1].stored.reset();
   run.rows[1].line.hours.reset();
+  run.rows[0].settled = run.rows[0].stampedElsewhere = true;
   return run;
 }
 
@@ -60,6 +61,8 @@ TEST(JournalText, ComesBackAsItWas) {
   EXPECT_EQ(back.rows[0].stored, run.rows[0].stored);
   EXPECT_FALSE(back.rows[1].stored);
   EXPECT_FALSE(back.rows[1].line.hours);
+  EXPECT_TRUE(back.rows[0].settled && back.rows[0].stampedElsewhere);
+  EXPECT_FALSE(back.rows[1].settled || back.rows[1].stampedElsewhere);
 }
 
 TEST(JournalText, WithKeysOfALaterReleaseIsReadAllTheSame) {
