@@ -151,33 +151,38 @@ QString behindLinks(const QString& path) {
   return real;
 }
 
+QString compactedName(const QFileInfo& database) {
+  return u"tmp"_s + database.fileName() + u".mdb"_s;
+}
+
 /// A missing database whose compacted copy stands alone: a compaction was interrupted between removing the
 /// old file and renaming the copy. Giving it its name is left to who can see what else happened in the
 /// folder; what must not happen is that a missing database is taken for one that never was, and a new one is
 /// made beside it.
-[[noreturn]] void refuseCopyAlone(const QFileInfo& database, const QString& copy) {
+[[noreturn]] void refuseCopyAlone(const QFileInfo& database) {
   throw Failure(
       platform::failure::fileNotFound,
       u"The database \"%1\" is missing from \"%2\", and its compacted copy \"%3\" stands there: a "
       u"compaction was interrupted before the copy was renamed. Unless somebody has taken the database away, "
       u"the copy holds all that was stored. Rename it to \"%1\", and start again."_s.arg(
-          database.fileName(), database.path(), copy));
+          database.fileName(), database.path(), compactedName(database)));
 }
+
+enum class Missing { BackAgain, CopyAlone, Absent };
 
 /// Of a database that was missing a moment ago, as it is whenever another program compacts it: that one holds
 /// its lock, and is waited for.
-bool isBackAgain(const QString& database) {
+Missing lookAgain(const QString& database) {
   const QFileInfo file(behindLinks(database));
-  const QString copy = u"tmp"_s + file.fileName() + u".mdb"_s;
   // the copy first: once it is gone, the database is there
-  const bool copied = files().FileExists(file.path() + u'/' + copy);
-  if (files().FileExists(database)) return true;
-  if (!copied) return false;
+  const bool copied = files().FileExists(file.path() + u'/' + compactedName(file));
+  if (files().FileExists(database)) return Missing::BackAgain;
+  if (!copied) return Missing::Absent;
   const auto failure = tolerate(
       [&] { CreateObject<platform::dao::DBEngine>(u"DAO.DBEngine"_s)->OpenDatabase(file.filePath()); });
-  if (!failure) return true;
+  if (!failure) return Missing::BackAgain;
   if (failure->number() != platform::sql::errors::fileNotFound) throw Failure(*failure);
-  refuseCopyAlone(file, copy);
+  return Missing::CopyAlone;
 }
 
 /// What the folder leads to; none when the search has to begin again.
@@ -188,14 +193,17 @@ std::optional<QString> lookIntoFolder() {
   values.gReportValue = fncStripSlash(values.gReportValue);
   const QString database = values.gReportValue + u'\\' + databaseFileName;
   if (files().FileExists(database)) return useAccessFile(database);
+  // before the connection file is looked for: the database wins over it, also while it is exchanged
+  const Missing missing = lookAgain(database);
+  if (missing == Missing::BackAgain) return std::nullopt;
   const QString connection = values.gReportValue + u'\\' + connectionFileName;
-  if (!files().FileExists(connection)) {
-    if (isBackAgain(database)) return std::nullopt;
-    return values.blnMayCreateDatabase ? createByUsersChoice(database, connection) : QString();
+  if (files().FileExists(connection)) {
+    const QString text = readConnectionFile(connection);
+    if (text.isEmpty()) return std::nullopt;
+    return useServer(text);
   }
-  const QString text = readConnectionFile(connection);
-  if (text.isEmpty()) return std::nullopt;
-  return useServer(text);
+  if (missing == Missing::CopyAlone) refuseCopyAlone(QFileInfo(behindLinks(database)));
+  return values.blnMayCreateDatabase ? createByUsersChoice(database, connection) : QString();
 }
 
 QString connectionString() {

@@ -134,6 +134,60 @@ TEST_F(Compaction, ADatabaseThatComesBackBetweenTwoLooksIsNoReasonToMakeOne) {
   EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
 }
 
+namespace {
+/// A connection file, as it stays behind where a team has gone from a server to the file.
+const QByteArray leftBehind = "Provider=SQLOLEDB.1;Data Source=server;Initial Catalog=Hourbook3SQL";
+}  // namespace
+
+TEST_F(Compaction, WithAConnectionFileBesideItADatabaseThatIsCompactedAtThatMomentIsWaitedForAsWell) {
+  w.write(connectionFileName, leftBehind);
+  const auto patient = std::make_shared<platform::sql::sqlite::SqliteDriver>(longWait, tests::noWait);
+  const auto engine = std::make_shared<platform::sql::sqlite::SqliteEngine>(0, tests::noWait);
+  platform::dao::registerComponents(w.world.components, patient, engine);
+  contract::OtherProcess other([&](const contract::OtherProcess::Wire& wire) {
+    const auto held = engine->compact(w.path(), w.path(temporaryName));
+    if (!QFile::remove(w.path())) return 1;
+    wire.tell();
+    contract::awaitOpenInTest(w.path(u"Hourbook3.ldb"_qs));
+    return QFile::rename(w.path(temporaryName), w.path()) ? 0 : 2;
+  });
+  other.await();
+  subSetupConnection();
+  EXPECT_EQ(other.finish(), 0);
+  EXPECT_EQ(reportTarget().ReportTo, 2);
+  EXPECT_EQ(w.database->gConnection->ConnectionString(), fncAccessConnection(w.shownPath()));
+  EXPECT_EQ(w.read(connectionFileName), leftBehind);
+}
+
+TEST_F(Compaction, WithAConnectionFileBesideItADatabaseThatComesBackBetweenTwoLooksIsUsed) {
+  w.write(connectionFileName, leftBehind);
+  ASSERT_TRUE(QFile::rename(w.path(), w.path(temporaryName)));
+  w.files->looked = [&](const QString& path) {
+    if (path.endsWith(databaseFileName)) QFile::rename(w.path(temporaryName), w.path());
+  };
+  subSetupConnection();
+  EXPECT_EQ(reportTarget().ReportTo, 2);
+  EXPECT_EQ(w.rows(u"select * from tblPersons"_qs), 1);
+}
+
+TEST_F(Compaction, ThatTakesTooLongIsToldAndNoServerIsAskedInstead) {
+  w.write(connectionFileName, leftBehind);
+  const auto held =
+      platform::sql::sqlite::SqliteEngine(0, tests::noWait).compact(w.path(), w.path(temporaryName));
+  ASSERT_TRUE(QFile::remove(w.path()));
+  reportTarget().ReportTo = 2;
+  w.expectFailure(u"fncGetConnection"_qs, u"is in use by another program"_qs, [] { subSetupConnection(); });
+  EXPECT_EQ(reportTarget().ReportTo, 2);
+}
+
+TEST_F(Compaction, ACopyThatNobodyIsMakingLeavesTheFolderToItsConnectionFile) {
+  w.write(connectionFileName, leftBehind);
+  ASSERT_TRUE(QFile::rename(w.path(), w.path(temporaryName)));
+  w.expectFailure(u"subSetupConnection"_qs, u"Provider cannot be found."_qs, [] { subSetupConnection(); });
+  EXPECT_EQ(reportTarget().ReportTo, 3);
+  EXPECT_EQ(reportTarget().ReportToValue, QString::fromUtf8(leftBehind));
+}
+
 TEST_F(Compaction, ACopyLeftFromBeforeIsNotOverwritten) {
   w.write(temporaryName, "left");
   w.expectFailure(u"subCompactDatabase"_qs, u"Database already exists"_qs, [] { subCompactDatabase(true); });
