@@ -154,12 +154,19 @@ bool listsHaveEnabled() {
   return found;
 }
 
+/// Says nothing of what was to be changed: it may be changed the next time.
+bool isOfTheMoment(const Failure& failure) {
+  using namespace platform::sql::errors;
+  return failure.number() == locked || failure.number() == timeout || failure.number() == connectionFailed;
+}
+
 /// kept: a list that cannot be changed is not told, and those behind it are left as they are; the database
-/// still counts as up to date afterwards. All three are one transaction, as only the first is looked at: one
+/// still counts as up to date afterwards. That does not hold where another program only had the list at that
+/// moment, longer than a statement waits. All three are one transaction, as only the first is looked at: one
 /// that was broken off between two lists would never be completed.
 void addEnabled(const ServerUpgrade& upgrade, platform::ado::Command& command) {
   platform::sql::Transaction transaction(databaseValues().gConnection->session());
-  tolerate([&] {
+  const auto failure = tolerate([&] {
     for (int n = 1; n <= metaListCount; ++n) {
       subLog(u"Adding blnEnabled field to tblMeta%1"_s.arg(n));
       execute(command, upgrade.addEnabled[n - 1]);
@@ -167,6 +174,7 @@ void addEnabled(const ServerUpgrade& upgrade, platform::ado::Command& command) {
       execute(command, upgrade.enableAll[n - 1]);
     }
   });
+  if (failure && isOfTheMoment(*failure)) throw Failure(*failure);
   transaction.commit();
 }
 

@@ -143,6 +143,62 @@ TEST_F(ServerUpgrades, AFailureInAnotherStepIsReportedAndEndsTheRoutine) {
   EXPECT_FALSE(columns(u"tblReports"_qs).contains(u"strBody"_qs));
 }
 
+TEST_F(ServerUpgrades, AListThatAnotherProgramHoldsIsToldAndTheNextStartCompletesAllThree) {
+  using namespace platform::sql;
+  for (const qint32 number : {errors::locked, errors::timeout, errors::connectionFailed})
+    for (int n = 1; n <= 3; ++n)
+      for (const QString& statement : enabledStatements(n)) {
+        w.createOldOnServer(u"held"_qs);
+        for (int list = 1; list <= 3; ++list)
+          w.server->open(u"held"_qs)->execute(u"insert into tblMeta%1 (strName) values ('v')"_qs.arg(list));
+        reportTarget().ReportToValue = w.connectionTo(u"held"_qs);
+        w.database->gConnection.reset();
+        w.plan->clear();
+        w.plan->failContaining(statement, Failure(number, u"The table is in use by another program."_qs));
+        w.expectFailure(u"subCheckSQLUpgrade"_qs, u"in use by another program."_qs,
+                        [] { subCheckSQLUpgrade(); });
+        const auto session = w.server->open(u"held"_qs);
+        EXPECT_EQ(session->columns(u"tblReports"_qs).size(), 12) << "which would count as up to date";
+        EXPECT_EQ(session->columns(u"tblMeta1"_qs).size(), 5) << "by which all three are judged";
+        w.plan->clear();
+        w.database->gConnection.reset();
+        subCheckSQLUpgrade();
+        for (int list = 1; list <= 3; ++list)
+          EXPECT_EQ(
+              session->execute(u"select * from tblMeta%1 where blnEnabled <> 0"_qs.arg(list)).rows.size(), 1)
+              << list << qPrintable(statement);
+        EXPECT_EQ(session->columns(u"tblReports"_qs).size(), 13);
+        w.server->drop(u"held"_qs);
+      }
+}
+
+TEST_F(ServerUpgrades, ALockAtAnyStatementIsToldAndTheNextStartCompletesIt) {
+  subCheckSQLUpgrade();
+  const int statements = static_cast<int>(w.plan->statements.size());
+  for (int n = 1; n <= statements; ++n) {
+    const QString name = u"locked%1"_qs.arg(n);
+    w.createOldOnServer(name);
+    for (int list = 1; list <= 3; ++list)
+      w.server->open(name)->execute(u"insert into tblMeta%1 (strName) values ('there')"_qs.arg(list));
+    reportTarget().ReportToValue = w.connectionTo(name);
+    w.database->gConnection.reset();
+    w.plan->clear();
+    w.plan->failStatement(n, Failure(platform::sql::errors::locked, u"In use by another program."_qs));
+    w.expectFailure({}, u"In use by another program."_qs, [] { subCheckSQLUpgrade(); });
+    w.plan->clear();
+    w.database->gConnection.reset();
+    subCheckSQLUpgrade();
+    const auto session = w.server->open(name);
+    EXPECT_EQ(session->columns(u"tblOtherSettings"_qs).size(), 3) << n;
+    EXPECT_EQ(session->columns(u"tblPersons"_qs).size(), 3) << n;
+    EXPECT_EQ(session->columns(u"tblReports"_qs).size(), 13) << n;
+    for (int list = 1; list <= 3; ++list)
+      EXPECT_EQ(session->execute(u"select * from tblMeta%1 where blnEnabled <> 0"_qs.arg(list)).rows.size(),
+                1)
+          << list << " after " << n;
+  }
+}
+
 TEST_F(ServerUpgrades, AProbeThatFailsForAnotherReasonIsReportedAsItself) {
   w.plan->failContaining(u"select top 1 strBody"_qs, Failure(-2147467259, u"The server went away."_qs));
   w.expectFailure(u"fncReturnRecordset"_qs, u"The server went away."_qs, [] { subCheckSQLUpgrade(); });

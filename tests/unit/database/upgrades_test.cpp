@@ -1,4 +1,5 @@
 #include "databaseworld.h"
+#include "shell/Tolerate.h"
 
 using namespace hourbook;
 using platform::Failure;
@@ -203,6 +204,51 @@ TEST_F(Upgrades, BrokenOffAtAnyStatementTheNextStartCompletesIt) {
       EXPECT_EQ(file->execute(u"select * from tblMeta%1 where blnEnabled = -1"_qs.arg(list)).rows.size(), 1)
           << list << " after " << qPrintable(statements[n]);
   }
+}
+
+TEST_F(Upgrades, ALockThatAnotherProgramTakesAtAnyStatementLeavesNothingHalfDone) {
+  w.createOld();
+  for (int n = 1; n <= 3; ++n) w.other()->execute(u"insert into tblMeta%1 (strName) values ('v')"_qs.arg(n));
+  const QByteArray old = w.read(u"Hourbook3.mdb"_qs);
+  w.plan->clear();
+  subCheckUpgrade(w.shownPath());
+  const int statements = static_cast<int>(w.plan->statements.size());
+  const auto expectWhole = [&](int n) {
+    const auto file = w.other();
+    EXPECT_EQ(file->columns(u"tblOtherSettings"_qs).size(), 3) << n;
+    EXPECT_EQ(file->columns(u"tblPersons"_qs).size(), 3) << n;
+    EXPECT_EQ(file->columns(u"tblReports"_qs).size(), 13) << n;
+    for (int list = 1; list <= 3; ++list)
+      EXPECT_EQ(file->execute(u"select * from tblMeta%1 where blnEnabled = -1"_qs.arg(list)).rows.size(), 1)
+          << list << " after " << n;
+  };
+  int told = 0;
+  for (int n = 0; n < statements; ++n) {
+    const QString lock = n % 2 == 0 ? u"BEGIN EXCLUSIVE"_qs : u"BEGIN IMMEDIATE"_qs;
+    w.database->gConnection.reset();
+    w.write(u"Hourbook3.mdb"_qs, old);
+    w.plan->clear();
+    std::unique_ptr<platform::sql::Session> other;
+    w.plan->rules.append({{}, n, 1, false, std::nullopt, [&] {
+                            auto session = w.other();
+                            // within a transaction of the upgrade it has to wait itself
+                            if (!tolerate([&] { session->execute(lock); })) other = std::move(session);
+                          }});
+    w.shell->gInErrorReport = false;
+    if (w.world.dialogs.outstanding().isEmpty())
+      w.world.dialogs.expect(u"is in use by another program"_qs, platform::dialogs::vbNo);
+    const bool ended = tests::endsProcess([&] { subCheckUpgrade(w.shownPath()); });
+    told += ended ? 1 : 0;
+    other.reset();
+    w.plan->clear();
+    w.database->gConnection.reset();
+    if (!ended) expectWhole(n);
+    subCheckUpgrade(w.shownPath());
+    expectWhole(n);
+  }
+  EXPECT_GT(told, 10);
+  if (!w.world.dialogs.outstanding().isEmpty())
+    w.world.dialogs.MsgBox(u"is in use by another program"_qs, 0, {});
 }
 
 TEST_F(Upgrades, AProbeThatFailsForAnotherReasonIsReportedAsItselfAndNothingIsChanged) {

@@ -3,6 +3,7 @@
 #include "database/modCreateSQLDB.h"
 #include "database/modSchema.h"
 #include "platform/sql/postgresql/driver.h"
+#include "platform/sql/postgresql/session.h"
 #include "postgresqlroad.h"
 #include "tests/unit/database/golden.h"
 #include "tests/unit/reporting/reportingworld.h"
@@ -163,6 +164,33 @@ TEST_P(PostgresqlUpgrades, KeepWhatIsThereAndAddWhatIsMissing) {
   EXPECT_EQ(names(u"select strBody from tblReports"_qs), QStringList{u"Текст"_qs});
   fncReturnRecordset(u"tblOtherSettings"_qs)->AddNew(u"strPropName"_qs, u"ADDepartment"_qs);
   EXPECT_EQ(w.rows(u"select * from tblOtherSettings where strPropName = 'addepartment'"_qs), 1);
+}
+
+TEST_P(PostgresqlUpgrades, HeldUpByAProgramThatWritesAreToldAndCompletedAtTheNextStart) {
+  const auto impatient = std::make_shared<platform::sql::postgresql::PostgresqlDriver>(50);
+  w.drivers->add(w.road->provider(), std::make_shared<platform::sql::FailingDriver>(impatient, w.plan));
+  QStringList tables{u"tblReports"_qs};
+  if (!GetParam().otherSettings) tables.append(u"tblPersons"_qs);
+  for (int n = 1; n <= 3; ++n)
+    if (GetParam().afterwards.contains(n) && !GetParam().enabled.contains(n))
+      tables.append(u"tblMeta%1"_qs.arg(n));
+  for (const QString& table : tables) {
+    w.database->gConnection.reset();
+    w.createCurrent();
+    makeOlder(GetParam());
+    const auto other = w.other();
+    other->begin();
+    other->execute(u"LOCK TABLE \"%1\" IN ROW EXCLUSIVE MODE"_qs.arg(table));
+    reportTarget().ReportTo = 2;
+    w.expectFailure(u"subCheckSQLUpgrade"_qs, u"The record or table is in use by another program"_qs,
+                    [] { subSetupConnection(); });
+    EXPECT_FALSE(w.columns(u"tblReports"_qs).contains(u"strBody"_qs)) << qPrintable(table);
+    other->rollback();
+    w.database->gConnection.reset();
+    reportTarget().ReportTo = 2;
+    subSetupConnection();
+    expectCurrent(GetParam(), ' ' + table.toStdString());
+  }
 }
 
 TEST_P(PostgresqlUpgrades, CutOffAtAnyStatementAreCompletedAtTheNextStart) {
