@@ -3,6 +3,7 @@
 #include "platform/basic/text.h"
 #include "platform/calendar/wallclock.h"
 #include "platform/locale/locale.h"
+#include "platform/outlook/conflict.h"
 #include "platform/outlook/entryid.h"
 #include "platform/outlook/items.h"
 #include "platform/outlook/times.h"
@@ -157,7 +158,7 @@ std::shared_ptr<AppointmentItem> AppointmentItem::GetAssociatedAppointment(bool 
 void AppointmentItem::Save() {
   if (change_.isEmpty() && !isNew()) return;
   const calendar::Change change = fullChange();
-  calendar::Item stored = store_->save(folder_, item_.key, item_.tag, change);
+  calendar::Item stored = storeOrTell(change);
   if (!change.start) {
     // the store is not told the user's zone: times that were not touched stay as they were read
     stored.start = item_.start;
@@ -165,6 +166,30 @@ void AppointmentItem::Save() {
   }
   item_ = std::move(stored);
   change_ = {};
+}
+
+/// Of a change that somebody else came before, the failure tells both versions: nothing is overwritten, and
+/// what was to be written must not be lost.
+calendar::Item AppointmentItem::storeOrTell(const calendar::Change& change) const try {
+  return store_->save(folder_, item_.key, item_.tag, change);
+} catch (const Failure& failure) {
+  const bool conflict =
+      failure.number() == calendar::errChangedMeanwhile || failure.number() == calendar::errNotFound;
+  if (!conflict || isNew()) throw;
+  const QString versions = bothVersions();
+  if (versions.isEmpty()) throw;
+  throw Failure(failure.number(), failure.description() + basic::vbCrLf + versions, failure.source());
+}
+
+/// Empty where nobody can say how it stands in the calendar now.
+QString AppointmentItem::bothVersions() const try {
+  const AppointmentItem read(store_, folder_, item_, session_);
+  const auto item = itemOfKey(*store_, folder_, item_.key);
+  if (!item) return textOfConflict({read, *this, change_.userProperties, nullptr});
+  const AppointmentItem now(store_, folder_, *item, session_);
+  return textOfConflict({read, *this, change_.userProperties, &now});
+} catch (const Failure&) {
+  return {};
 }
 
 void AppointmentItem::Close(int saveMode) {

@@ -41,8 +41,10 @@ class UserProperties {
 
 /// One appointment, as read when it was found. Changes stand in the object until `Save` (or `Close` with
 /// olSave) hands them to the store; a failing `Save` keeps them, a good one leaves the object holding what
-/// was stored. Times are on the user's wall clock; a new start keeps the duration. A duration that is no
-/// number of whole days makes an all-day event an appointment from midnight on.
+/// was stored. Where somebody else has changed or removed the item meanwhile, the failure's description tells
+/// what was to be written and what stands in the calendar now. Times are on the user's wall clock; a new
+/// start keeps the duration. A duration that is no number of whole days makes an all-day event an appointment
+/// from midnight on.
 class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
  public:
   AppointmentItem(std::shared_ptr<calendar::Store> store, QString folder, calendar::Item item,
@@ -96,6 +98,8 @@ class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
   std::optional<std::pair<QString, calendar::UserProperty>> findProperty(const QString& name) const;
   calendar::Change fullChange() const;
   QDateTime endAfter(int minutes) const;
+  calendar::Item storeOrTell(const calendar::Change& change) const;
+  QString bothVersions() const;
 
   std::shared_ptr<calendar::Store> store_;
   QString folder_;
