@@ -53,7 +53,7 @@ QByteArray done(quint8 token, int flags, qint64 count) {
          number(static_cast<quint64>(count), 8);
 }
 
-QByteArray loginAccepted(const QString& database) {
+QByteArray loginAccepted(const QString& database, int packetSize) {
   QByteArray out = environment(1, shortText(database) + shortText(u"master"_qs));
   out += message(tokenInfo, 5701, 0, u"Changed database context to '%1'."_qs.arg(database));
   out += environment(7, number(5, 1) + collation + number(0, 1));
@@ -61,7 +61,7 @@ QByteArray loginAccepted(const QString& database) {
   out += message(tokenInfo, 5703, 0, u"Changed language setting to us_english."_qs);
   out += withLength(0xAD, number(1, 1) + QByteArray("\x74\x00\x00\x04", 4) +
                               shortText(u"Microsoft SQL Server"_qs) + QByteArray("\x0F\x00\x07\xD0", 4));
-  out += environment(4, shortText(u"4096"_qs) + shortText(u"4096"_qs));
+  out += environment(4, shortText(QString::number(packetSize)) + shortText(u"4096"_qs));
   return out + done(tokenDone, 0, 0);
 }
 
@@ -237,12 +237,19 @@ TdsAnswer& TdsAnswer::cut(int bytesBefore) {
   return *this;
 }
 
+TdsAnswer& TdsAnswer::tear(int bytes) {
+  tornAfter_ = bytes;
+  end_ = End::Torn;
+  return *this;
+}
+
 TdsAnswer& TdsAnswer::silence(bool answersAttention) {
   end_ = answersAttention ? End::Silence : End::DeafSilence;
   return *this;
 }
 
 QByteArray TdsAnswer::bytes(bool inProcedure) const {
+  const bool isWhole = end_ == End::Whole || end_ == End::Torn;
   qsizetype last = -1;
   for (qsizetype i = 0; i < pieces_.size(); ++i)
     if (pieces_[i].isDone) last = i;
@@ -253,11 +260,11 @@ QByteArray TdsAnswer::bytes(bool inProcedure) const {
       out += piece.bytes;
       continue;
     }
-    const bool more = inProcedure || i != last || end_ != End::Whole;
+    const bool more = inProcedure || i != last || !isWhole;
     out += tds::done(inProcedure ? tds::tokenDoneInProcedure : tds::tokenDone,
                      piece.flags | (more ? tds::doneMore : 0), piece.count);
   }
-  if (end_ != End::Whole) return out.chopped(bytesBefore_);
+  if (!isWhole) return out.chopped(bytesBefore_);
   if (inProcedure) out += number(0x79, 1) + number(0, 4) + tds::done(tds::tokenDoneProcedure, 0, 0);
   if (!inProcedure && last < 0) out += tds::done(tds::tokenDone, 0, 0);
   return out;

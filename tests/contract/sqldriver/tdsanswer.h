@@ -28,10 +28,13 @@ class TdsAnswer {
 
   /// The connection is closed here ...
   TdsAnswer& cut(int bytesBefore = 0);  // ... or so many bytes before, inside of the last piece
+  /// The whole of it is on its way, and the connection breaks when so many bytes have come, headers counted.
+  TdsAnswer& tear(int bytes);
+  int tornAfter() const { return tornAfter_; }  // -1: not at all
   /// Nothing more is said; an attention is answered, or not.
   TdsAnswer& silence(bool answersAttention);
 
-  enum class End { Whole, Cut, Silence, DeafSilence };
+  enum class End { Whole, Cut, Torn, Silence, DeafSilence };
   End end() const { return end_; }
   /// For a statement of its own, or one within a procedure.
   QByteArray bytes(bool inProcedure) const;
@@ -47,6 +50,7 @@ class TdsAnswer {
   QList<TdsColumn> columns_;
   qint64 rows_ = 0;
   int bytesBefore_ = 0;
+  int tornAfter_ = -1;
   End end_ = End::Whole;
 };
 
@@ -54,7 +58,7 @@ class TdsAnswer {
 namespace tds {
 QByteArray number(quint64 value, int bytes);  // little-endian
 QByteArray wide(const QString& text);         // UTF-16
-QByteArray loginAccepted(const QString& database);
+QByteArray loginAccepted(const QString& database, int packetSize);
 QByteArray message(quint8 token, int number, int severity, const QString& text);
 QByteArray done(quint8 token, int flags, qint64 count);
 inline constexpr quint8 tokenError = 0xAA, tokenInfo = 0xAB;

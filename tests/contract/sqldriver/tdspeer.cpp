@@ -1,7 +1,6 @@
 #include "tdspeer.h"
 
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -11,7 +10,7 @@ namespace contract {
 namespace {
 
 enum Packet { batch = 1, call = 3, reply = 4, attention = 6, login7 = 16, greeting = 18 };
-constexpr qsizetype headerSize = 8, packetSize = 4096;
+constexpr qsizetype headerSize = 8;
 constexpr char lastPacket = 1;
 
 void sendBytes(int socket, const QByteArray& bytes) {
@@ -24,19 +23,21 @@ void sendBytes(int socket, const QByteArray& bytes) {
 }
 
 /// In packets; of a broken answer none is the last one.
-void sendReply(int socket, const QByteArray& bytes, bool whole) {
+QByteArray packets(int type, const QByteArray& bytes, qsizetype packetSize, bool whole) {
+  QByteArray all;
   qsizetype at = 0;
   do {
     const QByteArray part = bytes.mid(at, packetSize - headerSize);
     at += part.size();
     const auto size = static_cast<quint16>(part.size() + headerSize);
     QByteArray header(headerSize, '\0');
-    header[0] = reply;
+    header[0] = static_cast<char>(type);
     header[1] = whole && at >= bytes.size() ? lastPacket : '\0';
     header[2] = static_cast<char>(size >> 8);
     header[3] = static_cast<char>(size & 0xFF);
-    sendBytes(socket, header + part);
+    all += header + part;
   } while (at < bytes.size());
+  return all;
 }
 
 bool isSetUp(const TdsRequest& request) {
@@ -54,7 +55,7 @@ TdsPeer::TdsPeer() {
   auto* plain = reinterpret_cast<sockaddr*>(&address);
   if (::bind(listener_, plain, size) != 0 || ::listen(listener_, 8) != 0 ||
       ::getsockname(listener_, plain, &size) != 0 || ::pipe(stop_) != 0)
-    ADD_FAILURE() << "no socket on this machine";
+    qFatal("no socket on this machine");
   port_ = ntohs(address.sin_port);
   thread_ = std::thread([this] { work(); });
 }
@@ -74,6 +75,16 @@ TdsLogin TdsPeer::login() const {
 int TdsPeer::logins() const {
   const std::lock_guard lock(mutex_);
   return logins_;
+}
+
+bool TdsPeer::isLoginEncrypted() const {
+  const std::lock_guard lock(mutex_);
+  return loginEncrypted_;
+}
+
+bool TdsPeer::isAllEncrypted() const {
+  const std::lock_guard lock(mutex_);
+  return allEncrypted_;
 }
 
 QList<TdsRequest> TdsPeer::requests() const {
@@ -108,27 +119,32 @@ void TdsPeer::work() {
   }
 }
 
+/// So many bytes of what the program sends; none when it has gone.
+QByteArray TdsPeer::read(Line& line, qsizetype size) {
+  while (line.received.size() < size) {
+    char piece[65536];
+    if (!awaitInput(line.socket)) return {};
+    // of what follows an encrypted login nothing may be taken for a part of it
+    const auto room = line.encrypted ? sizeof piece : static_cast<size_t>(size - line.received.size());
+    const ssize_t got = ::recv(line.socket, piece, qMin(room, sizeof piece), 0);
+    if (got <= 0) return {};
+    const QByteArray bytes(piece, got);
+    line.received += line.encrypted ? line.channel->read(bytes) : bytes;
+  }
+  const QByteArray taken = line.received.left(size);
+  line.received.remove(0, size);
+  return taken;
+}
+
 /// The type and the body of what the program sends next; none when it has gone.
-std::optional<std::pair<int, QByteArray>> TdsPeer::receive(int socket) {
+std::optional<std::pair<int, QByteArray>> TdsPeer::receive(Line& line) {
   QByteArray body;
   for (;;) {
-    const auto read = [&](qsizetype size) {
-      QByteArray bytes;
-      while (bytes.size() < size) {
-        char piece[packetSize];
-        if (!awaitInput(socket)) return QByteArray();
-        const auto room = static_cast<size_t>(qMin(size - bytes.size(), packetSize));
-        const ssize_t got = ::recv(socket, piece, room, 0);
-        if (got <= 0) return QByteArray();
-        bytes.append(piece, got);
-      }
-      return bytes;
-    };
-    const QByteArray header = read(headerSize);
+    const QByteArray header = read(line, headerSize);
     if (header.isEmpty()) return std::nullopt;
     const int size = static_cast<quint8>(header[2]) << 8 | static_cast<quint8>(header[3]);
     if (size > headerSize) {
-      const QByteArray part = read(size - headerSize);
+      const QByteArray part = read(line, size - headerSize);
       if (part.isEmpty()) return std::nullopt;
       body += part;
     }
@@ -136,27 +152,40 @@ std::optional<std::pair<int, QByteArray>> TdsPeer::receive(int socket) {
   }
 }
 
+/// Of a line that breaks only so many bytes arrive, as they stand on the wire.
+void TdsPeer::send(Line& line, int type, const QByteArray& body, bool whole, qsizetype most) const {
+  const QByteArray plain = packets(type, body, packetSize_, whole);
+  const QByteArray bytes = line.encrypted ? line.channel->encrypted(plain) : plain;
+  sendBytes(line.socket, most < 0 ? bytes : bytes.left(most));
+}
+
 void TdsPeer::serve(int socket) {
-  for (bool going = true; going;) {
-    const auto received = receive(socket);
+  Line line;
+  line.socket = socket;
+  for (bool going = true, greeted = false; going;) {
+    const auto received = receive(line);
     if (!received) return;
     if (deaf_) continue;
     const auto& [type, body] = *received;
     switch (type) {
       case greeting:
-        greet(socket);
+        if (greeted)
+          shakeHands(line, body);
+        else
+          greet(line, body);
+        greeted = true;
         break;
       case login7:
-        going = takeLogin(socket, body);
+        going = takeLogin(line, body);
         break;
       case batch:
-        going = answer(socket, TdsRequest::ofBatch(body));
+        going = answer(line, TdsRequest::ofBatch(body));
         break;
       case call:
-        going = answer(socket, TdsRequest::ofCall(body));
+        going = answer(line, TdsRequest::ofCall(body));
         break;
       case attention:
-        sendReply(socket, tds::done(tds::tokenDone, tds::doneAttention, 0), true);
+        send(line, reply, tds::done(tds::tokenDone, tds::doneAttention, 0), true);
         break;
       default:
         going = false;
@@ -164,38 +193,75 @@ void TdsPeer::serve(int socket) {
   }
 }
 
-/// Version, and that nothing can be encrypted.
-void TdsPeer::greet(int socket) {
-  const QByteArray options(
+namespace {
+
+enum Crypt { cryptLoginOnly = 0, cryptAll = 1, cryptNone = 2, cryptRequired = 3 };
+
+/// What a greeting says of encryption.
+int cryptOf(const QByteArray& greeting) {
+  constexpr int optionSize = 5;
+  constexpr char encryption = 1, end = '\xFF';
+  for (qsizetype at = 0; at + optionSize <= greeting.size() && greeting[at] != end; at += optionSize) {
+    const int place = static_cast<quint8>(greeting[at + 1]) << 8 | static_cast<quint8>(greeting[at + 2]);
+    if (greeting[at] == encryption && place < greeting.size()) return greeting[place];
+  }
+  return cryptNone;
+}
+
+}  // namespace
+
+/// Version, and what is encrypted.
+void TdsPeer::greet(Line& line, const QByteArray& asked) {
+  int crypt = cryptNone;
+  if (encryption_ != Encryption::None) {
+    const bool all = encryption_ == Encryption::All;
+    crypt = cryptOf(asked) == cryptAll ? cryptAll : all ? cryptRequired : cryptLoginOnly;
+    line.channel = std::make_unique<TlsChannel>(TlsChannel::Newest::Tls12);
+    line.keepsEncrypted = crypt != cryptLoginOnly;
+  }
+  QByteArray options(
       "\x00\x00\x10\x00\x06"
       "\x01\x00\x16\x00\x01"
       "\x04\x00\x17\x00\x01"
       "\xFF",
       16);
-  sendReply(socket, options + QByteArray("\x0F\x00\x07\xD0\x00\x00\x02\x00", 8), true);
+  options += QByteArray("\x0F\x00\x07\xD0\x00\x00", 6) + static_cast<char>(crypt) + '\0';
+  send(line, reply, options, true);
 }
 
-bool TdsPeer::takeLogin(int socket, const QByteArray& body) {
+/// What the two say of keys stands in packets of greetings; behind them the packets are encrypted.
+void TdsPeer::shakeHands(Line& line, const QByteArray& said) const {
+  if (!line.channel) return;
+  line.channel->read(said);
+  const QByteArray ours = line.channel->pending();
+  if (!ours.isEmpty()) send(line, greeting, ours, true);
+  line.encrypted = line.channel->isReady();
+}
+
+bool TdsPeer::takeLogin(Line& line, const QByteArray& body) {
   QString database;
   {
     const std::lock_guard lock(mutex_);
     login_ = TdsLogin::read(body);
     ++logins_;
+    loginEncrypted_ = line.encrypted;
+    line.encrypted = line.encrypted && line.keepsEncrypted;
+    allEncrypted_ = line.encrypted;
     database = login_.database;
   }
   if (!refusal_) {
-    sendReply(socket, tds::loginAccepted(database.isEmpty() ? u"master"_qs : database), true);
+    send(line, reply, tds::loginAccepted(database.isEmpty() ? u"master"_qs : database, packetSize_), true);
     return true;
   }
   constexpr int severity = 14;
-  sendReply(socket,
-            tds::message(tds::tokenError, refusal_->first, severity, refusal_->second) +
-                tds::done(tds::tokenDone, tds::doneError, 0),
-            true);
+  send(line, reply,
+       tds::message(tds::tokenError, refusal_->first, severity, refusal_->second) +
+           tds::done(tds::tokenDone, tds::doneError, 0),
+       true);
   return false;
 }
 
-bool TdsPeer::answer(int socket, const TdsRequest& request) {
+bool TdsPeer::answer(Line& line, const TdsRequest& request) {
   TdsAnswer said;
   const bool settingUp = isSetUp(request);
   {
@@ -208,23 +274,24 @@ bool TdsPeer::answer(int socket, const TdsRequest& request) {
   if (!settingUp && script_) said = script_(request);
   const bool whole = said.end() == TdsAnswer::End::Whole;
   const QByteArray bytes = said.bytes(request.isCall);
-  if (whole || !bytes.isEmpty()) sendReply(socket, bytes, whole);
+  if (whole || !bytes.isEmpty()) send(line, reply, bytes, whole || said.tornAfter() >= 0, said.tornAfter());
   switch (said.end()) {
     case TdsAnswer::End::Whole:
       return true;
     case TdsAnswer::End::Cut:
+    case TdsAnswer::End::Torn:
       return false;
     case TdsAnswer::End::Silence:
     case TdsAnswer::End::DeafSilence:
       break;
   }
-  return keepSilent(socket, said.end() == TdsAnswer::End::Silence);
+  return keepSilent(line, said.end() == TdsAnswer::End::Silence);
 }
 
-bool TdsPeer::keepSilent(int socket, bool answersAttention) {
-  while (const auto received = receive(socket)) {
+bool TdsPeer::keepSilent(Line& line, bool answersAttention) {
+  while (const auto received = receive(line)) {
     if (received->first != attention || !answersAttention) continue;
-    sendReply(socket, tds::done(tds::tokenDone, tds::doneAttention, 0), true);
+    send(line, reply, tds::done(tds::tokenDone, tds::doneAttention, 0), true);
     return true;
   }
   return false;
