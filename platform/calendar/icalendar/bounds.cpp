@@ -37,11 +37,10 @@ qint64 plus(qint64 a, qint64 b) {
   return a > without - b ? without : a + b;
 }
 
-/// The days of a period that have to be looked at.
+/// The days of a period that have to be looked at; years of one kind are looked at once.
 int weightOf(const Rule& rule) {
   switch (rule.frequency) {
     case Frequency::Yearly:
-      return rule.byMonth.isEmpty() ? 366 : 31 * static_cast<int>(rule.byMonth.size());
     case Frequency::Monthly:
       return 31;
     case Frequency::Weekly:

@@ -40,8 +40,8 @@ std::optional<Rule> ruleOf(const QByteArray& text, QString* why);
 /// Hands over, in order, the starts between `from` and `to` (wall clock, both included) that the rule makes
 /// from `start` on, none behind `until`. `start` itself is not handed over unless it suits the rule, but
 /// counts in COUNT. `take` gives false to stop. The result is false when the walk became too long and was
-/// broken off.
+/// broken off. `steps`, when given, grows by what the walk took.
 bool walk(const Rule& rule, qint64 start, qint64 until, qint64 from, qint64 to,
-          const std::function<bool(qint64)>& take, int maxSteps = maxRuleSteps);
+          const std::function<bool(qint64)>& take, int maxSteps = maxRuleSteps, int* steps = nullptr);
 
 }  // namespace platform::calendar::icalendar

@@ -1,61 +1,16 @@
-#include "platform/calendar/icalendar/recurrence.h"
+#include "platform/calendar/icalendar/recurrencedays.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace platform::calendar::icalendar {
 namespace {
 
 using Frequency = Rule::Frequency;
 
-constexpr int daysOfWeek = 7;
-
-/// The day's place in a week that begins on the rule's own first weekday.
-int placeInWeek(const Rule& rule, const QDate& date) {
-  return (date.dayOfWeek() - rule.weekStart + daysOfWeek) % daysOfWeek;
-}
-
-/// The first day of the first week of a year: the week that holds its fourth day.
-QDate firstWeekOf(const Rule& rule, int year) {
-  const QDate fourth(year, 1, 4);
-  return fourth.addDays(-placeInWeek(rule, fourth));
-}
-
-/// A week counts in the year that has most of its days, so the last days of a year may stand in the next
-/// one's first week.
-bool suitsWeek(const Rule& rule, const QDate& date) {
-  if (rule.byWeekNo.isEmpty()) return true;
-  int year = date.year() + 1;
-  while (date < firstWeekOf(rule, year)) --year;
-  const qint64 week = firstWeekOf(rule, year).daysTo(date) / daysOfWeek + 1;
-  const qint64 weeks = firstWeekOf(rule, year).daysTo(firstWeekOf(rule, year + 1)) / daysOfWeek;
-  return rule.byWeekNo.contains(static_cast<int>(week)) ||
-         rule.byWeekNo.contains(static_cast<int>(week - weeks - 1));
-}
-
-/// "MO" is every Monday; "2MO" the second of the month, and of the year where a yearly rule names no month.
-bool suitsWeekday(const Rule& rule, const QDate& date) {
-  if (rule.byDay.isEmpty()) return true;
-  const bool counts = rule.frequency >= Frequency::Monthly && rule.byWeekNo.isEmpty();
-  const bool withinMonth = rule.frequency == Frequency::Monthly || !rule.byMonth.isEmpty();
-  const int at = withinMonth ? date.day() : date.dayOfYear();
-  const int size = withinMonth ? date.daysInMonth() : date.daysInYear();
-  return std::any_of(rule.byDay.begin(), rule.byDay.end(), [&](const QPair<int, int>& day) {
-    if (day.second != date.dayOfWeek() % daysOfWeek) return false;
-    return day.first == 0 || !counts || day.first == (at - 1) / daysOfWeek + 1 ||
-           day.first == -((size - at) / daysOfWeek + 1);
-  });
-}
-
-bool suitsDay(const Rule& rule, const QDate& date) {
-  if (!rule.byMonth.isEmpty() && !rule.byMonth.contains(date.month())) return false;
-  if (!rule.byMonthDay.isEmpty() && !rule.byMonthDay.contains(date.day()) &&
-      !rule.byMonthDay.contains(date.day() - date.daysInMonth() - 1))
-    return false;
-  if (!rule.byYearDay.isEmpty() && !rule.byYearDay.contains(date.dayOfYear()) &&
-      !rule.byYearDay.contains(date.dayOfYear() - date.daysInYear() - 1))
-    return false;
-  return suitsWeekday(rule, date) && suitsWeek(rule, date);
-}
+// so many periods or steps in a row may have no start before it is asked whether any can
+constexpr int patience = 50;
+constexpr int shortestMonth = 28;  // days
 
 /// Minds COUNT, UNTIL and the window for a rule's walk.
 class Counter {
@@ -70,6 +25,7 @@ class Counter {
       brokenOff_ = true;
       return false;
     }
+    ++offered_;
     if (wall > last_) return false;
     if (rule_.count > 0) {
       if (counted_ == 0 && wall != start_)
@@ -83,6 +39,12 @@ class Counter {
     return !brokenOff_;
   }
   bool whole() const { return !brokenOff_; }
+  /// So many starts lie ahead of the window, the series' own among them.
+  void skip(qint64 starts) {
+    counted_ = static_cast<int>(qMin<qint64>(starts, std::numeric_limits<int>::max() - 1));
+  }
+  int steps() const { return steps_; }
+  int offered() const { return offered_; }
 
  private:
   const Rule& rule_;
@@ -91,125 +53,71 @@ class Counter {
   int maxSteps_;
   int counted_ = 0;
   int steps_ = 0;
+  int offered_ = 0;
   bool brokenOff_ = false;
 };
 
-bool holds(const QList<int>& list, int value) {
-  return list.isEmpty() || list.contains(value);
+/// The starts within one step that the rule names: an hourly rule may name minutes, a minutely one seconds.
+QList<qint64> startsInStep(const Rule& rule, qint64 step) {
+  if (rule.frequency == Frequency::Secondly) return {step};
+  const QTime time = timeOfWall(step);
+  const auto named = [](const QList<int>& by, int own) { return by.isEmpty() ? QList<int>{own} : by; };
+  const qint64 minute = step - time.second() * secondMs;
+  QList<qint64> starts;
+  if (rule.frequency == Frequency::Minutely) {
+    for (const int second : named(rule.bySecond, time.second())) starts.append(minute + second * secondMs);
+    return starts;
+  }
+  const qint64 hour = minute - time.minute() * minuteMs;
+  for (const int ofHour : named(rule.byMinute, time.minute()))
+    for (const int second : named(rule.bySecond, time.second()))
+      starts.append(hour + ofHour * minuteMs + second * secondMs);
+  return starts;
 }
 
-/// The starts within one step: an hourly rule may name minutes, a minutely one seconds.
-QList<qint64> startsInStep(const Rule& rule, qint64 step) {
-  const QTime time = timeOfWall(step);
-  const auto values = [](const QList<int>& by, int own) {
-    QList<int> list = by.isEmpty() ? QList<int>{own} : by;
-    std::sort(list.begin(), list.end());
-    return list;
-  };
-  QList<qint64> starts;
-  if (rule.frequency == Rule::Frequency::Hourly) {
-    const qint64 hour = step - time.minute() * minuteMs - time.second() * secondMs;
-    for (const int minute : values(rule.byMinute, time.minute()))
-      for (const int second : values(rule.bySecond, time.second()))
-        starts.append(hour + minute * minuteMs + second * secondMs);
-  } else if (rule.frequency == Rule::Frequency::Minutely) {
-    if (!holds(rule.byMinute, time.minute())) return {};
-    for (const int second : values(rule.bySecond, time.second()))
-      starts.append(step - time.second() * secondMs + second * secondMs);
-  } else if (holds(rule.byMinute, time.minute()) && holds(rule.bySecond, time.second())) {
-    starts.append(step);
-  }
-  return starts;
+/// Whether every period has one start, as of a rule that names nothing besides its frequency: then they need
+/// not be counted one by one.
+bool comesOnceAPeriod(const Rule& written, qint64 start) {
+  const bool namesNothing =
+      written.byMonth.isEmpty() && written.byMonthDay.isEmpty() && written.byYearDay.isEmpty() &&
+      written.byWeekNo.isEmpty() && written.byDay.isEmpty() && written.byHour.isEmpty() &&
+      written.byMinute.isEmpty() && written.bySecond.isEmpty() && written.bySetPos.isEmpty();
+  return namesNothing && (written.frequency <= Frequency::Weekly || dateOfWall(start).day() <= shortestMonth);
 }
 
 /// Hours, minutes and seconds are of one length and are stepped one by one.
 bool walkSubDaily(const Rule& rule, qint64 start, qint64 from, qint64 to, Counter& counter) {
-  const qint64 unit = rule.frequency == Rule::Frequency::Hourly     ? hourMs
-                      : rule.frequency == Rule::Frequency::Minutely ? minuteMs
-                                                                    : secondMs;
+  const qint64 unit = rule.frequency == Frequency::Hourly     ? hourMs
+                      : rule.frequency == Frequency::Minutely ? minuteMs
+                                                              : secondMs;
   const qint64 stride = unit * rule.interval;
   const auto alignedFrom = [&](qint64 wall) { return start + (wall - start + stride - 1) / stride * stride; };
-  qint64 step = rule.count > 0 || from <= start ? start : alignedFrom(from - hourMs);
-  step = qMax(step, start);
-  while (step <= to) {
-    if (!suitsDay(rule, dateOfWall(step))) {
-      if (!counter.pass()) break;
-      step = alignedFrom(wallOf(dateOfWall(step).addDays(1), QTime(0, 0)));
-      continue;
-    }
-    if (holds(rule.byHour, timeOfWall(step).hour()))
+  qint64 step = start;
+  if (from > start + hourMs && (rule.count == 0 || comesOnceAPeriod(rule, start))) {
+    step = alignedFrom(from - hourMs);
+    counter.skip((step - start) / stride);
+  }
+  int fruitless = 0;
+  while (step - unit < to) {  // its starts may come ahead of it
+    const qint64 next = suitsDay(rule, dateOfWall(step)) ? nextTimeOf(rule, step)
+                                                         : wallOf(dateOfWall(step).addDays(1), QTime(0, 0));
+    if (next == step)
       for (const qint64 wall : startsInStep(rule, step))
         if (wall >= start && !counter.offer(wall)) return counter.whole();
     if (!counter.pass()) break;
-    step += stride;
+    fruitless = next == step ? 0 : fruitless + 1;
+    if (fruitless == patience && !meetsATime(rule, start, stride)) break;
+    step = next == step ? step + stride : alignedFrom(next);
   }
   return counter.whole();
 }
 
-/// The times of a day, in order, as milliseconds behind its midnight.
-QList<qint64> timesOf(const Rule& rule, const QTime& own) {
-  const auto named = [](const QList<int>& by, int value) { return by.isEmpty() ? QList<int>{value} : by; };
-  QList<qint64> times;
-  for (const int hour : named(rule.byHour, own.hour()))
-    for (const int minute : named(rule.byMinute, own.minute()))
-      for (const int second : named(rule.bySecond, own.second()))
-        times.append(hour * hourMs + minute * minuteMs + second * secondMs);
-  return times;
-}
-
-/// The days, weeks, months or years of a rule, one beat apart; the first one holds the start.
-class Periods {
- public:
-  Periods(const Rule& rule, qint64 start) : rule_(rule), first_(dateOfWall(start)) {
-    if (rule.frequency == Frequency::Weekly) first_ = first_.addDays(-placeInWeek(rule, first_));
-    if (rule.frequency == Frequency::Monthly) first_ = QDate(first_.year(), first_.month(), 1);
-    if (rule.frequency == Frequency::Yearly) first_ = QDate(first_.year(), 1, 1);
-  }
-
-  /// The number of a period that begins on that day or before.
-  qint64 before(const QDate& day) const {
-    const qint64 years = day.year() - first_.year();
-    const qint64 units = rule_.frequency == Frequency::Yearly    ? years
-                         : rule_.frequency == Frequency::Monthly ? years * 12 + day.month() - first_.month()
-                         : rule_.frequency == Frequency::Weekly  ? first_.daysTo(day) / daysOfWeek
-                                                                 : first_.daysTo(day);
-    return qMax<qint64>(0, units / rule_.interval);
-  }
-
-  QDate begin(qint64 number) const {
-    const qint64 units = number * rule_.interval;
-    if (rule_.frequency == Frequency::Yearly) return first_.addYears(static_cast<int>(units));
-    if (rule_.frequency == Frequency::Monthly) return first_.addMonths(static_cast<int>(units));
-    return first_.addDays(rule_.frequency == Frequency::Weekly ? units * daysOfWeek : units);
-  }
-
-  /// The days that suit the rule, of the period that begins on that day.
-  QList<QDate> days(const QDate& begin) const {
-    QList<QDate> found;
-    const auto take = [&](QDate day, qint64 count) {
-      for (; count > 0; --count, day = day.addDays(1))
-        if (suitsDay(rule_, day)) found.append(day);
-    };
-    if (rule_.frequency == Frequency::Daily) take(begin, 1);
-    if (rule_.frequency == Frequency::Weekly) take(begin, daysOfWeek);
-    if (rule_.frequency == Frequency::Monthly) take(begin, begin.daysInMonth());
-    if (rule_.frequency == Frequency::Yearly)
-      for (QDate month = begin; month.year() == begin.year(); month = month.addMonths(1))
-        if (rule_.byMonth.isEmpty() || rule_.byMonth.contains(month.month()))
-          take(month, month.daysInMonth());
-    return found;
-  }
-
- private:
-  const Rule& rule_;
-  QDate first_;
-};
-
 /// The starts of one period, each counted as it is made: a rule that names hours, minutes and seconds makes
 /// millions. False when the walk is at its end.
-bool offerAll(const QList<QDate>& days, const QList<qint64>& times, qint64 start, Counter& counter) {
-  for (const QDate& day : days) {
-    const qint64 midnight = wallOf(day, QTime(0, 0));
+bool offerAll(const QDate& begin, const QList<int>& days, const QList<qint64>& times, qint64 start,
+              Counter& counter) {
+  for (const int day : days) {
+    const qint64 midnight = wallOf(begin, QTime(0, 0)) + day * dayMs;
     for (const qint64 time : times)
       if (midnight + time >= start && !counter.offer(midnight + time)) return false;
   }
@@ -217,8 +125,8 @@ bool offerAll(const QList<QDate>& days, const QList<qint64>& times, qint64 start
 }
 
 /// Of the starts of one period those at the rule's positions, in order.
-bool offerAtPositions(const Rule& rule, const QList<QDate>& days, const QList<qint64>& times, qint64 start,
-                      Counter& counter) {
+bool offerAtPositions(const Rule& rule, const QDate& begin, const QList<int>& days,
+                      const QList<qint64>& times, qint64 start, Counter& counter) {
   const qint64 count = days.size() * times.size();
   QList<qint64> places;
   for (const int position : rule.bySetPos) {
@@ -228,23 +136,33 @@ bool offerAtPositions(const Rule& rule, const QList<QDate>& days, const QList<qi
   std::sort(places.begin(), places.end());
   places.erase(std::unique(places.begin(), places.end()), places.end());
   for (const qint64 place : std::as_const(places)) {
-    const qint64 wall = wallOf(days[place / times.size()], QTime(0, 0)) + times[place % times.size()];
+    const qint64 wall =
+        wallOf(begin, QTime(0, 0)) + days[place / times.size()] * dayMs + times[place % times.size()];
     if (wall >= start && !counter.offer(wall)) return false;
   }
   return true;
 }
 
-bool walkPeriods(const Rule& rule, qint64 start, qint64 from, qint64 last, Counter& counter) {
-  const Periods periods(rule, start);
+bool walkPeriods(const Rule& written, qint64 start, qint64 from, qint64 last, Counter& counter) {
+  const Rule rule = written.completed(start);
+  Periods periods(rule, start);
   const QList<qint64> times = timesOf(rule, timeOfWall(start));
-  qint64 number = rule.count == 0 && from > start ? periods.before(dateOfWall(from)) : 0;
-  for (;; ++number) {
+  qint64 number = 0;
+  if (from > start && (rule.count == 0 || comesOnceAPeriod(written, start))) {
+    number = periods.before(dateOfWall(from));
+    counter.skip(number);
+  }
+  for (int fruitless = 0;; ++number) {
     const QDate begin = periods.begin(number);
     if (!begin.isValid() || wallOf(begin, QTime(0, 0)) > last) return counter.whole();
-    if (!(rule.bySetPos.isEmpty() ? offerAll(periods.days(begin), times, start, counter)
-                                  : offerAtPositions(rule, periods.days(begin), times, start, counter)) ||
+    const QList<int>& days = periods.days(begin);
+    const int offered = counter.offered();
+    if (!(rule.bySetPos.isEmpty() ? offerAll(begin, days, times, start, counter)
+                                  : offerAtPositions(rule, begin, days, times, start, counter)) ||
         !counter.pass())
       return counter.whole();
+    fruitless = counter.offered() > offered ? 0 : fruitless + 1;
+    if (fruitless == patience && !periods.everMeet(times.size())) return counter.whole();
   }
 }
 
@@ -266,11 +184,13 @@ Rule Rule::completed(qint64 start) const {
 }
 
 bool walk(const Rule& rule, qint64 start, qint64 until, qint64 from, qint64 to,
-          const std::function<bool(qint64)>& take, int maxSteps) {
+          const std::function<bool(qint64)>& take, int maxSteps, int* steps) {
   Counter counter(rule, start, until, from, to, take, maxSteps);
   if (start > to || until < start) return true;
-  if (rule.isSubDaily()) return walkSubDaily(rule, start, from, to, counter);
-  return walkPeriods(rule.completed(start), start, from, qMin(until, to), counter);
+  const bool whole = rule.isSubDaily() ? walkSubDaily(rule, start, from, qMin(until, to), counter)
+                                       : walkPeriods(rule, start, from, qMin(until, to), counter);
+  if (steps) *steps += counter.steps();
+  return whole;
 }
 
 }  // namespace platform::calendar::icalendar

@@ -214,12 +214,104 @@ TEST(Rules, OfOneEventAreAFewAndTheOthersAreNamed) {
 }
 
 TEST(Rules, AWalkWithoutEndIsBrokenOff) {
-  EXPECT_EQ(starts("FREQ=SECONDLY;COUNT=2000000000", u"2000-01-01 00:00"_qs, u"2024-01-01 00:00"_qs,
-                   u"2024-01-02 00:00"_qs),
-            QStringList{u"..."_qs});
-  EXPECT_EQ(starts("FREQ=SECONDLY;INTERVAL=60;BYSECOND=30;COUNT=1", u"2000-01-01 00:00"_qs,
+  EXPECT_EQ(starts("FREQ=SECONDLY;BYDAY=MO,TU,WE,TH,FR,SA;COUNT=2000000000", u"2000-01-01 00:00"_qs,
                    u"2024-01-01 00:00"_qs, u"2024-01-02 00:00"_qs),
             QStringList{u"..."_qs});
+}
+
+TEST(Rules, WhatNeverComesIsFoundOutAfterAFewSteps) {
+  for (const char* text :
+       {"FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=29;BYDAY=5MO;BYSETPOS=2", "FREQ=YEARLY;BYDAY=53MO;BYMONTHDAY=1",
+        "FREQ=YEARLY;BYDAY=MO;BYSETPOS=300", "FREQ=YEARLY;BYWEEKNO=53;BYMONTH=6",
+        "FREQ=YEARLY;BYYEARDAY=366;BYMONTH=6", "FREQ=YEARLY;INTERVAL=4;BYYEARDAY=366",
+        "FREQ=YEARLY;INTERVAL=100;BYMONTH=2;BYMONTHDAY=29", "FREQ=MONTHLY;BYDAY=5MO;BYMONTHDAY=1",
+        "FREQ=MONTHLY;BYDAY=MO;BYSETPOS=-6", "FREQ=MONTHLY;INTERVAL=12;BYMONTHDAY=31;BYMONTH=3",
+        "FREQ=WEEKLY;BYDAY=MO,TU;BYSETPOS=8", "FREQ=DAILY;INTERVAL=14;BYDAY=TU,WE",
+        "FREQ=DAILY;BYHOUR=8,9;BYSETPOS=3", "FREQ=HOURLY;INTERVAL=24;BYHOUR=3",
+        "FREQ=HOURLY;INTERVAL=10;BYHOUR=8,10", "FREQ=MINUTELY;INTERVAL=60;BYMINUTE=3",
+        "FREQ=SECONDLY;INTERVAL=60;BYSECOND=3", "FREQ=SECONDLY;INTERVAL=7200;BYHOUR=8;BYMINUTE=0"}) {
+    for (const char* count : {"", ";COUNT=5", ";COUNT=500"}) {
+      QString why;
+      const auto rule = ruleOf(QByteArray(text) + count, &why);
+      ASSERT_TRUE(rule) << text << qPrintable(why);
+      int found = 0, steps = 0;
+      EXPECT_TRUE(walk(
+          *rule, wall(u"1601-01-01 09:00"_qs), never, wall(u"1601-01-01 00:00"_qs),
+          wall(u"2399-12-31 00:00"_qs), [&](qint64) { return ++found < 10; }, maxRuleSteps, &steps))
+          << text;
+      EXPECT_EQ(found, 0) << text;
+      EXPECT_LT(steps, 200) << text << count;
+    }
+  }
+}
+
+TEST(Rules, WhatComesAfterALongPauseIsNotTakenForNever) {
+  const QString start = u"1896-02-29 03:03"_qs, to = u"1909-12-31 00:00"_qs;
+  const QStringList leapDays{u"1896-02-29 03:03"_qs, u"1904-02-29 03:03"_qs, u"1908-02-29 03:03"_qs};
+  for (const char* text : {"FREQ=MONTHLY;BYMONTH=2;BYMONTHDAY=29", "FREQ=DAILY;BYMONTH=2;BYMONTHDAY=29",
+                           "FREQ=HOURLY;BYMONTH=2;BYMONTHDAY=29;BYHOUR=3", "FREQ=YEARLY",
+                           "FREQ=MINUTELY;BYMONTH=2;BYMONTHDAY=29;BYHOUR=3;BYMINUTE=3"})
+    for (const char* count : {"", ";COUNT=3"})
+      EXPECT_EQ(starts(QByteArray(text) + count, start, start, to), leapDays) << text << count;
+  // of the Sundays among the leap days the next one comes after forty years
+  EXPECT_EQ(starts("FREQ=MONTHLY;BYMONTH=2;BYMONTHDAY=29;BYDAY=SU;COUNT=3", u"1880-02-29 09:00"_qs,
+                   u"1880-02-29 00:00"_qs, u"2000-01-01 00:00"_qs),
+            (QStringList{u"1880-02-29 09:00"_qs, u"1920-02-29 09:00"_qs, u"1948-02-29 09:00"_qs}));
+  EXPECT_EQ(starts("FREQ=SECONDLY;INTERVAL=61;BYHOUR=3;BYMINUTE=3;BYSECOND=1;COUNT=3", u"2024-01-01 00:00"_qs,
+                   u"2024-01-01 00:00"_qs, u"2024-12-31 00:00"_qs)
+                .size(),
+            2);
+}
+
+TEST(Rules, MinutesAndSecondsThatNameATimeOfTheDayAreFollowedForYears) {
+  for (const char* text :
+       {"FREQ=MINUTELY;BYHOUR=3;BYMINUTE=3", "FREQ=SECONDLY;BYHOUR=3;BYMINUTE=3;BYSECOND=0",
+        "FREQ=MINUTELY;BYHOUR=3;BYMINUTE=3;COUNT=5000"}) {
+    const QStringList found =
+        starts(text, u"2020-01-01 09:00"_qs, u"2024-01-01 00:00"_qs, u"2024-12-31 23:00"_qs);
+    EXPECT_EQ(found.size(), 366) << text;
+    EXPECT_EQ(found.value(365), u"2024-12-31 03:03"_qs) << text;
+  }
+}
+
+TEST(Rules, StartsAheadOfTheirStepAreFoundUpToTheLastMoment) {
+  EXPECT_EQ(starts("FREQ=HOURLY;BYMINUTE=0,20", u"2024-01-01 09:30"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-01-01 11:10"_qs),
+            (QStringList{u"2024-01-01 10:00"_qs, u"2024-01-01 10:20"_qs, u"2024-01-01 11:00"_qs}));
+  EXPECT_EQ(starts("FREQ=HOURLY;BYMINUTE=0", u"2024-01-01 09:30"_qs, u"2024-01-01 00:00"_qs,
+                   u"2024-12-31 00:00"_qs, u"2024-01-01 11:10"_qs),
+            (QStringList{u"2024-01-01 10:00"_qs, u"2024-01-01 11:00"_qs}));
+}
+
+TEST(Rules, StartsAheadOfThePeriodAreCountedWithoutBeingFollowed) {
+  struct {
+    const char* rule;
+    QString last;
+  } const cases[] = {
+      {"FREQ=SECONDLY;INTERVAL=20;COUNT=10000001", u"2030-05-03 19:33"_qs},
+      {"FREQ=MINUTELY;INTERVAL=5;COUNT=1000001", u"2033-07-04 05:20"_qs},
+      {"FREQ=HOURLY;COUNT=100001", u"2035-05-29 16:00"_qs},
+      {"FREQ=DAILY;INTERVAL=2;COUNT=1001", u"2029-06-23 00:00"_qs},
+      {"FREQ=WEEKLY;WKST=WE;COUNT=1001", u"2043-03-02 00:00"_qs},
+      {"FREQ=MONTHLY;INTERVAL=5;COUNT=241", u"2124-01-01 00:00"_qs},
+      {"FREQ=YEARLY;COUNT=101", u"2124-01-01 00:00"_qs},
+  };
+  for (const auto& one : cases) {
+    QString why;
+    int steps = 0;
+    QStringList found;
+    const qint64 from = wall(one.last) - 3 * dayMs;
+    EXPECT_TRUE(walk(
+        *ruleOf(one.rule, &why), wall(u"2024-01-01 00:00"_qs), never, from, from + 4000 * dayMs,
+        [&](qint64 at) {
+          found.append(QDateTime(dateOfWall(at), timeOfWall(at)).toString(u"yyyy-MM-dd HH:mm"_qs));
+          return true;
+        },
+        maxRuleSteps, &steps))
+        << one.rule;
+    EXPECT_EQ(found.isEmpty() ? QString() : found.last(), one.last) << one.rule;
+    EXPECT_LT(steps, 30000) << one.rule;
+  }
 }
 
 TEST(Rules, EverySecondOfAYearIsCountedAsItComesAndItsPlacesAreFoundWithoutThem) {
