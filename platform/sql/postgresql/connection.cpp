@@ -88,6 +88,8 @@ QList<std::pair<QByteArray, QByteArray>> libraryOptions(const ConnectionString& 
   return options;
 }
 
+constexpr int encryptedLookMs = 20;
+
 int connectTimeout(const ConnectionString& connection) {
   const int seconds =
       oledbkeys::firstValue(connection, {"Connect Timeout", "Connection Timeout", "Timeout"}).toInt();
@@ -170,6 +172,28 @@ bool Connection::inTransaction() const {
   return PQtransactionStatus(connection_.get()) == PQTRANS_INTRANS;
 }
 
+/// Waits for more of an answer, and takes what has come; false once the connection is lost. On an encrypted
+/// line the library may take a part of a record only, and of the rest, which is here already, the socket
+/// tells nothing: so it is asked again at once, and after each short while in which nothing came.
+bool Connection::takeMore(QDeadlineTimer& deadline, int seconds) {
+  const bool encrypted = PQsslInUse(connection_.get()) != 0 || PQgssEncInUse(connection_.get()) != 0;
+  const int left = static_cast<int>(deadline.remainingTime());
+  pollfd descriptor{PQsocket(connection_.get()), POLLIN, 0};
+  const int ready = ::poll(&descriptor, 1, encrypted ? qMin(left, encryptedLookMs) : left);
+  if (ready < 0 && errno == EINTR) return true;
+  if (ready < 0 || (ready == 0 && deadline.hasExpired())) {
+    connection_.reset();
+    throw Failure(errors::timeout,
+                  QStringLiteral("The server of the database %1 did not answer within %2 s. The connection "
+                                 "is closed. Whether the last statement was carried out is not known.")
+                      .arg(label_)
+                      .arg(seconds));
+  }
+  if (ready > 0) deadline.setRemainingTime(qint64{seconds} * 1000);
+  if (PQconsumeInput(connection_.get()) == 0) return false;
+  return !encrypted || PQconsumeInput(connection_.get()) != 0;
+}
+
 /// What the client library's own waiting would give, with a bound: the last of the answers. One that goes on
 /// arriving is waited for.
 ResultPointer Connection::answered(int sent, const QString& statement, int seconds) {
@@ -177,25 +201,8 @@ ResultPointer Connection::answered(int sent, const QString& statement, int secon
   if (seconds == 0) seconds = patience_;
   QDeadlineTimer deadline(qint64{seconds} * 1000);
   while (sent != 0) {
-    while (PQisBusy(connection_.get()) != 0) {
-      pollfd descriptor{PQsocket(connection_.get()), POLLIN, 0};
-      const int ready = ::poll(&descriptor, 1, static_cast<int>(deadline.remainingTime()));
-      if (ready < 0 && errno == EINTR) continue;
-      if (ready <= 0) {
-        connection_.reset();
-        throw Failure(
-            errors::timeout,
-            QStringLiteral("The server of the database %1 did not answer within %2 s. The connection "
-                           "is closed. Whether the last statement was carried out is not known.")
-                .arg(label_)
-                .arg(seconds));
-      }
-      // Twice: the library may take only the first half of a long encrypted record, and of the rest, which is
-      // here already, the socket tells nothing.
-      if (PQconsumeInput(connection_.get()) == 0 || PQconsumeInput(connection_.get()) == 0)
-        break;  // lost, which the next answer tells
-      deadline.setRemainingTime(qint64{seconds} * 1000);
-    }
+    while (PQisBusy(connection_.get()) != 0)
+      if (!takeMore(deadline, seconds)) break;  // lost, which the next answer tells
     ResultPointer next(PQgetResult(connection_.get()));
     if (!next) break;
     last = std::move(next);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+class QDeadlineTimer;
 struct pg_conn;
 struct pg_result;
 
@@ -60,6 +61,7 @@ class Connection {
  private:
   void open(const ConnectionString& connection);
   void setUp(const ConnectionString& connection, int lockTimeout);
+  bool takeMore(QDeadlineTimer& deadline, int seconds);
   ResultPointer answered(int sent, const QString& statement, int seconds = 0);
   ResultPointer checked(pg_result* result, const QString& statement);
   [[noreturn]] void failToConnect() const;
