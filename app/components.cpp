@@ -55,7 +55,7 @@ std::shared_ptr<platform::outlook::Application> openOutlook(const Configuration&
   const auto store = std::make_shared<platform::calendar::IcalendarStore>(folders, indexFolder(), safety());
   profile.stores.append(store);
   // what has changed since the last run is looked for while the window is made
-  tolerate([&] { store->changeTag(configuration.openCalendar); });
+  tolerate([&] { store->othersTag(configuration.openCalendar, platform::calendar::Look::Glance); });
   profile.openFolder = configuration.openCalendar;
   profile.version = configuration.outlookVersion;
   profile.draftFolder = configuration.draftFolder();

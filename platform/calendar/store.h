@@ -117,6 +117,9 @@ struct Unwritten {
   Failure failure;
 };
 
+/// How much is done before an answer: what can be told at once, or all that there is to look at.
+enum class Look { Glance, Thorough };
+
 class Store {
  public:
   virtual ~Store() = default;
@@ -133,6 +136,10 @@ class Store {
   virtual void remove(const QString& folder, const ItemKey& key, const QString& tag) = 0;
   /// Differs from its last value when anything in the folder may have changed.
   virtual QString changeTag(const QString& folder) = 0;
+  /// Differs from its last value when somebody else may have changed what the folder shows; what was saved
+  /// through this store does not count. A glance never waits: what is still being looked at in the background
+  /// is told by a later one, and `items` may be so far behind the files. Behind a thorough look it is not.
+  virtual QString othersTag(const QString& folder, Look look) = 0;
   virtual QList<Problem> problems(const QString& folder) = 0;
   /// From here to `flush`, a store may keep changes back that `save` has accepted, and write those of one
   /// file in one step. Whoever reads through this store sees them as stored. A store to which writing one by

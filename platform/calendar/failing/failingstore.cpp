@@ -80,6 +80,11 @@ QString FailingStore::changeTag(const QString& folder) {
   return inner_->changeTag(folder);
 }
 
+QString FailingStore::othersTag(const QString& folder, Look look) {
+  enter(Operation::OthersTag);
+  return inner_->othersTag(folder, look);
+}
+
 QList<Problem> FailingStore::problems(const QString& folder) {
   enter(Operation::Problems);
   return inner_->problems(folder);

@@ -10,7 +10,7 @@ namespace platform::calendar {
 /// store inside, so nothing is changed by it.
 class FailingStore : public Store {
  public:
-  enum class Operation { Folders, Items, Save, Remove, ChangeTag, Problems };
+  enum class Operation { Folders, Items, Save, Remove, ChangeTag, OthersTag, Problems };
 
   explicit FailingStore(std::shared_ptr<Store> inner) : inner_(std::move(inner)) {}
 
@@ -34,6 +34,7 @@ class FailingStore : public Store {
   Item save(const QString& folder, const ItemKey& key, const QString& tag, const Change& change) override;
   void remove(const QString& folder, const ItemKey& key, const QString& tag) override;
   QString changeTag(const QString& folder) override;
+  QString othersTag(const QString& folder, Look look) override;
   QList<Problem> problems(const QString& folder) override;
   void hold() override { inner_->hold(); }
   QList<Unwritten> flush() override { return inner_->flush(); }

@@ -106,6 +106,9 @@ void FileCache::read(const QString& name, const Stamp& stamp) {
          : result.denied ? errAccessDenied
                          : errStoreBroken,
          label_, result.error);
+  const auto ours = ours_.constFind(name);
+  const bool isOurs = ours != ours_.cend() && *ours == stamp;
+  ours_.remove(name);
   Entry entry;
   entry.stamp = stamp;
   entry.settled = settled;
@@ -116,6 +119,8 @@ void FileCache::read(const QString& name, const Stamp& stamp) {
     entries_.insert(name, std::move(entry));
     return;
   }
+  const bool news = result.ok || before == entries_.cend() || before->error != result.error;
+  if (news && !isOurs) ++others_;
   if (result.ok)
     entry.file = calendarFile(name, result.bytes);
   else if (name.contains(QChar::ReplacementCharacter))
@@ -134,6 +139,7 @@ void FileCache::refresh() {
     } else {
       entry = entries_.erase(entry);
       grouped_ = false;
+      ++others_;
     }
   }
   for (auto found = now.begin(); found != now.end(); ++found) {
@@ -225,8 +231,11 @@ Snapshot FileCache::snapshot(const QString& name, const QString& uid) {
   return snapshot;
 }
 
-void FileCache::written(const QString& name, const QList<files::Splice>&, const files::Fingerprint&) {
+void FileCache::written(const QString& name, const QList<files::Splice>&, const files::Fingerprint& after) {
   entries_.remove(name);
+  const auto time = fs::file_time_type::clock::from_sys(
+      std::chrono::sys_time<std::chrono::nanoseconds>(std::chrono::nanoseconds(after.mtimeNs)));
+  ours_.insert(name, {nanoseconds(time), after.size, after.inode});
   grouped_ = false;
 }
 
@@ -250,6 +259,16 @@ void FileCache::sweep() {
   const QFileInfo file(real.isEmpty() ? path_ : real);
   files::sweepLitter(file.path(), olderThanSeconds,
                      [&](const QString& target) { return target == file.fileName(); });
+}
+
+QString FileCache::othersTag(Look look) {
+  constexpr std::chrono::seconds pause(2);  // every glance looks at every file
+  const auto now = std::chrono::steady_clock::now();
+  if (look == Look::Thorough || !looked_ || now - *looked_ >= pause) {
+    refresh();
+    looked_ = std::chrono::steady_clock::now();
+  }
+  return QString::number(others_);
 }
 
 QString FileCache::changeTag() {

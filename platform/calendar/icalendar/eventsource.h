@@ -51,6 +51,8 @@ class EventSource {
   virtual bool isFolder() const = 0;
   virtual QString pathOf(const QString& name) const = 0;
   virtual QString changeTag() = 0;
+  /// As `Store::othersTag` tells.
+  virtual QString othersTag(Look look) = 0;
   /// Takes away what a crash in the middle of a save has left here, ahead of the first save and then at
   /// times: whoever only reads a calendar leaves no trace in its folder.
   virtual void sweep() = 0;
@@ -76,6 +78,7 @@ class FileCache : public EventSource {
   bool isFolder() const override;
   QString pathOf(const QString& name) const override;
   QString changeTag() override;
+  QString othersTag(Look look) override;
   void sweep() override;
   /// What is too young to be surely left over when it is swept is old enough at the next time, and another
   /// program may crash while this one runs. Tests shorten it.
@@ -103,6 +106,9 @@ class FileCache : public EventSource {
   QMap<QString, Entry> entries_;
   QHash<QString, Group> groups_;
   bool grouped_ = false;
+  QHash<QString, Stamp> ours_;  // of files written by us and not read since
+  quint64 others_ = 0;          // changes that were not
+  std::optional<std::chrono::steady_clock::time_point> looked_;
   std::chrono::milliseconds sweepPause_ = std::chrono::hours(1);
   std::optional<std::chrono::steady_clock::time_point> swept_;
 };

@@ -3,18 +3,12 @@
 #include "platform/calendar/icalendar/text.h"
 #include "platform/calendar/icalendar/vcalendar.h"
 
-#include <QSet>
-
-#include <limits>
-#include <map>
-#include <set>
+#include <algorithm>
 
 namespace platform::calendar::icalendar {
 namespace {
 
 constexpr qint64 widestOffset = 26 * hourMs;
-/// How far the name that a file gives an occurrence can be from its start: two zones and a day lie between.
-constexpr qint64 widestName = 2 * widestOffset + 2 * dayMs;
 
 QDateTime seen(qint64 instant, const QTimeZone& zone) {
   return QDateTime::fromMSecsSinceEpoch(instant, zone);
@@ -95,11 +89,6 @@ void readTexts(const Document& document, const Component& component, Item& item,
     item.categoriesText = ownText->isNull() ? u""_qs : *ownText;
 }
 
-struct Expansion::Starts {
-  std::set<qint64> walls;
-  std::map<qint64, Span> lengths;  // of periods
-};
-
 void Expansion::note(const EventRef& ref, const QString& text) {
   const Problem problem{ref.file->name, ref.event->component->line, text};
   for (const Problem& known : *problems_)
@@ -107,36 +96,9 @@ void Expansion::note(const EventRef& ref, const QString& text) {
   if (problems_->size() < maxProblemsPerFile) problems_->append(problem);
 }
 
-const EventRef* Expansion::masterOf(const Group& group, const EventRef& override) const {
-  const auto isDay = [](const DateValue& value) { return value.form == DateValue::Form::Date; };
-  const EventRef* best = nullptr;
-  int bestScore = 0;
-  for (const EventRef& master : group.masters) {
-    const Event& event = *master.event;
-    const bool here = master.file->name == override.file->name;
-    if (!event.start || (!here && !event.isSeries())) continue;
-    const bool ahead = here && master.file->base + event.component->offset <
-                                   override.file->base + override.event->component->offset;
-    const int score = (here ? 8 : 1) + (event.isSeries() ? 4 : 0) + (ahead ? 1 : 0) +
-                      (isDay(*event.start) == isDay(*override.event->recurrenceId) ? 2 : 0);
-    if (score < bestScore || (score == bestScore && !ahead)) continue;  // of equals the nearest one ahead
-    best = &master;
-    bestScore = score;
-  }
-  return best;
-}
-
-QList<const EventRef*> Expansion::ownersOf(const Group& group) const {
-  QList<const EventRef*> owners;
-  for (const EventRef& override : group.overrides) owners.append(masterOf(group, override));
-  return owners;
-}
-
-QString Expansion::overrideId(const Group& group, const EventRef& override) {
-  return overrideId(masterOf(group, override), override);
-}
-
-QString Expansion::overrideId(const EventRef* master, const EventRef& override) {
+QString Expansion::overrideId(const Owners& owners, qsizetype number) {
+  const EventRef* master = owners.of(number);
+  const EventRef& override = owners.group().overrides.at(number);
   const DateValue& id = *override.event->recurrenceId;
   if (master) {
     const Timing timing = reader_.timingOf(*master->file, *master->event);
@@ -146,142 +108,6 @@ QString Expansion::overrideId(const EventRef* master, const EventRef& override) 
   own.allDay = id.form == DateValue::Form::Date;
   own.utc = id.form == DateValue::Form::Utc;
   return recurrenceIdText(own, id.wall());
-}
-
-void Expansion::apply(const Rule& rule, const EventRef& master, const Timing& timing, qint64 from, qint64 to,
-                      Starts& starts, bool excludes) {
-  Rule plain = rule;
-  if (timing.allDay) plain.clearTimes();
-  const qint64 until =
-      plain.until ? reader_.untilOn(timing, *plain.until) : std::numeric_limits<qint64>::max();
-  bool tooMany = false;
-  const bool whole = walk(plain, timing.start, until, from, to, [&](qint64 wall) {
-    if (excludes) {
-      starts.walls.erase(wall);
-      return true;
-    }
-    starts.walls.insert(wall);
-    tooMany = starts.walls.size() > static_cast<size_t>(maxOccurrencesPerQuery);
-    return !tooMany;
-  });
-  if (tooMany)
-    note(master,
-         QStringLiteral("A series has more than %1 occurrences in the period; the later ones are left out.")
-             .arg(maxOccurrencesPerQuery));
-  if (!whole)
-    note(master,
-         QStringLiteral("A series takes too long to be followed; the later occurrences are left out."));
-}
-
-Expansion::Starts Expansion::startsOf(const EventRef& master, const Timing& timing, qint64 from, qint64 to) {
-  Starts starts;
-  const auto within = [&](qint64 wall) { return wall >= from && wall <= to; };
-  const Event& event = *master.event;
-  // a start that does not suit its own rule is an occurrence all the same
-  if (within(timing.start)) starts.walls.insert(timing.start);
-  QString why;
-  for (const QByteArray& text : event.rules)
-    if (const auto rule = ruleOf(text, &why)) apply(*rule, master, timing, from, to, starts, false);
-  for (const Period& period : event.moreStarts) {
-    const qint64 wall = reader_.wallOn(timing, *master.file, event, period.start);
-    if (!within(wall)) continue;
-    starts.walls.insert(wall);
-    if (period.span) starts.lengths[wall] = *period.span;
-    if (period.end)
-      starts.lengths[wall] = {0, qMax<qint64>(0, reader_.instantOf(*master.file, event, *period.end) -
-                                                     reader_.instantOf(*master.file, event, period.start))};
-    const auto length = starts.lengths.find(wall);
-    if (timing.allDay && length != starts.lengths.end())  // days are whole
-      length->second = {
-          qMax(1, length->second.days + static_cast<int>((length->second.exactMs + dayMs - 1) / dayMs)), 0};
-  }
-  for (const QByteArray& text : event.exceptionRules)
-    if (const auto rule = ruleOf(text, &why)) apply(*rule, master, timing, from, to, starts, true);
-  removeExcluded(master, timing, starts);
-  while (starts.walls.size() > static_cast<size_t>(maxOccurrencesPerQuery))
-    starts.walls.erase(std::prev(starts.walls.end()));
-  return starts;
-}
-
-void Expansion::removeExcluded(const EventRef& master, const Timing& timing, Starts& starts) {
-  for (const DateValue& value : master.event->excluded) {
-    if (!timing.allDay && value.form == DateValue::Form::Date) {  // every occurrence of that day
-      const qint64 midnight = wallOf(value.date, QTime(0, 0));
-      starts.walls.erase(starts.walls.lower_bound(midnight), starts.walls.lower_bound(midnight + dayMs));
-      continue;
-    }
-    const qint64 wall = reader_.wallOn(timing, *master.file, *master.event, value);
-    starts.walls.erase(wall);
-    if (value.form != DateValue::Form::Utc) continue;
-    for (const qint64 name : timing.namesOf(wall)) starts.walls.erase(name);
-  }
-}
-
-/// The occurrences whose original start lies between two wall-clock times, without those that overrides
-/// replace.
-QList<Occurrence> Expansion::occurrences(const Group& group, const QList<const EventRef*>& owners,
-                                         const EventRef& master, qint64 from, qint64 to) {
-  struct Future {
-    qint64 id;
-    EventRef ref;
-    Timing timing;
-  };
-  const Timing timing = reader_.timingOf(*master.file, *master.event);
-  const auto isOwn = [&](qsizetype i) {
-    return owners[i] && (owners[i]->file->name == master.file->name || owners[i]->event == master.event);
-  };
-  const auto idOf = [&](const EventRef& override) {
-    return reader_.wallOn(timing, *override.file, *override.event, *override.event->recurrenceId);
-  };
-  QList<Future> futures;
-  qint64 widest = 0;
-  for (qsizetype i = 0; i < group.overrides.size(); ++i) {
-    const EventRef& override = group.overrides[i];
-    if (!override.event->thisAndFuture || !override.event->start || !isOwn(i)) continue;
-    futures.append({idOf(override), override, reader_.timingOf(*override.file, *override.event)});
-    widest = qMax(widest, qAbs(futures.last().timing.start - futures.last().id));
-  }
-  std::sort(futures.begin(), futures.end(), [](const Future& a, const Future& b) { return a.id < b.id; });
-  const Starts starts = startsOf(master, timing, from - widest, to + widest);
-  if (starts.walls.empty()) return {};
-  QSet<qint64> replaced;
-  for (qsizetype i = 0; i < group.overrides.size(); ++i) {
-    const EventRef& override = group.overrides[i];
-    const qint64 written = override.event->recurrenceId->wall();
-    if (written < *starts.walls.begin() - widestName || written > *starts.walls.rbegin() + widestName ||
-        !isOwn(i))
-      continue;
-    const qint64 id = idOf(override);
-    replaced.insert(id);
-    if (override.event->recurrenceId->form == DateValue::Form::Utc)
-      for (const qint64 name : timing.namesOf(id)) replaced.insert(name);
-  }
-  QList<Occurrence> result;
-  for (const qint64 wall : starts.walls) {
-    if (replaced.contains(wall)) continue;
-    const qint64 shownAs = timing.shownAs(wall);
-    if (shownAs != wall && starts.walls.count(shownAs) && !replaced.contains(shownAs)) continue;
-    Occurrence occurrence{master, wall, wall, timing.length, timing};
-    const auto length = starts.lengths.find(wall);
-    if (length != starts.lengths.end()) occurrence.length = length->second;
-    for (const Future& future : futures)
-      if (future.id < wall)
-        occurrence = {future.ref, wall, wall + (future.timing.start - future.id), future.timing.length,
-                      future.timing};
-    if (!occurrence.from.event->cancelled) result.append(occurrence);
-  }
-  return result;
-}
-
-std::optional<Occurrence> Expansion::occurrence(const Group& group, const EventRef& master,
-                                                const QString& recurrenceId) {
-  Property none;
-  const auto value = dateValue(recurrenceId.toLatin1(), none);
-  if (!value || !master.event->start || !master.event->isSeries()) return std::nullopt;
-  for (const Occurrence& occurrence :
-       occurrences(group, ownersOf(group), master, value->wall() - 2 * dayMs, value->wall() + 2 * dayMs))
-    if (occurrence.id == value->wall()) return occurrence;
-  return std::nullopt;
 }
 
 Item Expansion::itemOf(const EventRef& ref, Kind kind, const QString& recurrenceId) {
@@ -328,7 +154,7 @@ void Expansion::add(const Group& group, QList<Item>& items) {
   const bool cancelled = std::any_of(group.masters.begin(), group.masters.end(), [](const EventRef& master) {
     return master.event->cancelled && master.event->isSeries();
   });
-  const QList<const EventRef*> owners = ownersOf(group);
+  const Owners owners(group);
   for (const EventRef& master : group.masters) {
     const Event& event = *master.event;
     if (event.cancelled || (!event.start && (query_.startFrom.isValid() || query_.startTo.isValid())))
@@ -340,7 +166,7 @@ void Expansion::add(const Group& group, QList<Item>& items) {
     const qint64 from = query_.startFrom.toMSecsSinceEpoch() - widestOffset;
     const qint64 to = query_.startTo.toMSecsSinceEpoch() + widestOffset;
     const Timing timing = reader_.timingOf(*master.file, event);
-    for (const Occurrence& occurrence : occurrences(group, owners, master, from, to))
+    for (const Occurrence& occurrence : occurrences(owners, master, from, to))
       addItem(occurrence.from,
               itemOf(occurrence, event, event.place, recurrenceIdText(timing, occurrence.id)), items);
   }
@@ -349,8 +175,8 @@ void Expansion::add(const Group& group, QList<Item>& items) {
     if (override.event->cancelled || cancelled || !override.event->start) continue;
     // without expansion the changed occurrences stand behind their master, unless somebody asks for this one
     // item
-    if (!query_.expandSeries && query_.uid.isEmpty() && owners[i]) continue;
-    addItem(override, itemOf(override, Kind::Exception, overrideId(owners[i], override)), items);
+    if (!query_.expandSeries && query_.uid.isEmpty() && owners.of(i)) continue;
+    addItem(override, itemOf(override, Kind::Exception, overrideId(owners, i)), items);
   }
 }
 

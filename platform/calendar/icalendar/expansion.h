@@ -1,20 +1,10 @@
 #pragma once
+#include "platform/calendar/icalendar/group.h"
 #include "platform/calendar/icalendar/recurrence.h"
 #include "platform/calendar/icalendar/timing.h"
 
 // From events to items: series are expanded, their changed occurrences put in place.
 namespace platform::calendar::icalendar {
-
-struct EventRef {
-  std::shared_ptr<const CalendarFile> file;
-  const Event* event = nullptr;
-};
-
-/// All events of a folder with one UID.
-struct Group {
-  QList<EventRef> masters;  // and singles
-  QList<EventRef> overrides;
-};
 
 /// One occurrence of a series as the file has it: where it stands and which event describes it.
 struct Occurrence {
@@ -25,21 +15,28 @@ struct Occurrence {
   Timing timing;  // of `from`
 };
 
+// For all series in one query together. A calendar in which these are used up is beyond all measure: of each
+// series that is left only the beginning is followed.
+struct WholeLimits {
+  int steps = 20'000'000;
+  int occurrences = 500'000;
+};
+inline constexpr int stepsOfTheRest = 2'000;  // of each rule
+inline constexpr int occurrencesOfTheRest = 10;
+
 class Expansion {
  public:
-  Expansion(ZoneBook& book, const Query& query, QList<Problem>* problems)
-      : reader_(book, query.zone), query_(query), problems_(problems) {}
+  Expansion(ZoneBook& book, const Query& query, QList<Problem>* problems, const WholeLimits& limits = {})
+      : reader_(book, query.zone), query_(query), problems_(problems), limits_(limits) {}
 
   /// Adds the group's items that the query asks for.
   void add(const Group& group, QList<Item>& items);
 
   /// The unchanged occurrence with that name; nothing when the series has none, or an override in its place.
-  std::optional<Occurrence> occurrence(const Group& group, const EventRef& master,
+  std::optional<Occurrence> occurrence(const Owners& owners, const EventRef& master,
                                        const QString& recurrenceId);
-  /// The series that an override belongs to: in its own file, else in another one; null when there is none.
-  const EventRef* masterOf(const Group& group, const EventRef& override) const;
-  /// The name of an override within its series.
-  QString overrideId(const Group& group, const EventRef& override);
+  /// The name of the n-th override within its series.
+  QString overrideId(const Owners& owners, qsizetype override);
 
   Item itemOf(const EventRef& ref, Kind kind, const QString& recurrenceId);
   Item itemOf(const Occurrence& occurrence, const Event& master, const QString& masterPlace,
@@ -48,12 +45,12 @@ class Expansion {
 
  private:
   struct Starts;
+  struct Changed;
 
-  /// Of each override in the group its series, found once for all of them.
-  QList<const EventRef*> ownersOf(const Group& group) const;
-  QString overrideId(const EventRef* master, const EventRef& override);
-  QList<Occurrence> occurrences(const Group& group, const QList<const EventRef*>& owners,
-                                const EventRef& master, qint64 fromWall, qint64 toWall);
+  QList<Occurrence> occurrences(const Owners& owners, const EventRef& master, qint64 fromWall, qint64 toWall);
+  Changed& changedOn(const Owners& owners, const EventRef& master, const Timing& timing, qint64 from,
+                     qint64 to);
+  void findReplaced(const Owners& owners, const EventRef& master, const Timing& timing, Changed& changed);
   Starts startsOf(const EventRef& master, const Timing& timing, qint64 from, qint64 to);
   void removeExcluded(const EventRef& master, const Timing& timing, Starts& starts);
   void apply(const Rule& rule, const EventRef& master, const Timing& timing, qint64 from, qint64 to,
@@ -65,6 +62,11 @@ class Expansion {
   Reader reader_;
   Query query_;
   QList<Problem>* problems_;
+  WholeLimits limits_;
+  int stepsLeft_ = limits_.steps;
+  int occurrencesLeft_ = limits_.occurrences;
+  QHash<QString, std::shared_ptr<Changed>> changed_;  // of the owners last asked about
+  std::shared_ptr<const int> changedOf_;
   EventRef read_;  // the event whose texts were read for the last occurrence
   Item texts_;
 };

@@ -38,6 +38,7 @@ class Holding : public EventSource, public Writer {
   bool isFolder() const override { return inner_.isFolder(); }
   QString pathOf(const QString& name) const override { return inner_.pathOf(name); }
   QString changeTag() override;
+  QString othersTag(Look look) override { return inner_.othersTag(look); }
   void sweep() override { inner_.sweep(); }
 
   bool put(const Snapshot& snapshot, const QString& uid, const QList<files::Splice>& splices,

@@ -179,6 +179,10 @@ QString IcalendarStore::changeTag(const QString& folder) {
   return calendar(folder).events.changeTag();
 }
 
+QString IcalendarStore::othersTag(const QString& folder, Look look) {
+  return calendar(folder).events.othersTag(look);
+}
+
 QList<Problem> IcalendarStore::problems(const QString& folder) {
   Calendar& of = calendar(folder);
   return of.events.problems() + of.noted + of.uncopied;

@@ -45,6 +45,7 @@ class IcalendarStore : public Store {
   Item save(const QString& folder, const ItemKey& key, const QString& tag, const Change& change) override;
   void remove(const QString& folder, const ItemKey& key, const QString& tag) override;
   QString changeTag(const QString& folder) override;
+  QString othersTag(const QString& folder, Look look) override;
   QList<Problem> problems(const QString& folder) override;
   /// Changes are kept back for calendars in one file. At some hundred of them they are written all the same;
   /// those never flushed are lost with the store.

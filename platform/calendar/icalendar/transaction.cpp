@@ -190,13 +190,14 @@ Transaction::Target Transaction::find(const Snapshot& snapshot, const Group& gro
     for (const EventRef& master : group.masters)
       if (here(master)) candidates.append({master, std::nullopt});
   } else {
-    for (const EventRef& override : group.overrides)
-      if (here(override) && expansion_.overrideId(group, override) == key.recurrenceId)
-        candidates.append({override, std::nullopt});
+    const Owners owners(group);
+    for (qsizetype i = 0; i < group.overrides.size(); ++i)
+      if (here(group.overrides[i]) && expansion_.overrideId(owners, i) == key.recurrenceId)
+        candidates.append({group.overrides[i], std::nullopt});
     if (candidates.isEmpty())
       for (const EventRef& master : group.masters)
         if (here(master))
-          if (const auto occurrence = expansion_.occurrence(group, master, key.recurrenceId))
+          if (const auto occurrence = expansion_.occurrence(owners, master, key.recurrenceId))
             candidates.append({master, occurrence});
   }
   if (candidates.isEmpty())
@@ -244,12 +245,15 @@ Item Transaction::readBack(const QString& name, const QString& uid, const QStrin
   source_.withUid(uid);  // takes in what was written, so that the snapshot finds it there
   const Snapshot snapshot = source_.snapshot(name, uid);
   const Group group = groupOf(snapshot, uid);
+  const Owners owners(group);
   std::optional<Item> found;
-  for (const EventRef& ref : recurrenceId.isEmpty() ? group.masters : group.overrides) {
+  const QList<EventRef>& refs = recurrenceId.isEmpty() ? group.masters : group.overrides;
+  for (qsizetype i = 0; i < refs.size(); ++i) {
+    const EventRef& ref = refs[i];
     if (!isIn(snapshot, ref) || (found && ref.event->place != place)) continue;
     if (recurrenceId.isEmpty())
       found = expansion_.itemOf(ref, ref.event->isSeries() ? Kind::Master : Kind::Single, {});
-    else if (expansion_.overrideId(group, ref) == recurrenceId)
+    else if (expansion_.overrideId(owners, i) == recurrenceId)
       found = expansion_.itemOf(ref, Kind::Exception, recurrenceId);
   }
   if (found) return *found;
@@ -260,7 +264,7 @@ Item Transaction::readBack(const QString& name, const QString& uid, const QStrin
                                  event.isOverride() ? Kind::Exception : Kind::Single, recurrenceId);
   for (const EventRef& master : group.masters)
     if (isIn(snapshot, master))
-      if (const auto occurrence = expansion_.occurrence(group, master, recurrenceId))
+      if (const auto occurrence = expansion_.occurrence(owners, master, recurrenceId))
         return expansion_.itemOf(*occurrence, *master.event, master.event->place, recurrenceId);
   fail(errNotFound, QStringLiteral("the item \"%1\" is no longer in \"%2\".").arg(uid, source_.pathOf(name)));
 }
@@ -377,7 +381,8 @@ Transaction::Splices Transaction::withoutOverride(const Snapshot& snapshot, cons
                         "of its series, too.")
              .arg(titleOf(*override.file, *override.event)));
   Splices splices{replacing(override, {})};
-  const EventRef* master = expansion_.masterOf(group, override);
+  const Owners owners(group);
+  const EventRef* master = owners.of(override);
   if (!master || !master->event->isSeries()) return splices;
   const Timing timing = expansion_.reader().timingOf(*master->file, *master->event);
   const qint64 wall =
@@ -410,12 +415,11 @@ void Transaction::remove(const ItemKey& key, const QString& tag) {
     const Group group = groupOf(snapshot, key.uid);
     const Target target = find(snapshot, group, key, tag);
     elsewhere.clear();
+    const Owners owners(group);
     if (!target.occurrence && !target.event.event->isOverride())
-      for (const EventRef& override : group.overrides) {
-        const EventRef* master = expansion_.masterOf(group, override);
-        if (!isIn(snapshot, override) && master && master->event == target.event.event)
-          elsewhere.append(override);
-      }
+      for (qsizetype i = 0; i < group.overrides.size(); ++i)
+        if (!isIn(snapshot, group.overrides[i]) && owners.of(i) && owners.of(i)->event == target.event.event)
+          elsewhere.append(group.overrides[i]);
     return withoutItem(snapshot, group, target);
   });
   if (!elsewhere.isEmpty()) removeElsewhere(elsewhere);

@@ -90,30 +90,30 @@ void checkTag(const FolderInfo& folder, const Item& item, const QString& tag) {
 
 QString MemoryStore::addFolder(FolderInfo info) {
   if (info.id.isEmpty()) info.id = u"memory:%1"_s.arg(folders_.size() + 1);
-  folders_.append({info, {}, {}, 0});
+  folders_.append({info, {}, {}, 0, 0});
   return info.id;
 }
 
 ItemKey MemoryStore::add(const QString& folder, Item item) {
   item.kind = Kind::Single;
-  return insert(folderOf(folder), {std::move(item), {}, {}, false});
+  return insert(changedByAnother(folder), {std::move(item), {}, {}, false});
 }
 
 ItemKey MemoryStore::addSeries(const QString& folder, Item master, const Recurrence& rule) {
   master.kind = Kind::Master;
-  return insert(folderOf(folder), {std::move(master), rule, {}, false});
+  return insert(changedByAnother(folder), {std::move(master), rule, {}, false});
 }
 
 ItemKey MemoryStore::addException(const QString& folder, const ItemKey& master, const QString& recurrenceId,
                                   Item changed) {
   changed.kind = Kind::Exception;
   changed.key = {master.place, master.uid, recurrenceId};
-  return insert(folderOf(folder), {std::move(changed), {}, {}, false});
+  return insert(changedByAnother(folder), {std::move(changed), {}, {}, false});
 }
 
 ItemKey MemoryStore::addMeetingRequest(const QString& folder, Item request,
                                        const std::optional<Item>& appointment) {
-  Folder& target = folderOf(folder);
+  Folder& target = changedByAnother(folder);
   Entry entry{std::move(request), {}, {}, false};
   entry.item.kind = Kind::Single;
   if (appointment) {
@@ -129,7 +129,7 @@ void MemoryStore::addProblem(const QString& folder, const Problem& problem) {
 }
 
 void MemoryStore::changeByAnother(const QString& folder, const ItemKey& key, const Change& change) {
-  Folder& target = folderOf(folder);
+  Folder& target = changedByAnother(folder);
   Entry* entry = find(target, key);
   if (!entry) {
     const Entry* master = masterOf(target, key);
@@ -145,7 +145,7 @@ void MemoryStore::changeByAnother(const QString& folder, const ItemKey& key, con
 }
 
 void MemoryStore::removeByAnother(const QString& folder, const ItemKey& key) {
-  erase(folderOf(folder), key);
+  erase(changedByAnother(folder), key);
 }
 
 QList<FolderInfo> MemoryStore::folders() {
@@ -205,6 +205,10 @@ QString MemoryStore::changeTag(const QString& folder) {
   return QString::number(folderOf(folder).revision);
 }
 
+QString MemoryStore::othersTag(const QString& folder, Look) {
+  return QString::number(folderOf(folder).byOthers);
+}
+
 QList<Problem> MemoryStore::problems(const QString& folder) {
   return folderOf(folder).problems;
 }
@@ -224,6 +228,12 @@ MemoryStore::Entry* MemoryStore::find(Folder& folder, const ItemKey& key) {
 MemoryStore::Entry* MemoryStore::masterOf(Folder& folder, const ItemKey& key) {
   Entry* entry = key.recurrenceId.isEmpty() ? nullptr : find(folder, {key.place, key.uid, {}});
   return entry && entry->rule ? entry : nullptr;
+}
+
+MemoryStore::Folder& MemoryStore::changedByAnother(const QString& id) {
+  Folder& folder = folderOf(id);
+  ++folder.byOthers;
+  return folder;
 }
 
 ItemKey MemoryStore::insert(Folder& folder, Entry entry) {

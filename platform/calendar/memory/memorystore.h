@@ -33,6 +33,7 @@ class MemoryStore : public Store {
   Item save(const QString& folder, const ItemKey& key, const QString& tag, const Change& change) override;
   void remove(const QString& folder, const ItemKey& key, const QString& tag) override;
   QString changeTag(const QString& folder) override;
+  QString othersTag(const QString& folder, Look look) override;
   QList<Problem> problems(const QString& folder) override;
 
  private:
@@ -47,9 +48,11 @@ class MemoryStore : public Store {
     QList<Entry> entries;
     QList<Problem> problems;
     qint64 revision = 0;
+    qint64 byOthers = 0;
   };
 
   Folder& folderOf(const QString& id);
+  Folder& changedByAnother(const QString& id);
   static Entry* find(Folder& folder, const ItemKey& key);
   static Entry* masterOf(Folder& folder, const ItemKey& key);
   ItemKey insert(Folder& folder, Entry entry);

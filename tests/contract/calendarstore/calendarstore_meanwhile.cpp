@@ -130,6 +130,44 @@ TEST_P(CalendarStoreContract, TheFoldersTagChangesWithEveryChangeAndOnlyThen) {
   expectNew();
 }
 
+TEST_P(CalendarStoreContract, TheOthersTagTellsOfWhatOthersDidAndNotOfOnesOwn) {
+  open({timed(u"a"_s, u"A"_s, u"2024-03-04 09:00"_s), timed(u"b"_s, u"B"_s, u"2024-03-05 09:00"_s),
+        standUp()});
+  QString tag = store->othersTag(folder, Look::Thorough);
+  const auto expectSame = [&] {
+    EXPECT_EQ(store->othersTag(folder, Look::Glance), tag);
+    plain();
+    EXPECT_EQ(store->othersTag(folder, Look::Thorough), tag);
+  };
+  expectSame();
+  Change change;
+  change.subject = u"Changed"_s;
+  save(single(u"A"_s), change);
+  expectSame();
+  change.subject = u"Changed by itself"_s;
+  save(expanded().value(1), change);
+  expectSame();
+  change.subject = u"New"_s;
+  change.start = QDateTime(QDate(2024, 3, 6), QTime(9, 0), Qt::UTC);
+  store->save(folder, {}, {}, change);
+  expectSame();
+  store->hold();
+  change.subject = u"Held"_s;
+  save(single(u"B"_s), change);
+  store->flush();
+  expectSame();
+  const Item item = single(u"Changed"_s);
+  store->remove(folder, item.key, item.tag);
+  expectSame();
+  maker->changeSubjectByAnother(0, u"series"_s, u"Changed by another"_s);
+  EXPECT_NE(store->othersTag(folder, Look::Thorough), std::exchange(tag, QString()));
+  tag = store->othersTag(folder, Look::Thorough);
+  expectSame();
+  maker->removeByAnother(0, u"series"_s);
+  EXPECT_NE(store->othersTag(folder, Look::Thorough), tag);
+  EXPECT_EQ(failureOf([&] { store->othersTag(u"no such folder"_s, Look::Glance); }), errNotFound);
+}
+
 TEST_P(CalendarStoreContract, WhatAnotherProgramDidIsSeenByTheNextLook) {
   open({timed(u"a"_s, u"A"_s, u"2024-03-04 09:00"_s), timed(u"b"_s, u"B"_s, u"2024-03-05 09:00"_s)});
   EXPECT_EQ(plain().size(), 2);

@@ -1,5 +1,7 @@
 #include "platform/calendar/icalendar/index/foldercheck.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <chrono>
 #include <exception>
@@ -51,8 +53,11 @@ QList<qint64> KnownFiles::unseen() const {
   return missing;
 }
 
-FolderCheck::FolderCheck(QString folder, QString databasePath, quint64 identity)
-    : folder_(std::move(folder)), databasePath_(std::move(databasePath)), identity_(identity) {}
+FolderCheck::FolderCheck(QString path, bool isFolder, QString databasePath, quint64 identity)
+    : path_(std::move(path)),
+      isFolder_(isFolder),
+      databasePath_(std::move(databasePath)),
+      identity_(identity) {}
 
 FolderCheck::~FolderCheck() {
   stop_ = true;
@@ -89,21 +94,36 @@ std::optional<FolderCheck::Differences> FolderCheck::take(int waitMs) {
   return std::exchange(found_, {});
 }
 
+bool FolderCheck::isDone() {
+  const std::lock_guard lock(mutex_);
+  return done_;
+}
+
+void FolderCheck::lookAtFolder(Database& database, Differences& found) const {
+  KnownFiles known(database);
+  const bool whole = listFolder(path_, [&](const QString& name, const DiskState& state) {
+    if (known.see(name, state.stamp) != KnownFiles::State::Same) found.names.append(name);
+    return !stop_ && found.names.size() < maxNames;
+  });
+  const QList<qint64> gone = known.unseen();
+  found.failed = !whole || stop_ || found.names.size() + gone.size() >= maxNames;
+  if (found.failed) return;
+  for (const qint64 id : gone) {
+    Rows rows = database.ask("SELECT name FROM file WHERE id = ?", id);
+    if (rows.next()) found.names.append(rows.text(0));
+  }
+}
+
 FolderCheck::Differences FolderCheck::look() const {
   Differences found;
   try {
     Database database(databasePath_, identity_, Database::Access::ReadWrite);
-    KnownFiles known(database);
-    const bool whole = listFolder(folder_, [&](const QString& name, const DiskState& state) {
-      if (known.see(name, state.stamp) != KnownFiles::State::Same) found.names.append(name);
-      return !stop_ && found.names.size() < maxNames;
-    });
-    const QList<qint64> gone = known.unseen();
-    found.failed = !whole || stop_ || found.names.size() + gone.size() >= maxNames;
-    if (found.failed) return found;
-    for (const qint64 id : gone) {
-      Rows rows = database.ask("SELECT name FROM file WHERE id = ?", id);
-      if (rows.next()) found.names.append(rows.text(0));
+    if (isFolder_) {
+      lookAtFolder(database, found);
+    } else {
+      const QString name = QFileInfo(path_).fileName();
+      const auto known = fileNamed(database, name);
+      if (!known || known->stamp != stateOf(path_).stamp) found.names.append(name);
     }
   } catch (const IndexFailure&) {
     found.failed = true;  // whoever takes the result finds the same out by himself

@@ -30,15 +30,15 @@ class KnownFiles {
   std::vector<bool> seen_;
 };
 
-/// Looks at every file of a folder, on a thread of its own with a connection of its own, and says which are
-/// not as the index has them. It changes nothing.
+/// Looks at every file of a folder, or at the one file of a calendar, on a thread of its own with a
+/// connection of its own, and says which are not as the index has them. It changes nothing.
 class FolderCheck {
  public:
   struct Differences {
     bool failed = false;  // or so many that going through all is quicker
     QStringList names;    // other than they were, new, or gone
   };
-  FolderCheck(QString folder, QString databasePath, quint64 identity);
+  FolderCheck(QString path, bool isFolder, QString databasePath, quint64 identity);
   /// Stops the check, if one runs.
   ~FolderCheck();
 
@@ -46,12 +46,16 @@ class FolderCheck {
   void start();
   /// Waits at most so long; nothing while the check still runs, or when none was started.
   std::optional<Differences> take(int waitMs);
-  bool isRunning() const { return thread_.joinable(); }
+  /// Whether `take` would come back with something at once.
+  bool isDone();
 
  private:
   Differences look() const;
+  void lookAtFolder(Database& database, Differences& found) const;
 
-  QString folder_, databasePath_;
+  QString path_;
+  bool isFolder_;
+  QString databasePath_;
   quint64 identity_;
   std::thread thread_;
   std::mutex mutex_;

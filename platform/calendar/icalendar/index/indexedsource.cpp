@@ -69,36 +69,50 @@ void IndexedSource::close() {
   intake_.reset();
   database_.reset();
   watch_.end();
+  following_ = false;
   pending_.clear();
   unsureTaken_ = false;
-  changed();
+  changed(By::Others);
 }
 
 bool IndexedSource::open() {
   if (failures_ >= maxFailures || (taken_ && Clock::now() - *taken_ < retryAfter)) return false;
   taken_.reset();
-  // before anything is read: what changes from here on is heard of
-  if (options_.watches) watch_.begin(path_);
   const DiskState root = stateOf(path_);
   database_ = file_.open();
   bool fresh = !database_;
+  // before anything is read: what changes from here on is heard of
+  following_ = fresh;
+  if (fresh && options_.watches) watch_.begin(path_);
   try {
     if (fresh && !make()) return false;
   } catch (const IndexFailure& failure) {
     if (!failure.isBusy()) throw;
     database_ = file_.open();  // somebody may have made it meanwhile
     if (!database_) throw;
-    fresh = false;
+    following_ = false;
   }
   intake_.emplace(*database_, path_, isFolder_);
   hits_.emplace(*database_, path_, isFolder_);
   sweepIndexesOnce(options_.cacheFolder, file_.path());
-  if (!isFolder_ || fresh) return true;
-  const auto known = database_->number("SELECT stamp FROM calendar").value_or(0);
-  if (!watch_.isOn() || known == 0 || static_cast<quint64>(known) != root.stamp) return passAll(*database_);
-  check_ = std::make_unique<FolderCheck>(path_, file_.path(), file_.identity());
-  check_->start();
+  const auto known = isFolder_ ? database_->number("SELECT stamp FROM calendar").value_or(0) : 0;
+  asItWas_ = !isFolder_ || (known != 0 && static_cast<quint64>(known) == root.stamp);
   return true;
+}
+
+/// From here on what changes is heard of; what has changed before is looked for in the background. A process
+/// that asks but once is spared both: all that it shows is compared with the files, and that a file came or
+/// went the folder tells.
+void IndexedSource::follow() {
+  following_ = true;
+  unsureTaken_ = false;
+  if (options_.watches) watch_.begin(path_);
+  if (isFolder_) startCheck();
+}
+
+void IndexedSource::startCheck() {
+  check_ = std::make_unique<FolderCheck>(path_, isFolder_, file_.path(), file_.identity());
+  check_->start();
 }
 
 /// False when the calendar cannot be read.
@@ -126,7 +140,9 @@ bool IndexedSource::discard() {
 
 bool IndexedSource::refresh(Wait wait) {
   const auto version = database_->number("PRAGMA data_version");
-  if (std::exchange(version_, version) != version) changed();  // another process has taken something in
+  // another process has taken something in
+  if (std::exchange(version_, version) != version) changed(By::Others);
+  if (!following_ && !(wait == Wait::Short && asItWas_)) follow();
   return isFolder_ ? refreshFolder(wait) : refreshOne();
 }
 
@@ -154,13 +170,14 @@ bool IndexedSource::takeOne(const DiskState& now, bool again) {
   Change change(*database_);
   const Intake::Result result = intake_->take(ownName_, now, again);
   change.commit();
-  if (result != Intake::Result::Same) changed();
+  if (result != Intake::Result::Same) changed(By::Others);
   return result != Intake::Result::Odd && result != Intake::Result::Unread;
 }
 
 bool IndexedSource::refreshOne() {
   bool again = watch_.take().any;
   if (again) watch_.begin(path_);  // maybe it is another file now
+  if (check_ && check_->isDone()) check_.reset(), lastPass_ = Clock::now();
   const DiskState now = stateOf(path_);
   auto row = fileNamed(*database_, ownName_);
   const bool heardOf = watch_.isOn() && unsureTaken_;
@@ -173,32 +190,48 @@ bool IndexedSource::refreshOne() {
   return row && row->form != Form::Unread;
 }
 
-bool IndexedSource::refreshFolder(Wait wait) {
-  Watch::News news = watch_.take();
+/// Where nothing is heard of, everything has to be looked at, at times.
+bool IndexedSource::isDue() const {
+  return !watch_.isOn() && !check_ &&
+         (options_.checkEveryMs <= 0 ||
+          Clock::now() - lastPass_ >= std::chrono::milliseconds(options_.checkEveryMs));
+}
+
+/// The names of the files that have to be compared, and of those to be read whatever their times say. False
+/// when the folder cannot be read.
+bool IndexedSource::takeNews(Wait wait, QSet<QString>& plain, QSet<QString>& again) {
+  const Watch::News news = watch_.take();
   if (news.lost) {
     if (!watch_.begin(path_)) lastPass_ = {};
     if (!passAll(*database_)) return false;
     unsureTaken_ = false;  // of files whose times prove nothing, what was lost would have told
   }
-  if (!watch_.isOn() && (options_.checkEveryMs <= 0 ||
-                         Clock::now() - lastPass_ >= std::chrono::milliseconds(options_.checkEveryMs))) {
+  if (following_ && isDue()) {
     if (!passAll(*database_)) return false;
     unsureTaken_ = false;
   }
-  QSet<QString> again = std::exchange(pending_, {}) + news.names, plain, unsettled;
+  again = std::exchange(pending_, {}) + news.names;
+  if (!check_) return true;
+  const int patience = wait == Wait::None   ? 0
+                       : wait == Wait::Full ? longestCheckMs
+                       : asItWas_           ? 0
+                                            : options_.firstAnswerMs;
+  if (const auto found = check_->take(patience)) {
+    check_.reset();
+    lastPass_ = Clock::now();
+    if (!watch_.isOn()) unsureTaken_ = false;
+    if (found->failed && !passAll(*database_)) return false;
+    plain = QSet<QString>(found->names.begin(), found->names.end());
+  }
+  return true;
+}
+
+bool IndexedSource::refreshFolder(Wait wait) {
+  QSet<QString> plain, again, unsettled;
+  if (!takeNews(wait, plain, again)) return false;
   takeUnsure(plain, unsettled);
   again += unsettled;
   unsureTaken_ = true;
-  if (check_) {
-    const int patience = wait == Wait::None    ? 0
-                         : wait == Wait::Short ? options_.firstAnswerMs
-                                               : longestCheckMs;
-    if (const auto found = check_->take(patience)) {
-      check_.reset();
-      if (found->failed && !passAll(*database_)) return false;
-      plain += QSet<QString>(found->names.begin(), found->names.end());
-    }
-  }
   takeFiles(plain - again, false);
   takeFiles(again, true);
   // such a name does not lead to its file; listing the folder does
@@ -222,7 +255,7 @@ void IndexedSource::takeFiles(QSet<QString> names, bool again) {
   change.commit();
   if (!any) return;
   lastTaken_ = Clock::now();
-  changed();
+  changed(By::Others);
 }
 
 /// Looks at every file. False when the folder cannot be read.
@@ -249,7 +282,7 @@ bool IndexedSource::passAll(Database& database) {
   check_.reset();
   lastPass_ = Clock::now();
   if (any || fresh) lastTaken_ = lastPass_;
-  if (any) changed();
+  if (any) changed(By::Others);
   return true;
 }
 
@@ -263,8 +296,9 @@ void IndexedSource::rememberFolder() {
     database_->run("UPDATE calendar SET stamp = ?", root.stamp);
 }
 
-void IndexedSource::changed() {
+void IndexedSource::changed(By by) {
   ++revision_;
+  if (by == By::Others) ++others_;
   if (hits_) hits_->forget();
 }
 
@@ -365,8 +399,13 @@ QList<Group> IndexedSource::withSubject(const QString& subject) {
     }
     return named(uids);
   };
-  const Wait wait = std::exchange(answeredOnce_, true) ? Wait::Full : Wait::Short;
-  return answered<QList<Group>>(wait, asked, [&] { return cache_.withSubject(subject); });
+  const auto otherwise = [&] { return cache_.withSubject(subject); };
+  if (!std::exchange(answeredOnce_, true)) {
+    const QList<Group> found = answered<QList<Group>>(Wait::Short, asked, otherwise);
+    if (!found.isEmpty()) return found;
+    // whoever finds nothing may write it anew
+  }
+  return answered<QList<Group>>(Wait::Full, asked, otherwise);
 }
 
 qint64 IndexedSource::countUpTo(qint64 most) {
@@ -428,6 +467,23 @@ QString IndexedSource::changeTag() {
   return answered<QString>(Wait::None, asked, [&] { return cache_.changeTag(); });
 }
 
+/// Where the system tells of changes, or nothing is known yet, a question costs next to nothing. Elsewhere
+/// the files are looked at in the background first, so that a server that does not answer holds up nobody.
+bool IndexedSource::isWorthAGlance() {
+  if (!database_ || !following_ || watch_.isOn()) return true;
+  if (check_) return check_->isDone();
+  if (isDue()) startCheck();
+  return false;
+}
+
+QString IndexedSource::othersTag(Look look) {
+  if (look == Look::Glance && !isWorthAGlance()) return told_;
+  const auto asked = [&] { return QStringLiteral("%1-%2").arg(nonce_).arg(others_); };
+  const auto otherwise = [&] { return asked() + u'+' + cache_.othersTag(look); };
+  told_ = answered<QString>(look == Look::Glance ? Wait::None : Wait::Full, asked, otherwise);
+  return told_;
+}
+
 Snapshot IndexedSource::snapshot(const QString& name, const QString& uid) {
   const auto asked = [&] {
     seen_.reset();
@@ -459,7 +515,7 @@ void IndexedSource::written(const QString& name, const QList<files::Splice>& spl
     change.commit();
     seen_.reset();
     lastTaken_ = Clock::now();
-    changed();
+    changed(asTold ? By::Us : By::Others);
     if (!isFolder_ || result == Intake::Result::Unread) return;
     // the folder tells of our own writing as well, which is no news unless somebody wrote behind us
     const Watch::News news = watch_.take();

@@ -16,8 +16,8 @@ struct IndexOptions {
   /// Changes are told by the system where it can; else all files are looked at, at most this often.
   bool watches = true;
   int checkEveryMs = 2000;
-  /// After a start an index answers when its folder is as it was; its files are looked at meanwhile. So long
-  /// does the first answer wait for that; every later one waits until it is done.
+  /// The first answer comes at once where the folder is as it was. Where it is not, the first answer waits so
+  /// long for a look at its files; every later one waits until that is done. A glance never does.
   int firstAnswerMs = 3000;
 };
 
@@ -41,6 +41,7 @@ class IndexedSource : public EventSource {
   bool isFolder() const override { return cache_.isFolder(); }
   QString pathOf(const QString& name) const override { return cache_.pathOf(name); }
   QString changeTag() override;
+  QString othersTag(Look look) override;
   void sweep() override { cache_.sweep(); }
 
   /// For tests: whether the last question was answered from the index.
@@ -58,15 +59,21 @@ class IndexedSource : public EventSource {
   bool make();
   void close();
   bool discard();
+  void follow();
+  void startCheck();
+  bool isDue() const;
+  bool isWorthAGlance();
   bool refresh(Wait wait);
   bool refreshOne();
   bool refreshFolder(Wait wait);
+  bool takeNews(Wait wait, QSet<QString>& plain, QSet<QString>& again);
   void takeFiles(QSet<QString> names, bool again);
   bool takeOne(const index::DiskState& now, bool again);
   bool passAll(index::Database& database);
   void takeUnsure(QSet<QString>& linked, QSet<QString>& unsettled);
   void rememberFolder();
-  void changed();
+  enum class By { Us, Others };
+  void changed(By by);
   QList<Group> named(const QSet<quint64>& uids);
   static QList<Group> grouped(const QList<EventRef>& events);
   QList<Problem> problemsOf(const index::FileRow& file);
@@ -80,6 +87,8 @@ class IndexedSource : public EventSource {
   std::unique_ptr<index::Database> database_;
   std::optional<index::Intake> intake_;
   std::optional<index::Hits> hits_;
+  bool following_ = false;  // changes are heard of, or looked for
+  bool asItWas_ = false;    // the folder, when the index was opened
   index::Watch watch_;
   std::unique_ptr<index::FolderCheck> check_;
   qint64 rootDevice_ = 0;
@@ -94,7 +103,8 @@ class IndexedSource : public EventSource {
   std::optional<Clock::time_point> taken_;  // since then another process has the index
   std::optional<quint64> seen_;             // the stamp of the rows that the last snapshot was made from
   QString nonce_;
-  quint64 revision_ = 0;
+  quint64 revision_ = 0, others_ = 0;
+  QString told_;  // the last tag of the others' changes
 };
 
 }  // namespace platform::calendar::icalendar

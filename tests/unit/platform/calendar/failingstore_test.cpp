@@ -66,6 +66,7 @@ TEST_F(FailingStoreTest, EveryOperationCanFailWithTheToldFailureUntilItHeals) {
       {Operation::Save, [&] { save(u"A"_s); }},
       {Operation::Remove, [&] { store.remove(folder, named(u"B"_s).key, named(u"B"_s).tag); }},
       {Operation::ChangeTag, [&] { store.changeTag(folder); }},
+      {Operation::OthersTag, [&] { store.othersTag(folder, Look::Glance); }},
       {Operation::Problems, [&] { store.problems(folder); }}};
   for (const auto& [operation, call] : operations) {
     store.failAlways(operation, broken);

@@ -35,6 +35,9 @@ class HoldingStore : public platform::calendar::Store {
     inner_->remove(folder, key, tag);
   }
   QString changeTag(const QString& folder) override { return inner_->changeTag(folder); }
+  QString othersTag(const QString& folder, platform::calendar::Look look) override {
+    return inner_->othersTag(folder, look);
+  }
   QList<platform::calendar::Problem> problems(const QString& folder) override {
     return inner_->problems(folder);
   }

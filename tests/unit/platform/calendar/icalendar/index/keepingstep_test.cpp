@@ -14,7 +14,9 @@
 
 // Changes of others, while the program runs and while it does not.
 using namespace index_tests;
+using platform::calendar::Look;
 using platform::calendar::icalendar::index::Database;
+using platform::calendar::icalendar::index::DiskState;
 using platform::calendar::icalendar::index::IndexFile;
 
 namespace {
@@ -174,13 +176,100 @@ TEST_F(KeepingStep, WhatChangedWhileTheProgramDidNotRunIsSeenByTheSecondQuestion
   EXPECT_TRUE(index->answeredFromIndex());
 }
 
-TEST_F(KeepingStep, TheFirstQuestionWaitsForTheCheckAsLongAsItMay) {
+TEST_F(KeepingStep, WhereTheFolderIsNotAsItWasTheFirstAnswerWaitsForALookAtItsFiles) {
   fill(40);
   expectMonth(*open(folder()), folder());
   write(path(u"2.ics"_qs), item("u2", "moved into the month"));
+  write(path(u"new.ics"_qs), item("new", "new"));
   IndexOptions patient = options();
   patient.firstAnswerMs = 60'000;
   expectMonth(*openWith(patient, folder()), folder());
+}
+
+TEST_F(KeepingStep, WhoAsksOnceOfAFolderThatIsAsItWasDoesNotWaitForALookAtEveryFile) {
+  fill(40);
+  {
+    const auto index = open(folder());
+    expectMonth(*index, folder());
+    expectMonth(*index, folder());
+  }
+  write(path(u"2.ics"_qs), item("u2", "moved into the month"));
+  const auto index = open(folder());
+  EXPECT_EQ(shownBy(*index, QDate(2020, 2, 1), QDate(2020, 3, 1)).filter(u"2.ics u2"_qs).size(), 0);
+  EXPECT_TRUE(index->answeredFromIndex());
+  expectMonth(*index, folder());
+}
+
+TEST_F(KeepingStep, WhatIsWrittenInPlaceBetweenTheFirstTwoQuestionsIsSeen) {
+  for (const QString& calendar : {folder(), file()}) {
+    fill(4);
+    write(file(), item("u", "one"));  // young: its times prove nothing
+    expectMonth(*open(calendar), calendar);
+    const auto index = open(calendar);
+    expectMonth(*index, calendar);
+    const QString name = calendar == file() ? file() : path(u"1.ics"_qs);
+    const DiskState was = platform::calendar::icalendar::index::stateOf(name);
+    write(name, item(calendar == file() ? "u" : "u1", "two"));
+    const struct timespec time { was.mtimeNs / 1'000'000'000, was.mtimeNs % 1'000'000'000 };
+    const struct timespec times[2] = {time, time};
+    ASSERT_EQ(::utimensat(AT_FDCWD, qPrintable(name), times, 0), 0);
+    expectMonth(*index, calendar);
+  }
+}
+
+TEST_F(KeepingStep, WhoFindsNothingOfASubjectHasLookedAtEveryFile) {
+  fill(40);
+  {
+    const auto index = open(folder());
+    expectMonth(*index, folder());
+    expectMonth(*index, folder());
+  }
+  write(path(u"2.ics"_qs), item("u2", "The settings"));
+  EXPECT_EQ(open(folder())->withSubject(u"The settings"_qs).size(), 1);
+}
+
+TEST_F(KeepingStep, AGlanceTellsOfOthersSoonAndOfNothingElse) {
+  fill(40);
+  expectMonth(*open(folder()), folder());
+  write(path(u"2.ics"_qs), item("u2", "moved into the month"));
+  const auto index = open(folder());
+  index->othersTag(Look::Glance);
+  QString tag = index->othersTag(Look::Thorough);
+  expectMonth(*index, folder());
+  EXPECT_EQ(index->othersTag(Look::Glance), tag);
+  const auto expectTold = [&](const char* what) {
+    EXPECT_NE(index->othersTag(Look::Glance), tag) << what << ": what the system tells is known at once";
+    tag = index->othersTag(Look::Thorough);
+    EXPECT_EQ(index->othersTag(Look::Glance), tag) << what;
+  };
+  write(path(u"3.ics"_qs), item("u3", "in place"));
+  expectTold("written");
+  write(path(u"new.ics"_qs), item("new", "new"));
+  expectTold("new");
+  QFile::remove(path(u"new.ics"_qs));
+  expectTold("removed");
+  QFile::rename(path(u"3.ics"_qs), path(u"moved.ics"_qs));
+  expectTold("renamed");
+}
+
+TEST_F(KeepingStep, WhereTheSystemTellsNothingAGlanceNeverLooksAtTheFilesItself) {
+  IndexOptions deaf = options();
+  deaf.watches = false;
+  deaf.checkEveryMs = 0;
+  fill(40);
+  write(file(), item("u", "one"));
+  makeOld(file());
+  for (const QString& calendar : {folder(), file()}) {
+    const auto index = openWith(deaf, calendar);
+    expectMonth(*index, calendar);
+    expectMonth(*index, calendar);
+    while (index->othersTag(Look::Glance).isEmpty()) std::this_thread::yield();
+    const QString tag = index->othersTag(Look::Thorough);
+    write(calendar == file() ? file() : path(u"3.ics"_qs), item("u3", "in place"));
+    EXPECT_EQ(index->othersTag(Look::Glance), tag) << "whoever looks here and now sees another file";
+    while (index->othersTag(Look::Glance) == tag) std::this_thread::yield();
+    expectMonth(*index, calendar);
+  }
 }
 
 TEST_F(KeepingStep, ASecondQuestionForASubjectWaitsForTheWholeCheck) {
@@ -310,6 +399,7 @@ TEST_F(KeepingStep, TwoProgramsShareAnIndex) {
   const auto one = open(folder());
   expectMonth(*one, folder());
   const auto other = open(folder());
+  expectMonth(*other, folder());
   for (int i = 0; i < 6; ++i) {
     write(path(u"%1.ics"_qs.arg(i)), item("u" + QByteArray::number(i), "round " + QByteArray::number(i)));
     IndexedSource& first = i % 2 ? *one : *other;
@@ -390,6 +480,7 @@ TEST_F(KeepingStep, WhereNoThreadCanBeHadTheFilesAreLookedAtAllTheSame) {
     const NoMoreThreads none;
     EXPECT_THROW(std::thread([] {}).join(), std::system_error);
     const auto index = open(folder());
+    index->othersTag(Look::Glance);
     expectMonth(*index, folder());
     EXPECT_TRUE(index->answeredFromIndex());
     expectSame(*index, folder());
