@@ -140,6 +140,22 @@ bool isYoung(const Fingerprint& file) {
   return file.mtimeNs > qint64(now.tv_sec) * 1'000'000'000 + now.tv_nsec - settlingNs;
 }
 
+/// There a refused lease tells nothing of who writes, nor is one worth anything: those who write on other
+/// machines are not known here.
+bool isOnAServer(int file) {
+  struct statfs system {};
+  if (retried([&] { return calls().fstatfs(file, &system); }) < 0) return true;
+  switch (static_cast<unsigned>(system.f_type)) {
+    case 0x6969:      // NFS
+    case 0x517B:      // SMB
+    case 0xFF534D42:  // CIFS
+    case 0xFE534D42:  // SMB 2
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 bool isStill(const Place& place, const Fingerprint& expected, const QByteArray* written, Fingerprint* seen) {
@@ -152,7 +168,7 @@ bool wasStill(const Place& place, const QByteArray& name, const Fingerprint& see
   if (!found) return true;  // as below
   const Descriptor file = openForReading(place.folder, name, place.path);
   // No name leads there any more, so nobody else can come to write into it.
-  if (calls().lease(file) < 0 && errno == EAGAIN) return false;
+  if (!isOnAServer(file) && calls().lease(file) < 0 && errno == EAGAIN) return false;
   const std::optional<struct stat> unwritten = lookAt(place, name);
   if (!unwritten) return true;
   const Fingerprint now = fingerprintOf(*unwritten);

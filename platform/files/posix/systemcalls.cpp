@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
-#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace platform::files {
@@ -15,22 +14,6 @@ namespace {
 const SystemCalls*& inForce() {
   static const SystemCalls* calls = nullptr;
   return calls;
-}
-
-/// Of a server's file the system has a lease only where the server has lent it one, and says EAGAIN where it
-/// has not (NFS 4, SMB): that tells nothing of who writes.
-bool isOnAServer(int file) {
-  struct statfs system {};
-  if (::fstatfs(file, &system) < 0) return true;
-  switch (static_cast<unsigned>(system.f_type)) {
-    case 0x6969:      // NFS
-    case 0x517B:      // SMB
-    case 0xFF534D42:  // CIFS
-    case 0xFE534D42:  // SMB 2
-      return true;
-    default:
-      return false;
-  }
 }
 
 }  // namespace
@@ -50,6 +33,7 @@ SystemCalls SystemCalls::ofTheSystem() {
   calls.clone = [](int to, int from) { return ::ioctl(to, FICLONE, from); };
   calls.fsync = ::fsync;
   calls.fstat = [](int file, struct stat* out) { return ::fstat(file, out); };
+  calls.fstatfs = [](int file, struct statfs* out) { return ::fstatfs(file, out); };
   calls.fstatat = [](int folder, const char* name, struct stat* out, int flags) {
     return ::fstatat(folder, name, out, flags);
   };
@@ -68,10 +52,6 @@ SystemCalls SystemCalls::ofTheSystem() {
   };
   calls.unlinkat = [](int folder, const char* name) { return ::unlinkat(folder, name, 0); };
   calls.lease = [](int file) {
-    if (isOnAServer(file)) {
-      errno = EINVAL;
-      return -1;
-    }
     // whoever opens the file for writing at this moment has a signal sent to us; the usual one would end us
     const bool taken = ::fcntl(file, F_SETSIG, SIGURG) == 0 && ::fcntl(file, F_SETLEASE, F_RDLCK) == 0;
     return taken ? ::fcntl(file, F_SETLEASE, F_UNLCK) : -1;

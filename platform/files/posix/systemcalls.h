@@ -3,6 +3,7 @@
 #include <functional>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <sys/vfs.h>
 
 namespace platform::files {
 
@@ -19,6 +20,7 @@ struct SystemCalls {
   std::function<int(int to, int from)> clone;  // of a whole file
   std::function<int(int file)> fsync;
   std::function<int(int file, struct stat* out)> fstat;
+  std::function<int(int file, struct statfs* out)> fstatfs;
   std::function<int(int folder, const char* name, struct stat* out, int flags)> fstatat;
   std::function<ssize_t(int folder, const char* name, char* out, size_t size)> readlinkat;
   std::function<int(int folder, const char* name, int mode, int flags)> faccessat;
@@ -29,7 +31,8 @@ struct SystemCalls {
   std::function<int(int folder, const char* a, const char* b)> renameatExchange;       // both names are taken
   std::function<int(int folder, const char* name)> unlinkat;
   /// Takes a lease for reading on an open file and gives it back: EAGAIN while anybody has it open for
-  /// writing.
+  /// writing. Of a server's file the system says that, too, where the server has not lent it one (NFS 4,
+  /// SMB).
   std::function<int(int file)> lease;
 
   static SystemCalls ofTheSystem();

@@ -295,6 +295,94 @@ TEST_F(ChangedMeanwhileTest, WhereLeasesAreUnknownAFileIsReplacedAllTheSame) {
   }
 }
 
+namespace {
+
+/// Files on a file system of that kind, where every lease is refused as if somebody wrote.
+SystemCalls callsOn(unsigned type, int* leases) {
+  SystemCalls calls = SystemCalls::ofTheSystem();
+  calls.fstatfs = [type](int file, struct statfs* out) {
+    const int result = SystemCalls::ofTheSystem().fstatfs(file, out);
+    out->f_type = static_cast<decltype(out->f_type)>(type);
+    return result;
+  };
+  calls.lease = [leases](int) {
+    ++*leases;
+    errno = EAGAIN;
+    return -1;
+  };
+  return calls;
+}
+
+constexpr unsigned typesOfServers[] = {0x6969, 0x517B, 0xFF534D42, 0xFE534D42};
+
+}  // namespace
+
+TEST_F(ChangedMeanwhileTest, OnAServerARefusedLeaseTellsOfNobodyAndAFileIsReplaced) {
+  for (const unsigned type : typesOfServers) {
+    const Fingerprint seen = read("old");
+    int leases = 0;
+    const ScopedSystemCalls scope(callsOn(type, &leases));
+    EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written) << type;
+    EXPECT_EQ(folder.content(name), "new");
+    EXPECT_EQ(folder.names(), QStringList{name});
+    EXPECT_EQ(leases, 0) << "it may make the server ask other machines";
+  }
+  constexpr unsigned onThisMachine[] = {0xEF53, 0x9123683E, 0x01021994,
+                                        0x58465342};  // ext4, btrfs, tmpfs, XFS
+  for (const unsigned type : onThisMachine) {
+    const Fingerprint seen = read("old");
+    int leases = 0;
+    const ScopedSystemCalls scope(callsOn(type, &leases));
+    expectKept(replaceFile(path, "new", seen), "old");
+    EXPECT_GT(leases, 0) << type;
+  }
+}
+
+TEST_F(ChangedMeanwhileTest, OnAServerAnotherVersionThatIsPutThereInTheVeryLastMomentIsKept) {
+  for (const unsigned type : typesOfServers) {
+    const Fingerprint seen = read("old");
+    int leases = 0;
+    SystemCalls calls = callsOn(type, &leases);
+    bool done = false;
+    calls.renameatExchange = [&](int at, const char* a, const char* b) {
+      if (!std::exchange(done, true)) folder.put(name, "theirs");
+      return SystemCalls::ofTheSystem().renameatExchange(at, a, b);
+    };
+    const ScopedSystemCalls scope(calls);
+    expectKept(replaceFile(path, "mine", seen), "theirs");
+    EXPECT_TRUE(done);
+  }
+}
+
+TEST_F(ChangedMeanwhileTest, OnAServerWithoutExchangesAFileIsReplacedAndAnEarlierChangeIsKept) {
+  for (const unsigned type : typesOfServers) {
+    int leases = 0;
+    SystemCalls calls = callsOn(type, &leases);
+    calls.renameatExchange = [](int, const char*, const char*) {  // as NFS says
+      errno = EINVAL;
+      return -1;
+    };
+    const Fingerprint seen = read("old");
+    const ScopedSystemCalls scope(calls);
+    EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+    EXPECT_EQ(folder.content(name), "new");
+    expectKept(replaceFile(path, "mine", seen), "new");
+  }
+}
+
+TEST_F(ChangedMeanwhileTest, WhereItIsNotKnownWhatKindOfFileSystemItIsAFileIsReplacedAllTheSame) {
+  const Fingerprint seen = read("old");
+  int leases = 0;
+  SystemCalls calls = callsOn(0xEF53, &leases);
+  calls.fstatfs = [](int, struct statfs*) {
+    errno = ENOSYS;
+    return -1;
+  };
+  const ScopedSystemCalls scope(calls);
+  EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written);
+  EXPECT_EQ(leases, 0);
+}
+
 TEST_F(ChangedMeanwhileTest, WhereNumbersBelongToNamesAFileIsReplacedAndAChangeIsKeptAllTheSame) {
   SystemCalls calls = SystemCalls::ofTheSystem();
   calls.fstatat = [](int at, const char* name, struct stat* out, int flags) {

@@ -33,6 +33,7 @@ class FailingCalls {
     wrap(&calls_.renameatNoReplace, real.renameatNoReplace, "renameatNoReplace");
     wrap(&calls_.renameatExchange, real.renameatExchange, "renameatExchange");
     wrap(&calls_.unlinkat, real.unlinkat, "unlinkat");
+    calls_.fstatfs = real.fstatfs;
     calls_.lease = real.lease;  // where it fails nothing is known, and nothing follows from it
   }
   const SystemCalls& calls() const { return calls_; }
