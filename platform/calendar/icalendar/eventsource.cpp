@@ -27,15 +27,23 @@ qint64 nanoseconds(fs::file_time_type time) {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
 }
 
-/// 0 where the system has no such thing.
-quint64 inodeOf(const fs::path& path) {
+struct Identity {
+  quint64 inode = 0;  // 0 where the system has no such thing
+  qint64 changedNs = 0;
+};
+
+Identity identityOf(const fs::path& path) {
 #ifdef Q_OS_UNIX
   struct stat found {};
-  return ::stat(path.c_str(), &found) == 0 ? found.st_ino : 0;
+  if (::stat(path.c_str(), &found) == 0) {
+    const auto changed = fs::file_time_type::clock::from_sys(std::chrono::sys_time<std::chrono::nanoseconds>(
+        std::chrono::seconds(found.st_ctim.tv_sec) + std::chrono::nanoseconds(found.st_ctim.tv_nsec)));
+    return {found.st_ino, nanoseconds(changed)};
+  }
 #else
   static_cast<void>(path);
-  return 0;
 #endif
+  return {};
 }
 
 /// A file's name as a text. Of a name that is not in UTF-8 the bytes that are no letters become U+FFFD; such
@@ -70,9 +78,10 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
     std::error_code ignored;
     const auto time = file.last_write_time(ignored);
     const auto size = file.is_regular_file(ignored) ? file.file_size(ignored) : 0;
+    const Identity identity = identityOf(file.path());
     // a link that leads nowhere has no time
     found.insert(name, {time == fs::file_time_type::min() ? 0 : nanoseconds(time), static_cast<qint64>(size),
-                        inodeOf(file.path())});
+                        identity.inode, identity.changedNs});
   };
   const fs::file_status status = fs::status(root, error);
   if (!fs::exists(status)) fail(errNotFound, label_, QStringLiteral("\"%1\" does not exist.").arg(path_));
@@ -98,7 +107,8 @@ QMap<QString, FileCache::Stamp> FileCache::stamps() const {
 void FileCache::read(const QString& name, const Stamp& stamp) {
   const bool one = !isFolder();
   // told before the file is read: what is written behind that has another time
-  const bool settled = nanoseconds(fs::file_time_type::clock::now()) - stamp.mtimeNs > settlingNs;
+  const bool settled =
+      isSettled(nanoseconds(fs::file_time_type::clock::now()), stamp.mtimeNs, stamp.changedNs);
   const files::ReadResult result =
       files::readFile(pathOf(name), one ? maxCalendarFileBytes : maxItemFileBytes);
   if (!result.ok && one)
@@ -107,7 +117,8 @@ void FileCache::read(const QString& name, const Stamp& stamp) {
                          : errStoreBroken,
          label_, result.error);
   const auto ours = ours_.constFind(name);
-  const bool isOurs = ours != ours_.cend() && *ours == stamp;
+  const bool isOurs = ours != ours_.cend() && ours->mtimeNs == stamp.mtimeNs && ours->size == stamp.size &&
+                      ours->inode == stamp.inode;
   ours_.remove(name);
   Entry entry;
   entry.stamp = stamp;
@@ -235,7 +246,7 @@ void FileCache::written(const QString& name, const QList<files::Splice>&, const 
   entries_.remove(name);
   const auto time = fs::file_time_type::clock::from_sys(
       std::chrono::sys_time<std::chrono::nanoseconds>(std::chrono::nanoseconds(after.mtimeNs)));
-  ours_.insert(name, {nanoseconds(time), after.size, after.inode});
+  ours_.insert(name, {nanoseconds(time), after.size, after.inode, 0});
   grouped_ = false;
 }
 
@@ -275,11 +286,12 @@ QString FileCache::changeTag() {
   QCryptographicHash hash(QCryptographicHash::Sha1);
   const QMap<QString, Stamp> now = stamps();
   for (auto found = now.begin(); found != now.end(); ++found)
-    hash.addData(QStringLiteral("%1\n%2\n%3\n%4\n")
+    hash.addData(QStringLiteral("%1\n%2\n%3\n%4\n%5\n")
                      .arg(found.key())
                      .arg(found->mtimeNs)
                      .arg(found->size)
                      .arg(found->inode)
+                     .arg(found->changedNs)
                      .toUtf8());
   return QString::fromLatin1(hash.result().toHex());
 }

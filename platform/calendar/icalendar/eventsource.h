@@ -88,7 +88,8 @@ class FileCache : public EventSource {
   struct Stamp {
     qint64 mtimeNs = 0;
     qint64 size = 0;
-    quint64 inode = 0;  // another file may take the place of one of the same time and size
+    quint64 inode = 0;     // another file may take the place of one of the same time and size
+    qint64 changedNs = 0;  // by the system's clock, whatever the time above was set to; 0: not known
     bool operator==(const Stamp&) const = default;
   };
   struct Entry {

@@ -15,4 +15,13 @@ inline constexpr qint64 minBackupBytes = 1024 * 1024;
 /// systems count in steps of up to two seconds (FAT; one second: ext3, HFS+, some network drives).
 inline constexpr qint64 settlingNs = 2'000'000'000;
 
+/// Whether the times of a file, read at `now`, will tell any later change of it: it was written long enough
+/// ago. Of one that is dated ahead (by a copy that keeps times, say) the system's own time of its last change
+/// tells that, which nobody can set; where that lies ahead as well, clocks differ, and nothing is sure.
+/// `changedNs` is 0 where the system has no such time.
+constexpr bool isSettled(qint64 nowNs, qint64 mtimeNs, qint64 changedNs) {
+  if (nowNs - mtimeNs > settlingNs) return true;
+  return mtimeNs > nowNs && changedNs != 0 && nowNs - changedNs > settlingNs;
+}
+
 }  // namespace platform::calendar::icalendar

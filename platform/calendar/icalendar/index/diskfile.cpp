@@ -29,10 +29,11 @@ DiskState fromSystem(const struct stat& found, bool linked) {
   state.linked = linked || (state.regular && found.st_nlink > 1);
   state.size = found.st_size;
   state.mtimeNs = nanoseconds(found.st_mtim);
+  state.changedNs = nanoseconds(found.st_ctim);
   state.inode = found.st_ino;
   state.device = static_cast<qint64>(found.st_dev);
-  const qint64 parts[] = {state.mtimeNs, nanoseconds(found.st_ctim), state.size,
-                          static_cast<qint64>(state.inode), state.linked ? 1 : 0};
+  const qint64 parts[] = {state.mtimeNs, state.changedNs, state.size, static_cast<qint64>(state.inode),
+                          state.linked ? 1 : 0};
   state.stamp = checksumOf({reinterpret_cast<const char*>(parts), sizeof parts});
   return state;
 }
@@ -52,7 +53,8 @@ DiskState stateAt(int folder, const char* name) {
 
 bool DiskState::isSettled() const {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() - mtimeNs > settlingNs;
+  return icalendar::isSettled(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count(), mtimeNs,
+                              changedNs);
 }
 
 files::Fingerprint DiskState::fingerprint() const {

@@ -15,6 +15,7 @@ struct DiskState {
   quint64 stamp = 0;  // of time, change time, size and inode: differs when the file may have changed
   qint64 size = 0;
   qint64 mtimeNs = 0;
+  qint64 changedNs = 0;
   quint64 inode = 0;
   qint64 device = 0;
 

@@ -1,4 +1,5 @@
 #include "platform/calendar/icalendar/index/indexfile.h"
+#include "platform/calendar/icalendar/limits.h"
 #include "tests/unit/platform/calendar/icalendar/index/world.h"
 
 #include <QDir>
@@ -215,6 +216,84 @@ TEST_F(KeepingStep, WhatIsWrittenInPlaceBetweenTheFirstTwoQuestionsIsSeen) {
     ASSERT_EQ(::utimensat(AT_FDCWD, qPrintable(name), times, 0), 0);
     expectMonth(*index, calendar);
   }
+}
+
+namespace {
+
+/// By a copy that keeps times, or a clock that went wrong.
+void dateAhead(const QString& path) {
+  const struct timespec times[2] = {{4'000'000'000, 0}, {4'000'000'000, 123}};  // in 2096
+  ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+}
+
+}  // namespace
+
+TEST_F(KeepingStep, FilesDatedAheadAreShownAsTheyAreHoweverTheyAreChanged) {
+  IndexOptions deaf = options();
+  deaf.watches = false;
+  deaf.checkEveryMs = 0;
+  fill(20);
+  for (int i = 0; i < 20; ++i) dateAhead(path(u"%1.ics"_qs.arg(i)));
+  dateAhead(folder());
+  write(file(), item("u1", "zero"));
+  dateAhead(file());
+  for (const QString& calendar : {folder(), file()}) {
+    const QString name = calendar == file() ? file() : path(u"1.ics"_qs);
+    std::vector<std::unique_ptr<EventSource>> sources;
+    sources.push_back(std::make_unique<FileCache>(calendar, u"Test"_qs));
+    sources.push_back(open(calendar));
+    sources.push_back(openWith(deaf, calendar));
+    const auto expectShown = [&](const QByteArray& subject) {
+      for (const auto& source : sources) {
+        FileCache plain(calendar, u"Test"_qs);
+        const QStringList shown = allShownBy(*source);
+        EXPECT_EQ(shown, allShownBy(plain)) << subject.constData();
+        EXPECT_EQ(shown, allShownBy(*source)) << subject.constData();
+      }
+    };
+    expectShown("as it was");
+    for (const QByteArray& subject : {"one ", "two ", "four", "five"}) {
+      write(name, item("u1", subject));  // of the same size
+      dateAhead(name);
+      expectShown(subject);
+    }
+    write(path(u"x"_qs), item("u1", "six "));  // another file
+    dateAhead(path(u"x"_qs));
+    ASSERT_EQ(::rename(qPrintable(path(u"x"_qs)), qPrintable(name)), 0);
+    expectShown("six ");
+    write(name, item("u1", "now "));  // with its true time
+    expectShown("now ");
+  }
+}
+
+TEST_F(KeepingStep, AFileDatedAheadThatStaysAsItIsIsNoNews) {
+  fill(10);
+  for (int i = 0; i < 10; ++i) dateAhead(path(u"%1.ics"_qs.arg(i)));
+  FileCache cache(folder(), u"Test"_qs);
+  const auto index = open(folder());
+  for (EventSource* source : {static_cast<EventSource*>(&cache), static_cast<EventSource*>(index.get())}) {
+    const auto groups = source->between(0, std::numeric_limits<qint64>::max());
+    const QString tag = source->changeTag(), others = source->othersTag(Look::Thorough);
+    for (int i = 0; i < 3; ++i) {
+      const auto again = source->between(0, std::numeric_limits<qint64>::max());
+      ASSERT_EQ(again.size(), groups.size());
+      EXPECT_EQ(source->changeTag(), tag);
+      EXPECT_EQ(source->othersTag(Look::Thorough), others);
+    }
+  }
+}
+
+TEST(Settled, IsAFileThatWasWrittenLongAgoWhateverDateItBears) {
+  using platform::calendar::icalendar::isSettled;
+  constexpr qint64 second = 1'000'000'000, now = 1'700'000'000 * second, year = 31'536'000 * second;
+  EXPECT_TRUE(isSettled(now, now - 3 * second, now));
+  EXPECT_FALSE(isSettled(now, now - second, now - second));
+  EXPECT_FALSE(isSettled(now, now - second, now - year)) << "of a time that is past the time itself decides";
+  EXPECT_TRUE(isSettled(now, now + year, now - 3 * second));
+  EXPECT_FALSE(isSettled(now, now + year, now - second));
+  EXPECT_FALSE(isSettled(now, now + year, now + year))
+      << "by a clock that is ahead, and may stand still there";
+  EXPECT_FALSE(isSettled(now, now + year, 0)) << "where nothing is known of the last change";
 }
 
 TEST_F(KeepingStep, WhoFindsNothingOfASubjectHasLookedAtEveryFile) {
