@@ -6,6 +6,7 @@
 
 #include <QCryptographicHash>
 #include <QFileInfo>
+#include <QSet>
 
 #include <chrono>
 #include <filesystem>
@@ -50,6 +51,32 @@ Identity identityOf(const fs::path& path) {
 /// a text does not lead back to the file. (The path's own conversion would throw.)
 QString nameOf(const fs::path& path) {
   return QString::fromStdString(path.filename().string());
+}
+
+/// What a link leads to is what is written; also one that leads to a file that is yet to be made.
+QFileInfo writtenThrough(const QString& path) {
+  const QFileInfo info(path);
+  const QString real = info.canonicalFilePath();
+  if (!real.isEmpty()) return QFileInfo(real);
+  return QFileInfo(info.isSymLink() ? info.symLinkTarget() : path);
+}
+
+/// The files that the links among a folder's calendar files lead to, by their folders.
+QHash<QString, QSet<QString>> linkedFrom(const QString& path) {
+  constexpr qsizetype maxFolders = 100;  // each is listed
+  QHash<QString, QSet<QString>> found;
+  std::error_code error;
+  fs::directory_iterator entry(native(path), error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    std::error_code ignored;
+    const QString name = nameOf(entry->path());
+    if (name.startsWith(u'.') || !name.endsWith(u".ics", Qt::CaseInsensitive) || !entry->is_symlink(ignored))
+      continue;
+    const QFileInfo file = writtenThrough(path + u'/' + name);
+    if (!file.isDir() && (found.contains(file.path()) || found.size() < maxFolders))
+      found[file.path()].insert(file.fileName());
+  }
+  return found;
 }
 
 [[noreturn]] void fail(qint32 number, const QString& label, const QString& text) {
@@ -261,15 +288,18 @@ void FileCache::sweep() {
   if (swept_ && now - *swept_ < sweepPause_) return;
   swept_ = now;
   constexpr qint64 olderThanSeconds = 3600;
+  QHash<QString, QSet<QString>> elsewhere;  // the files in other folders that are written as this calendar's
   if (isFolder()) {
     files::sweepLitter(path_, olderThanSeconds,
                        [](const QString& target) { return target.endsWith(u".ics", Qt::CaseInsensitive); });
-    return;
+    elsewhere = linkedFrom(path_);
+  } else {
+    const QFileInfo file = writtenThrough(path_);
+    elsewhere[file.path()].insert(file.fileName());
   }
-  const QString real = QFileInfo(path_).canonicalFilePath();  // what a link leads to is what is written
-  const QFileInfo file(real.isEmpty() ? path_ : real);
-  files::sweepLitter(file.path(), olderThanSeconds,
-                     [&](const QString& target) { return target == file.fileName(); });
+  for (auto folder = elsewhere.cbegin(); folder != elsewhere.cend(); ++folder)
+    files::sweepLitter(folder.key(), olderThanSeconds,
+                       [&](const QString& target) { return folder->contains(target); });
 }
 
 QString FileCache::othersTag(Look look) {

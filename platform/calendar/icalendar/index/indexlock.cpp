@@ -18,7 +18,8 @@ constexpr int maxMoves = 8;  // of the lock's file while it is asked for
 
 }  // namespace
 
-IndexLock::IndexLock(const QString& indexPath) : path_(QFile::encodeName(pathFor(indexPath))) {}
+IndexLock::IndexLock(const QString& indexPath, Word word)
+    : path_(QFile::encodeName(pathFor(indexPath))), word_(word) {}
 
 IndexLock::~IndexLock() {
   close();
@@ -36,7 +37,7 @@ bool IndexLock::openFile() {
   struct stat found {};
   if (number_ >= 0 && ::fstat(number_, &found) == 0 && S_ISREG(found.st_mode) &&
       found.st_uid == ::geteuid()) {
-    ::futimens(number_, nullptr);  // when the index was last used
+    if (word_ == Word::Left) ::futimens(number_, nullptr);  // when the index was last used
     return true;
   }
   close();

@@ -13,7 +13,10 @@ class IndexLock {
   enum class Kind { Shared, Alone };
   enum class Result { Had, Busy, Impossible };
 
-  explicit IndexLock(const QString& indexPath);
+  /// Whoever uses the index leaves word of when; who only looks at it leaves none.
+  enum class Word { Left, None };
+
+  explicit IndexLock(const QString& indexPath, Word word = Word::Left);
   ~IndexLock();
   IndexLock(const IndexLock&) = delete;
   IndexLock& operator=(const IndexLock&) = delete;
@@ -32,6 +35,7 @@ class IndexLock {
   void close();
 
   QByteArray path_;
+  Word word_;
   int number_ = -1;
 };
 

@@ -76,7 +76,9 @@ QHash<QByteArray, Found> indexesIn(const QString& folder) {
   return all;
 }
 
-/// The version of an index; nothing where the file does not say that it is one.
+/// The version of an index; nothing where the file does not say that it is one. To close the file takes all
+/// locks of this process off it, those of its connections as well: only for who has the index's own lock
+/// alone.
 std::optional<int> versionOf(const QString& path) {
   const int number =
       ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW);
@@ -91,8 +93,8 @@ std::optional<int> versionOf(const QString& path) {
   return qFromBigEndian<qint32>(head + versionAt);
 }
 
+/// For who has its lock alone, as above.
 bool isUseless(const QString& path, const Found& found) {
-  if (found.hasForeign) return false;
   const qint64 hours = (QDateTime::currentSecsSinceEpoch() - found.lastUsed) / secondsPerHour;
   if (!found.hasIndex) return hours >= (found.onlyHalfMade ? halfMadeHours : unusedDays * 24);
   const auto version = versionOf(path);
@@ -107,9 +109,13 @@ int sweepIndexes(const QString& folder, const QString& inUse) {
   const auto all = indexesIn(folder);
   for (auto found = all.begin(); found != all.end() && swept < maxSweptIndexes; ++found) {
     const QString path = folder + u'/' + QString::fromLatin1(found.key());
-    if (found.key() == own || !isUseless(path, *found)) continue;
-    IndexLock lock(path);
+    if (found.key() == own || found->hasForeign) continue;
+    IndexLock lock(path, IndexLock::Word::None);
     if (lock.take(IndexLock::Kind::Alone, 0) != IndexLock::Result::Had) continue;
+    if (!isUseless(path, *found)) {
+      if (!found->paths.contains(IndexLock::pathFor(path))) lock.removeFile();  // it was not there before
+      continue;
+    }
     for (const QString& each : found->paths)
       if (each != IndexLock::pathFor(path)) ::unlink(QFile::encodeName(each).constData());
     lock.removeFile();

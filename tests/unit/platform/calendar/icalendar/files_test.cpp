@@ -193,6 +193,37 @@ TEST_F(IcalendarTest, TheFirstSaveOfOneFileTakesWhatACrashLeftBesideItsTargetAnd
   for (const QString& name : theirs) EXPECT_TRUE(QFile::exists(name)) << qPrintable(name);
 }
 
+TEST_F(IcalendarTest, TheFirstSaveOfAFolderTakesWhatACrashLeftBesideTheTargetsOfItsLinksAndNothingElseThere) {
+  const QTemporaryDir away;
+  const auto put = [&](const QString& name, const QByteArray& bytes) {
+    QFile file(away.filePath(name));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+    age(away.filePath(name));
+  };
+  put(u"real.data"_qs, item("linked"));
+  ASSERT_TRUE(QDir(away.path()).mkdir(u"folder"_qs));
+  const QStringList ours{u".real.data.x7k2m9.tmp"_qs, u".new.ics.x7k2m9.tmp"_qs};
+  const QStringList theirs{u".thesis.backup.tmp"_qs, u".other.ics.x7k2m9.tmp"_qs, u".real.data.x7k2m9.bak"_qs,
+                           u"folder/.inner.ics.x7k2m9.tmp"_qs, u".folder.x7k2m9.tmp"_qs};
+  for (const QString& name : ours + theirs) put(name, "half");
+  write(u"a.ics"_qs, item("a"));
+  ASSERT_TRUE(QFile::link(away.filePath(u"real.data"_qs), path(u"linked.ics"_qs)));
+  ASSERT_TRUE(QFile::link(away.filePath(u"new.ics"_qs), path(u"nowhere.ics"_qs)));
+  ASSERT_TRUE(QFile::link(away.filePath(u"folder"_qs), path(u"folder.ics"_qs)));
+  ASSERT_TRUE(QFile::link(away.filePath(u"other.ics"_qs), path(u"other.txt"_qs)));
+  Item mine;
+  for (const Item& one : plain())
+    if (one.key.uid == u"a") mine = one;
+  EXPECT_TRUE(QFile::exists(away.filePath(ours[0])));
+  Change change;
+  change.subject = u"new"_qs;
+  save(mine, change);
+  for (const QString& name : ours) EXPECT_FALSE(QFile::exists(away.filePath(name))) << qPrintable(name);
+  for (const QString& name : theirs) EXPECT_TRUE(QFile::exists(away.filePath(name))) << qPrintable(name);
+}
+
 TEST_F(IcalendarTest, TheLastLineOfAnEventStaysAsItIsHoweverItIsWritten) {
   const QByteArray head = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n", tail = "END:VCALENDAR\r\n";
   const QByteArray lines = "begin:vevent\r\nUID:a\r\nSUMMARY:Old\r\nDTSTART:20240205T080000Z\r\n";

@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 // What is left in the cache folder by calendars and versions that are gone, and in the calendar's folder by
@@ -79,6 +80,54 @@ TEST_F(Sweeping, AnIndexThatIsInUseStays) {
     EXPECT_TRUE(QFile::exists(old));
   }
   EXPECT_EQ(swept(), 1);
+}
+
+namespace {
+
+/// Whether another process finds a lock on the file that every connection has while it reads.
+bool isLockedForOthers(const QString& path) {
+  const pid_t other = ::fork();
+  if (other == 0) {
+    const int file = ::open(qPrintable(path), O_RDWR | O_CLOEXEC);
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = 0x40000002;  // SQLite's bytes for readers
+    lock.l_len = 510;
+    const bool known = file >= 0 && ::fcntl(file, F_GETLK, &lock) == 0;
+    ::_exit(!known ? 2 : lock.l_type != F_UNLCK ? 1 : 0);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(other, &status, 0), other);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 2);
+  return WEXITSTATUS(status) == 1;
+}
+
+}  // namespace
+
+TEST_F(Sweeping, TheLocksOfIndexesInUseInThisProcessStay) {
+  // whoever closes a file takes all his process's locks off it, also those of its connections to the database
+  write(path(u"a.ics"_qs), contentOf(file()));
+  const auto index = open(folder());
+  allShownBy(*index);
+  ASSERT_TRUE(index->answeredFromIndex());
+  ASSERT_NE(index->indexPath(), own_);
+  ASSERT_TRUE(isLockedForOthers(index->indexPath()));
+  EXPECT_EQ(swept(), 0);
+  EXPECT_TRUE(isLockedForOthers(index->indexPath()));
+  expectSame(*index, folder());
+}
+
+TEST_F(Sweeping, LookingAtAnIndexIsNotUsingIt) {
+  const QString young = putIndex(u"00000000000000aa.sqlite"_qs, schemaVersion, unusedDays - 2);
+  EXPECT_EQ(swept(), 0);
+  EXPECT_FALSE(QFile::exists(IndexLock::pathFor(young)));
+  write(IndexLock::pathFor(young), {});
+  age(IndexLock::pathFor(young), (unusedDays - 2) * day);
+  EXPECT_EQ(swept(), 0);
+  struct stat found {};
+  ASSERT_EQ(::stat(qPrintable(IndexLock::pathFor(young)), &found), 0);
+  EXPECT_GT(::time(nullptr) - found.st_mtim.tv_sec, day) << "it would be kept for ever";
 }
 
 TEST_F(Sweeping, WhatIsNotAnIndexOfOursIsNeverTouched) {
