@@ -259,6 +259,29 @@ TEST_F(Postgresql, AnUnknownDatabaseIsNamed) {
   EXPECT_FALSE(failureText(open).contains(u".c:")) << "the server's own source is nobody's business";
 }
 
+TEST_F(Postgresql, AConnectionStringThatIsCutOffAnywhereIsToldAndLeadsToNoOtherDatabase) {
+  const QString folder = toServer({}).value(u"Data Source"_qs);
+  const QString text =
+      u"Provider=PostgreSQL;Connect Timeout=5;Persist Security Info=True;User ID=%1;Password=secret1;"
+      "Data Source=%2;Initial Catalog=%3"_qs.arg(toServer({}).value(u"User ID"_qs), folder, base.name());
+  for (qsizetype length = 0; length <= text.size(); ++length) {
+    const QString cut = text.left(length);
+    std::unique_ptr<Session> opened;
+    const QString told = failureText(
+        [&] { opened = postgresql::PostgresqlDriver(noPatience).connect(ConnectionString(cut)); });
+    EXPECT_NE(told.isEmpty(), opened == nullptr) << qPrintable(cut);
+    EXPECT_FALSE(told.contains(u"secret1")) << qPrintable(cut);
+    if (opened) {
+      EXPECT_TRUE(cut.contains(folder)) << qPrintable(cut);
+      const Value database = opened->execute(u"select current_database() as d"_qs).rows.first().first();
+      const bool whole = cut == text;
+      EXPECT_TRUE(database == Value(whole ? base.name() : u"postgres"_qs) ||
+                  base.name().startsWith(cut.section(u'=', -1)))
+          << qPrintable(cut);
+    }
+  }
+}
+
 TEST_F(Postgresql, AWrongPasswordIsToldFromAServerThatIsNotThere) {
   session->execute(u"DROP ROLE IF EXISTS guarded; CREATE ROLE guarded LOGIN PASSWORD 'p;w\"d'"_qs);
   ConnectionString to = toServer(base.name());

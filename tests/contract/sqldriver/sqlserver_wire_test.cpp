@@ -121,6 +121,31 @@ TEST_F(SqlServerWire, NoFailureToConnectTellsThePassword) {
   EXPECT_FALSE(failureText([&] { connect(); }).contains(u"secret1"));
 }
 
+TEST_F(SqlServerWire, AConnectionStringThatIsCutOffAnywhereIsToldAndLeadsToNoOtherServer) {
+  const ScopedVariable noTickets("KRB5CCNAME", "FILE:/nonexistent/tickets");
+  const QString begin = u"Provider=SQLOLEDB.1;Connect Timeout=2;Persist Security Info=True;"_qs;
+  const QString address = u"127.0.0.1,%1"_qs.arg(peer.port());
+  for (const QString& who : {u"Integrated Security=SSPI"_qs, u"User ID=ann;Password=secret1"_qs}) {
+    const QString text = begin + who + u";Data Source="_qs + address + u";Initial Catalog=Hourbook3SQL"_qs;
+    for (qsizetype length = 0; length <= text.size(); ++length) {
+      const QString cut = text.left(length);
+      std::unique_ptr<Session> session;
+      const auto open = [&] { session = odbc::OdbcDriver(options).connect(ConnectionString(cut)); };
+      const int before = peer.logins();
+      const QString told = failureText(open);
+      EXPECT_NE(told.isEmpty(), session == nullptr) << qPrintable(cut);
+      EXPECT_FALSE(told.contains(u"secret1")) << qPrintable(cut);
+      EXPECT_EQ(peer.logins() > before, session != nullptr) << qPrintable(cut);
+      if (session) {
+        EXPECT_TRUE(cut.contains(address)) << qPrintable(cut);
+        EXPECT_EQ(peer.login().password, u"secret1"_qs);
+        EXPECT_TRUE(u"Hourbook3SQL"_qs.startsWith(peer.login().database));
+      }
+    }
+    EXPECT_EQ(peer.logins() > 0, who.startsWith(u"User ID"_qs)) << "the other one needs a ticket";
+  }
+}
+
 TEST_F(SqlServerWire, EveryTypeOfValueIsRead) {
   const Date start = Date::of(QDate(2024, 2, 5), QTime(9, 30, 15));
   const QString longText(40000, u'ö');

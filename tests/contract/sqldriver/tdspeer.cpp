@@ -268,7 +268,7 @@ bool TdsPeer::answer(Line& line, const TdsRequest& request) {
     const std::lock_guard lock(mutex_);
     if (settingUp)
       setUp_ = request.statement;
-    else
+    else if (keepsRequests_)
       requests_.append(request);
   }
   if (!settingUp && script_) said = script_(request);

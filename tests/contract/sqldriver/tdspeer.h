@@ -37,6 +37,9 @@ class TdsPeer {
   /// The size of the packets that the two agree on.
   void usePackets(int bytes) { packetSize_ = bytes; }
 
+  /// What was asked is not kept: a long run would fill the memory.
+  void forgetRequests() { keepsRequests_ = false; }
+
   TdsLogin login() const;
   int logins() const;
   /// Did the newest login come encrypted, and is all that has followed?
@@ -73,6 +76,7 @@ class TdsPeer {
   Script script_;
   std::optional<std::pair<int, QString>> refusal_;
   bool deaf_ = false;
+  bool keepsRequests_ = true;
   Encryption encryption_ = Encryption::None;
   int packetSize_ = 4096;
   mutable std::mutex mutex_;

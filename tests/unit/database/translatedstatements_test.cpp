@@ -1,9 +1,10 @@
-// What the servers are sent at last: each statement that the files in tests/golden/database hold, as its
+// What the engines are sent at last: each statement that the files in tests/golden/database hold, as its
 // driver translates it, in "translated" beside them.
 #include "golden.h"
 #include "platform/sql/literals.h"
 #include "platform/sql/odbc/dialect.h"
 #include "platform/sql/postgresql/dialect.h"
+#include "platform/sql/sqlite/dialect.h"
 #include "serverworld.h"
 
 #include <QRegularExpression>
@@ -48,7 +49,8 @@ Line read(const QString& text) {
 
 using Translate = std::function<Line(const Line&)>;
 
-/// A server's creation is left out: it is a script in its own language, and carried out as it stands.
+/// A creation is left out: a server's is a script in its own language, and carried out as it stands; a file's
+/// is made by the engine.
 void expectTranslated(const QString& road, const Translate& translate) {
   const QDir folder(QStringLiteral(HOURBOOK_GOLDEN_DATABASE "/") + road);
   QStringList names = folder.entryList({u"*.txt"_qs}, QDir::Files, QDir::Name);
@@ -97,6 +99,27 @@ TEST_F(TranslatedStatements, OnASqlServer) {
     const auto translation = sql::odbc::fromAccess(line.statement, line.parameters, yesNoColumns);
     return Line{translation.sql, translation.parameters};
   });
+}
+
+TEST_F(TranslatedStatements, InAFile) {
+  expectTranslated(u"file"_qs, [](const Line& line) {
+    return Line{sql::sqlite::fromAccess(line.statement), line.parameters};
+  });
+}
+
+TEST_F(TranslatedStatements, EveryRoadHasAFileForEachThatAnotherHas) {
+  const auto namesOf = [](const QString& road) {
+    QStringList names = QDir(QStringLiteral(HOURBOOK_GOLDEN_DATABASE "/") + road)
+                            .entryList({u"*.txt"_qs}, QDir::Files, QDir::Name);
+    names.removeAll(u"creation.txt"_qs);  // a server's is a script
+    return names;
+  };
+  const QStringList names = namesOf(u"file"_qs);
+  EXPECT_GT(names.size(), 10);
+  for (const QString& road : {u"file"_qs, u"sqlserver"_qs, u"postgresql"_qs}) {
+    EXPECT_EQ(namesOf(road), names);
+    EXPECT_EQ(namesOf(road + u"/translated"_qs), names);
+  }
 }
 
 TEST_F(TranslatedStatements, OnAPostgresqlServer) {

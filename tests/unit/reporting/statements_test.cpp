@@ -136,6 +136,8 @@ TEST_P(Statements, OfAskingForTheLinesOfAnInterruptedReport) {
   run.mark = target.Mark();
   run.rows.append(ReportedRow());
   target.Stored(run);
+  target.StoredAgain(run);
+  target.MarkOfAll(u"Ann O'Brien"_qs);
   expectGolden(u"interrupted-report.txt"_qs);
 }
 
