@@ -27,6 +27,8 @@ class GridView {
   virtual void subBuildMetaGrid() = 0;
   virtual void subSumRowToGrid(bool blnAdd) = 0;
   virtual void subSaveGridChanges() = 0;
+  /// Hours stand in the grid that are not saved yet, or are being typed: a fetch would take them away.
+  virtual bool fncHasUnsavedHours() const = 0;
 
   /// Rows on the grid, without the sum row.
   qint16 intVisibleRows = 0;

@@ -28,6 +28,11 @@ bool isInUse(const ReportForm& form) {
   return Shared<WorkspaceValues>::exists() && workspaceValues().gReportForm.get() == &form;
 }
 
+/// While the list follows the calendar, rows move that come back to their places, and nobody may see it.
+bool isToFollow(const ReportForm& form) {
+  return isInUse(form) && !workspaceValues().following;
+}
+
 }  // namespace
 
 ListPart::ListPart(ReportForm& form, QWidget* parent)
@@ -43,6 +48,7 @@ ListPart::ListPart(ReportForm& form, QWidget* parent)
   addDropDown(form_.cmbMeta3, 4);
   connect(list_, &platform::owc::SheetView::cellsMoved, this, &ListPart::followCells);
   connect(&form_.exsThisWeek, &platform::owc::Spreadsheet::cellsChanged, this, &ListPart::followContents);
+  connect(&form_, &ReportForm::listFetched, this, &ListPart::followCells);
   connect(qApp, &QApplication::focusChanged, this,
           [this](const QWidget*, const QWidget* now) { makeRoomFor(now); });
   followFont();
@@ -78,10 +84,24 @@ void ListPart::settle() {
     if (dropDown.widget->hasFocus()) list_->setFocus(Qt::OtherFocusReason);
 }
 
+bool ListPart::isBeingTyped() const {
+  return list_->isBeingEdited() ||
+         std::any_of(dropDowns_.cbegin(), dropDowns_.cend(),
+                     [](const DropDown& one) { return one.widget->isBeingTyped(); });
+}
+
 // Places
 
+QPoint ListPart::scrolledTo() const {
+  return list_->scrolledTo();
+}
+
+void ListPart::scrollBackTo(const QPoint& place) {
+  list_->scrollBackTo(place);
+}
+
 void ListPart::followCells() {
-  if (!isInUse(form_)) return;
+  if (!isToFollow(form_)) return;
   const int row = workspaceValues().gCurrentRow;
   bool inSight = false;
   for (int column = 1; column <= 7; ++column) inSight |= !list_->cellGeometry(row, column).isEmpty();
@@ -91,7 +111,7 @@ void ListPart::followCells() {
 
 /// The column gives its place from left to right; how high it stands is the form's business.
 void ListPart::lay(const DropDown& dropDown) {
-  if (!isInUse(form_) || !dropDown.control->Visible()) return;
+  if (!isToFollow(form_) || !dropDown.control->Visible()) return;
   const QRect cell = list_->cellGeometry(workspaceValues().gCurrentRow, dropDown.column);
   dropDown.widget->setVisible(!cell.isEmpty());
   if (cell.isEmpty()) return;
@@ -123,7 +143,7 @@ void ListPart::makeRoomFor(const QWidget* focused) {
 
 /// A cell of the row has another text, however that came: also one that has just been taken back.
 void ListPart::followContents(const CellRect& changed) {
-  if (!isInUse(form_)) return;
+  if (!isToFollow(form_)) return;
   for (const DropDown& dropDown : dropDowns_)
     if (changed.contains(workspaceValues().gCurrentRow, dropDown.column)) showCell(dropDown);
 }

@@ -21,6 +21,11 @@ class ListPart : public QWidget {
   /// Ends what is being typed in a cell or a drop-down, as leaving it with the mouse does. A key may press a
   /// button without taking the focus along.
   void settle();
+  /// A cell or a drop-down is being typed in.
+  bool isBeingTyped() const;
+  /// How far the list is scrolled: x in pixels, y in rows.
+  QPoint scrolledTo() const;
+  void scrollBackTo(const QPoint& place);
 
  protected:
   void changeEvent(QEvent* event) override;

@@ -51,6 +51,10 @@ void ReportForm::Refresh() {
   if (screen_) screen_->Refresh();
 }
 
+void ReportForm::setListScroll(const QPoint& scroll) {
+  if (screen_) screen_->setListScroll(scroll);
+}
+
 const DeviceContext& ReportForm::hDC() const {
   struct Unpainted : DeviceContext {
     qint32 GetPixel(int, int) const override { return -1; }

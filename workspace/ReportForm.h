@@ -6,6 +6,8 @@
 #include "workspace/OnForm.h"
 #include "workspace/ReportFormVariant.h"
 
+#include <QPoint>
+
 #include <memory>
 
 namespace hourbook {
@@ -22,6 +24,12 @@ class ReportFormScreen : public DeviceContext {
   virtual void Show() = 0;
   /// Closes the window; its closing comes back as `Unload` of the form.
   virtual void Unload() = 0;
+  /// The user is in the middle of something that a change of the list would disturb: he types, chooses, holds
+  /// a mouse button, or another window waits for him.
+  virtual bool UserIsBusy() const { return false; }
+  /// How far the list is scrolled: x in pixels, y in rows.
+  virtual QPoint ListScroll() const { return {}; }
+  virtual void setListScroll(const QPoint&) {}
 };
 
 /// The controls of the report form under their names, and nothing else: what happens in their events stands
@@ -42,6 +50,9 @@ class ReportForm : public platform::forms::Control {
   void setMousePointer(int pointer);
   /// What the form is painted on; without a window nothing is, and no pixel has a colour.
   const DeviceContext& hDC() const;
+  bool UserIsBusy() const { return screen_ && screen_->UserIsBusy(); }
+  QPoint ListScroll() const { return screen_ ? screen_->ListScroll() : QPoint(); }
+  void setListScroll(const QPoint& scroll);
   /// Not owned; null: a form without a window.
   void setScreen(ReportFormScreen* screen) { screen_ = screen; }
   /// The list is being rebuilt and has come so far in the period, from 0 to 1.
@@ -103,6 +114,7 @@ class ReportForm : public platform::forms::Control {
   platform::forms::Label lblTotalHours{QStringLiteral("lblTotalHours")};
   platform::forms::Label lblHours{QStringLiteral("lblHours")};
   platform::forms::Timer timCheckDateChange{QStringLiteral("timCheckDateChange")};
+  platform::forms::Timer timFollowCalendar{QStringLiteral("timFollowCalendar")};
   /// Null but in the form of generation 9.
   std::unique_ptr<platform::forms::ComboBox> cmbChartType;
 

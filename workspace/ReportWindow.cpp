@@ -298,6 +298,19 @@ void ReportWindow::Unload() {
   close();
 }
 
+bool ReportWindow::UserIsBusy() const {
+  return QApplication::activePopupWidget() || QApplication::activeModalWidget() ||
+         QGuiApplication::mouseButtons() != Qt::NoButton || list_->isBeingTyped();
+}
+
+QPoint ReportWindow::ListScroll() const {
+  return list_->scrolledTo();
+}
+
+void ReportWindow::setListScroll(const QPoint& scroll) {
+  list_->scrollBackTo(scroll);
+}
+
 /// The controls have no background of their own: the window shows through them in every style and palette, so
 /// there is no colour to be matched.
 qint32 ReportWindow::GetPixel(int, int) const {

@@ -31,6 +31,9 @@ class ReportWindow : public QDialog, public ReportFormScreen {
   void Refresh() override;
   void Show() override;
   void Unload() override;
+  bool UserIsBusy() const override;
+  QPoint ListScroll() const override;
+  void setListScroll(const QPoint& scroll) override;
   qint32 GetPixel(int x, int y) const override;
 
   /// The Escape key closes what is open in the window, never the window itself.

@@ -11,6 +11,8 @@ class RowDropDown : public QComboBox {
  public:
   explicit RowDropDown(QWidget* parent);
   void showPopup() override;
+  /// Something was typed that is neither taken nor given up yet.
+  bool isBeingTyped() const { return typed_; }
 
  Q_SIGNALS:
   /// The text is no entry, or the user does not want it any more.

@@ -1,6 +1,10 @@
 #pragma once
+#include "platform/basic/value.h"
 #include "shell/SharedValues.h"
 #include "workspace/GridView.h"
+
+#include <QList>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -15,6 +19,10 @@ namespace hourbook {
 class cRowInfo;
 class ReportForm;
 
+struct ListedPeriod {
+  platform::basic::Date start, end;
+};
+
 struct WorkspaceValues {
   /// The report form in use; set by `Main` just before the form loads.
   std::shared_ptr<ReportForm> gReportForm;
@@ -24,6 +32,17 @@ struct WorkspaceValues {
   qint16 gLastRow = 1;
   /// How long the last fetch took; none before there was one. Set by each fetch.
   std::optional<qint64> fetchMilliseconds;
+  /// The period of the rows; none as long as there was no fetch, or none that could compute it.
+  std::optional<ListedPeriod> listed;
+  /// What the calendar said of others' changes just before the rows were fetched; none: it could not say. Set
+  /// by each fetch.
+  std::optional<QString> othersTag;
+  /// The rows as the last fetch wrote them, from row 2 on.
+  QList<QStringList> textsFetched;
+  /// True while the list follows the calendar: nothing of what happens to it is the user's business yet.
+  bool following = false;
+  /// Until then the list does not follow the calendar again; of the clock that only goes on.
+  qint64 restsUntil = 0;
   /// True while the list is being rebuilt or reported: the sheet's own events then do nothing.
   bool gFetching = false;
   /// True while `chkGrid` is set.

@@ -12,6 +12,7 @@
 #include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
+#include "workspace/modFollowCalendar.h"
 #include "workspace/modReportForm.h"
 #include "workspace/modStatistics.h"
 #include "workspace/ReportForm.h"
@@ -49,13 +50,20 @@ QString startFilter(const Date& startDate, const Date& endDate) {
          Format(Value(endDate.addDays(1)), shortDate) + QStringLiteral(" 23:59#") + q;
 }
 
-/// One run of `subGetData`.
+/// One run of `subGetData`. A quiet one shows the same period anew as if it had always stood there: nothing
+/// of it is seen but what is another.
 class Fetch {
  public:
+  enum class Way { Shown, Quiet };
+  explicit Fetch(Way way) : quiet_(way == Way::Quiet) {}
   void startGrid();
   void clearList();
   void openCalendar();
+  void noteOthers();
   bool setPeriod();
+  void takePeriodListed();
+  void search();
+  void refuseUnread() const;
   void walk();
   void showResults();
 
@@ -66,17 +74,22 @@ class Fetch {
     if (auto failure = tolerate(statement)) pending_ = std::move(failure);
   }
   void forceWholeWeek();
+  void hideDropDowns();
+  void showSignOfLife();
   void showProgress();
   void consider(Appointment item);
   void list(const Appointment& item);
   void unlockCalculation();
   void protect();
 
+  const bool quiet_;
   ReportForm& form_ = reportForm();
   WorkspaceValues& values_ = workspaceValues();
   platform::owc::Spreadsheet& sheet_ = form_.exsThisWeek;
   GridView* grid_ = values_.gGridMode ? values_.gGridView.get() : nullptr;
   std::optional<platform::outlook::Items> items_;
+  Appointment first_;              // that was found
+  std::optional<QString> others_;  // what the calendar said of others' changes before that
   std::optional<platform::Failure> pending_;
   Date startDate_, endDate_;
   QString firstKey_, lastKey_;
@@ -92,7 +105,7 @@ void Fetch::startGrid() {
   if (values_.gGridView) values_.gGridView->intVisibleRows = 0;
   if (grid_) grid_->subStartWeek();
   subLog(QStringLiteral("Looping through current appointments"));
-  form_.setMousePointer(vbHourglass);
+  if (!quiet_) form_.setMousePointer(vbHourglass);
 }
 
 void Fetch::clearList() {
@@ -109,9 +122,17 @@ void Fetch::clearList() {
   range.Clear();
   range.setFontName(QStringLiteral("Tahoma"));
   range.setFontSize(8);
+  if (!quiet_) hideDropDowns();
+  marking_ = std::make_shared<cMarking>();
+  if (!quiet_) showSignOfLife();
+}
+
+void Fetch::hideDropDowns() {
   for (platform::forms::ComboBox* dropDown : {&form_.cmbMeta1, &form_.cmbMeta2, &form_.cmbMeta3})
     dropDown->setVisible(false);
-  marking_ = std::make_shared<cMarking>();
+}
+
+void Fetch::showSignOfLife() {
   sheet_.Range(QStringLiteral("a2")).setValue(Value(phrases().LNGFETCHINGAPPS));
   form_.tellFetching(0);
   form_.Refresh();
@@ -123,8 +144,24 @@ void Fetch::openCalendar() {
   subLog(QStringLiteral("Getting values for this week"));
 }
 
+/// Before anything is read: what changes from here on may be missing in the list.
+void Fetch::noteOthers() {
+  tolerate([&] {
+    others_ = present(outlookValues().gCalendarFolder).OthersTag(platform::calendar::Look::Glance);
+  });
+}
+
+/// The controls may show another one by now, which nobody has asked for yet.
+void Fetch::takePeriodListed() {
+  startDate_ = values_.listed->start;
+  endDate_ = values_.listed->end;
+  firstKey_ = dayKey(startDate_);
+  lastKey_ = dayKey(endDate_);
+}
+
 bool Fetch::setPeriod() {
   outlookValues().gRowItems = {};
+  values_.listed.reset();
   step([&] { endDate_ = fncGetEndDate(); });
   step([&] { startDate_ = fncGetStartDate(endDate_); });
   if (values_.gGridMode) forceWholeWeek();
@@ -133,6 +170,7 @@ bool Fetch::setPeriod() {
   // missing protection stay as they are until the next fetch
   if (pending_) return false;
   step([&] { lastKey_ = dayKey(endDate_); });
+  values_.listed = ListedPeriod{startDate_, endDate_};
   return true;
 }
 
@@ -147,22 +185,34 @@ void Fetch::forceWholeWeek() {
   if (grid_) grid_->dteGridStartDate = startDate_;
 }
 
-void Fetch::walk() {
+void Fetch::search() {
   subLog(QStringLiteral("Building an sql string to find all appointment in this time span"));
   QString filter;
   step([&] { filter = startFilter(startDate_, endDate_); });
   subLog(QStringLiteral("Beginning search with the string ") + filter);
   step([&] { items_->Sort(QStringLiteral("[Start]")); });
   step([&] { items_->setIncludeRecurrences(true); });
-  values_.gLastRow = 1;
   if (endDate_.year() <= 1900) return;
-  Appointment item;
-  step([&] { item = items_->Find(filter); });
+  const auto failure = tolerate([&] { first_ = items_->Find(filter); });
+  if (!failure) return;
+  pending_ = failure;
+  others_.reset();  // the list has nothing of the calendar, so anything is news
+}
+
+/// An unread calendar is no reason to take the list away from a user who has not asked for another.
+void Fetch::refuseUnread() const {
+  if (pending_) throw *pending_;
+}
+
+void Fetch::walk() {
+  values_.gLastRow = 1;
+  Appointment item = first_;
   while (item) {
     consider(item);
     if (values_.gLastRow > lastListRow) {
       // kept: the phrase speaks of 99 appointments while the list holds 199
-      step([&] { fncShowAssistantMessage(outlookValues().gOutlookApp, phrases().LNGERRTOMANYROWS); });
+      if (!quiet_)
+        step([&] { fncShowAssistantMessage(outlookValues().gOutlookApp, phrases().LNGERRTOMANYROWS); });
       return;
     }
     item.reset();
@@ -172,6 +222,7 @@ void Fetch::walk() {
 
 /// The items come in the order of their starts, so the day at hand says how much of the period is done.
 void Fetch::showProgress() {
+  if (quiet_) return;
   const qint64 now = platform::basic::Clock::current().milliseconds();
   if (now - shownAt_ < signOfLifeEvery) return;
   shownAt_ = now;
@@ -238,6 +289,9 @@ void Fetch::showResults() {
     step([&] { grid_->subBuildMetaGrid(); });
     step([&] { grid_->subSumRowToGrid(true); });
   }
+  values_.othersTag = others_;
+  values_.textsFetched = fncTextsOfRows();
+  if (quiet_) return;
   values_.fetchMilliseconds = platform::basic::Clock::current().milliseconds() - begun_;
   form_.tellFetched();
   form_.setMousePointer(vbDefault);
@@ -260,16 +314,32 @@ void Fetch::protect() {
 }  // namespace
 
 void subGetData() try {
-  Fetch fetch;
+  Fetch fetch(Fetch::Way::Shown);
+  fetch.noteOthers();
   fetch.startGrid();
   fetch.clearList();
   fetch.openCalendar();
   // From here on every failure is passed over and the next step runs.
   if (!fetch.setPeriod()) return;
+  fetch.search();
   fetch.walk();
   fetch.showResults();
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("subGetData"));
+}
+
+void subGetDataAgain() {
+  Fetch fetch(Fetch::Way::Quiet);
+  fetch.noteOthers();
+  fetch.takePeriodListed();
+  fetch.openCalendar();
+  fetch.search();
+  fetch.refuseUnread();
+  fetch.startGrid();
+  fetch.clearList();
+  outlookValues().gRowItems = {};
+  fetch.walk();
+  fetch.showResults();
 }
 
 }  // namespace hourbook

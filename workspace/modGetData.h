@@ -13,6 +13,11 @@ class cMarking;
 /// failure ends the program; from there on what fails is left out and the rest goes on.
 void subGetData();
 
+/// Fetches the period listed once more, with no sign of it but what is another in the rows: no hourglass, no
+/// message, and the drop-downs stay where they are. Throws what the calendar throws where it cannot be read,
+/// and the list is as it was. There must be a period listed. For modFollowCalendar, which sees to the rest.
+void subGetDataAgain();
+
 /// End of the period, without a time; 0 when the controls are not filled. Failure 13 for a year that is no
 /// number.
 platform::basic::Date fncGetEndDate();

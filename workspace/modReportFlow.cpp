@@ -8,6 +8,7 @@
 #include "shell/modErrorReport.h"
 #include "shell/Present.h"
 #include "shell/ShellValues.h"
+#include "workspace/modFollowCalendar.h"
 #include "workspace/modGetData.h"
 #include "workspace/ReportForm.h"
 #include "workspace/WorkspaceValues.h"
@@ -59,6 +60,7 @@ void cmdOK_Click() try {
   ReportForm& form = reportForm();
   form.exsThisWeek.Range(QStringLiteral("a1")).Select();
   showMarkedRows(form);
+  subFetchWhatOthersChanged();  // what is asked about and reported is what stands in the calendar
   if (workspaceValues().gLastRow > 1 && userIsSure()) report(form);
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("cmdOK_Click"));

@@ -8,6 +8,7 @@
 #include "shell/ShellValues.h"
 #include "workspace/modChart.h"
 #include "workspace/modDropDowns.h"
+#include "workspace/modFollowCalendar.h"
 #include "workspace/modGetData.h"
 #include "workspace/modReportFlow.h"
 #include "workspace/modRowEvents.h"
@@ -114,6 +115,7 @@ void subConnectEvents(ReportForm& form) {
   on(form.txtDays, &TextBox::Change, form, txtDays_Change);
   on(form.vDaysBefore, &ScrollBar::Change, form, vDaysBefore_Change);
   on(form.cmdOK, &CommandButton::Click, form, cmdOK_Click);
+  on(form.timFollowCalendar, &Timer::Tick, form, timFollowCalendar_Timer);
   if (form.cmbChartType) on(*form.cmbChartType, &ComboBox::Click, form, cmbChartType_Click);
   subConnectRowEvents(form);
 }
@@ -132,6 +134,7 @@ void Form_Load() try {
   if (variant.textFormatAtLoad)
     form.exsThisWeek.Range(QStringLiteral("B2:D200")).setNumberFormat(QStringLiteral("Text"));
   form.cmbFilterCalendar.setListIndex(0);  // its click does the first fetch, before the form is shown
+  subStartFollowing();
 } catch (const platform::Failure& failure) {
   subHandleError(failure, QStringLiteral("Form_Load"));
 }

@@ -11,6 +11,7 @@
 #include "shell/Present.h"
 #include "shell/ShellValues.h"
 #include "shell/Tolerate.h"
+#include "workspace/modFollowCalendar.h"
 #include "workspace/modGetData.h"
 #include "workspace/modStatistics.h"
 #include "workspace/ReportForm.h"
@@ -66,6 +67,12 @@ void write(platform::outlook::AppointmentItem& appointment, const cRowInfo& row)
   throw;
 }
 
+/// Somebody else was there before.
+bool isConflict(const Failure& failure) {
+  return failure.number() == platform::calendar::errChangedMeanwhile ||
+         failure.number() == platform::calendar::errNotFound;
+}
+
 /// Writes a cell that the user may not change, and lets nobody react to it.
 void putBack(int row, int column, const Value& value) {
   platform::owc::Spreadsheet& sheet = reportForm().exsThisWeek;
@@ -102,7 +109,9 @@ class RowChange {
   void showSpelling(int position);
   /// What could not be saved is told when the sheet shows again what the calendar holds.
   void tellPending() const {
-    if (pending_) subHandleError(*pending_, QStringLiteral("fncSaveChanges"));
+    if (!pending_) return;
+    if (isConflict(*pending_)) tolerate([] { subFollowCalendar(); });
+    subHandleError(*pending_, QStringLiteral("fncSaveChanges"));
   }
   void tellNotSaved() const {
     fncShowAssistantMessage(outlookValues().gOutlookApp, phrases().LNGERREDITFAILS);

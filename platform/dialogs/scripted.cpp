@@ -52,6 +52,7 @@ int ScriptedDialogs::answerBox(Shown box) {
   box.answer = codeName(code);
   shown.append(box);
   if (!answer && onUnexpected) onUnexpected(box);
+  if (whileOpen) whileOpen(box);
   return code;
 }
 

@@ -38,6 +38,8 @@ class ScriptedDialogs : public Dialogs {
 
   QList<Shown> shown;
   std::function<void(const Shown&)> onUnexpected;
+  /// What happens while a box stands open, before it is answered.
+  std::function<void(const Shown&)> whileOpen;
 
  private:
   struct Answer {

@@ -31,6 +31,9 @@ class MAPIFolder {
   outlook::Items Items() const;
   /// The item as it stands in the calendar now. Failure errNotFound when it is not there (any more).
   std::shared_ptr<AppointmentItem> GetItemFromID(const QString& entryId) const;
+  /// Differs from its last value when somebody else may have changed what the folder shows; what was saved
+  /// here does not count. See calendar::Store.
+  QString OthersTag(calendar::Look look) const { return store_->othersTag(info_.id, look); }
   /// From here to `FlushSaves` the calendar may keep saved appointments back, to write those of one file in
   /// one step. Reading sees them as saved.
   void HoldSaves() const { store_->hold(); }

@@ -24,6 +24,13 @@ void addThree(Journey& j) {
 }
 const QStringList weekInJuly{u"First"_s, u"Second"_s, u"Projekt-Jour-fixe"_s, u"Third"_s};
 
+/// What was changed before is fetched before the question is asked.
+void whileTheUserIsAsked(Journey& j, const std::function<void()>& happens) {
+  j.world.dialogs.whileOpen = [happens](const platform::dialogs::Shown& box) {
+    if (box.text.startsWith(sureQuestion)) happens();
+  };
+}
+
 void expectNothingReported(Journey& j) {
   const auto calendar = outside::files(j.calendar());
   const int reports = j.reportsStored();
@@ -81,7 +88,7 @@ TEST(CalendarFaultJourney, AnAppointmentThatSomebodyElseHasChangedMeanwhileIsNot
   const QString second = j.calendar() + u"/second.ics"_s;
   const QByteArray changed =
       outside::content(second).replace("SUMMARY:Second", "SUMMARY:Second, at the customer's");
-  outside::write(second, changed);
+  whileTheUserIsAsked(j, [&] { outside::write(second, changed); });
   j.world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
   j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
   EXPECT_ENDS_PROCESS(j.click("cmdOK"));
@@ -120,7 +127,7 @@ TEST(CalendarFaultJourney, AnAppointmentDeletedMeanwhileDoesNotComeBack) {
   addThree(j);
   j.start();
   j.fetch(july8, july14);
-  ASSERT_TRUE(QFile::remove(j.calendar() + u"/second.ics"_s));
+  whileTheUserIsAsked(j, [&] { ASSERT_TRUE(QFile::remove(j.calendar() + u"/second.ics"_s)); });
   j.world.dialogs.expect(sureQuestion, platform::dialogs::vbYes);
   j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
   EXPECT_ENDS_PROCESS(j.click("cmdOK"));

@@ -186,7 +186,12 @@ TEST(EditingJourneys, AnAppointmentThatSomebodyElseHasChangedMeanwhileIsNotOverw
   e.j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
   EXPECT_ENDS_PROCESS(e.type(e.row, 0, u"Other"_s));
   EXPECT_EQ(outside::content(file), changed);
-  EXPECT_EQ(e.j.subjects().value(e.row), u"First"_s);
+  const QString told = e.j.world.dialogs.shown.last().text;
+  EXPECT_TRUE(
+      told.contains(u"Subject: \"Other\" was to be written, \"First, moved\" stands in the calendar now"_s))
+      << qPrintable(told);
+  EXPECT_TRUE(told.contains(u"first.ics"_s)) << qPrintable(told);
+  EXPECT_EQ(e.j.subjects().value(e.row), u"First, moved"_s) << "behind the box stands what is true";
 }
 
 // The calendar goes wrong while the window is open
@@ -212,14 +217,15 @@ class FullDisk {
 };
 
 /// Types a subject that cannot be saved: told, put back in the list, and the report names what is the matter.
-void expectSubjectIsNotSaved(EditingJourney& e, const QString& named = u"first.ics"_s) {
+void expectSubjectIsNotSaved(EditingJourney& e, const QString& named = u"first.ics"_s,
+                             const QString& shownThen = u"First"_s) {
   e.j.world.dialogs.expect(u"Your changes were not saved."_s, platform::dialogs::vbOK);
   e.j.world.dialogs.expect(errorReport, platform::dialogs::vbNo);
   EXPECT_ENDS_PROCESS(e.type(e.row, 0, u"Other"_s));
   EXPECT_TRUE(e.j.world.dialogs.shown.last().text.contains(u"fncSaveChanges"_s));
   EXPECT_TRUE(e.j.world.dialogs.shown.last().text.contains(named))
       << qPrintable(e.j.world.dialogs.shown.last().text);
-  EXPECT_EQ(e.j.subjects().value(e.row), u"First"_s);
+  EXPECT_EQ(e.j.subjects().value(e.row), shownThen);
 }
 
 TEST(EditingJourneys, AChangeInACalendarThatHasBecomeReadOnlyIsNotSavedAndTold) {
@@ -254,7 +260,9 @@ TEST(EditingJourneys, AChangeInACalendarThatHasVanishedIsNotSavedAndTold) {
 TEST(EditingJourneys, AChangeOfAnAppointmentThatSomebodyElseHasDeletedDoesNotBringItBack) {
   EditingJourney e;
   ASSERT_TRUE(QFile::remove(e.j.calendar() + u"/first.ics"_s));
-  expectSubjectIsNotSaved(e);
+  expectSubjectIsNotSaved(
+      e, u"It stands in the calendar no longer. This was to be written:\r\nSubject: \"Other\""_s,
+      u"Second"_s);
   EXPECT_EQ(e.changedFiles(), QStringList{u"first.ics"_s});
   EXPECT_FALSE(QFile::exists(e.j.calendar() + u"/first.ics"_s));
 }

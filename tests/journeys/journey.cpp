@@ -13,6 +13,8 @@
 #include "shell/start/ProgramValues.h"
 #include "tests/support/quickfolder.h"
 #include "workspace/frm2003Report.h"
+#include "workspace/ReportForm.h"
+#include "workspace/WorkspaceValues.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -159,6 +161,10 @@ void Journey::chooseFilter(int index) {
   QTest::keyClick(filter, Qt::Key_Home);
   for (int i = 0; i < index; ++i) QTest::keyClick(filter, Qt::Key_Down);
   EXPECT_EQ(filter->currentIndex(), index);
+}
+
+void Journey::tick() {
+  Q_EMIT hourbook::reportForm().timFollowCalendar.Tick();
 }
 
 void Journey::pressOK() {

@@ -58,6 +58,8 @@ class Journey {
   /// Picks both dates and fetches.
   void fetch(const QDate& from, const QDate& to);
   void chooseFilter(int index);
+  /// The time has come at which the list looks for what others have changed.
+  void tick();
   /// Answers the question before the report with Yes, presses OK.
   void pressOK();
   /// The same; the report succeeds, and another period is wanted.

@@ -23,7 +23,7 @@ void showChoice(const ComboBox& control, QComboBox* widget) {
   if (widget->currentIndex() != control.ListIndex()) widget->setCurrentIndex(control.ListIndex());
   if (!edit) return;
   if (edit->text() != control.Text()) edit->setText(control.Text());
-  if (typing) edit->setCursorPosition(cursor);
+  if (typing && edit->cursorPosition() != cursor) edit->setCursorPosition(cursor);  // it ends a selection
 }
 
 }  // namespace

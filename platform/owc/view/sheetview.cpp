@@ -68,6 +68,10 @@ void SheetView::setEditable(bool editable) {
   setAttribute(Qt::WA_InputMethodEnabled, isEditable());
 }
 
+bool SheetView::isBeingEdited() const {
+  return editing_ && editing_->isOpen();
+}
+
 void SheetView::setUpLook() {
   setEditTriggers(NoEditTriggers);
   setSelectionMode(ContiguousSelection);
@@ -340,6 +344,17 @@ void SheetView::scrollTo(const QModelIndex& index, ScrollHint hint) {
   if (panes_->freezesColumn(index.column())) horizontalScrollBar()->setValue(across);
   if (panes_->freezesRow(index.row())) verticalScrollBar()->setValue(down);
   panes_->uncover(index);
+}
+
+QPoint SheetView::scrolledTo() const {
+  return {horizontalScrollBar()->value(), verticalScrollBar()->value()};
+}
+
+void SheetView::scrollBackTo(const QPoint& place) {
+  executeDelayedItemsLayout();
+  updateGeometries();  // the bars' ends are those of the present rows
+  horizontalScrollBar()->setValue(place.x());
+  verticalScrollBar()->setValue(place.y());
 }
 
 QWidget* SheetView::groundOf(const CellRect& cell) {

@@ -35,6 +35,7 @@ class SheetView : public QTableView, public SheetScreen {
 
   void setEditable(bool editable);  // false at first
   bool isEditable() const { return editing_; }
+  bool isBeingEdited() const;  // an editor is open
 
   /// Where a cell of the sheet stands on the view, in the view's own pixels; empty while it is not in sight.
   QRect cellGeometry(int row, int column) const;
@@ -64,6 +65,11 @@ class SheetView : public QTableView, public SheetScreen {
   bool copySelection();
   void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
   void turnPage(bool down);
+
+  /// How far the view is scrolled: x in pixels, y in rows.
+  QPoint scrolledTo() const;
+  /// As far as there is something to see there.
+  void scrollBackTo(const QPoint& place);
 
  Q_SIGNALS:
   /// Cells stand elsewhere: scrolled, sized or another range. For what lies over the view.

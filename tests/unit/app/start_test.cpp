@@ -43,6 +43,7 @@ class FetchingGrid : public GridView {
   void subBuildMetaGrid() override {}
   void subSumRowToGrid(bool) override {}
   void subSaveGridChanges() override {}
+  bool fncHasUnsavedHours() const override { return false; }
   int weeks = 0;
 };
 

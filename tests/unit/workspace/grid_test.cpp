@@ -30,6 +30,8 @@ class NotedGrid : public GridView {
     calls.append(QStringLiteral("subSumRowToGrid ") + QString::fromLatin1(blnAdd ? "true" : "false"));
   }
   void subSaveGridChanges() override { calls.append(QStringLiteral("subSaveGridChanges")); }
+  bool fncHasUnsavedHours() const override { return hasUnsavedHours; }
+  bool hasUnsavedHours = false;
   QStringList calls;
 };
 
@@ -71,6 +73,24 @@ TEST_F(FetchingForTheGrid, TakesTheWholeWeekOfTheDate) {
   EXPECT_EQ(grid->dteGridStartDate, Date::of(2024, 5, 20));
   EXPECT_EQ(w.form->cmbWeek.Text(), QStringLiteral("21"));
   EXPECT_FALSE(w.workspace->gIgnoreWeekChange);
+}
+
+TEST_F(FetchingForTheGrid, FollowsTheCalendarUnlessHoursWouldGetLost) {
+  const auto key = w.add(QStringLiteral("First"), at(21, 9), 60, QStringLiteral(";Acme;Website;Design"));
+  w.form->chkGrid.setValue(1);
+  platform::calendar::Change change;
+  change.subject = QStringLiteral("Moved");
+  w.calendar->changeByAnother(w.folder, key, change);
+  grid->calls.clear();
+  grid->hasUnsavedHours = true;
+  Q_EMIT w.form->timFollowCalendar.Tick();
+  EXPECT_TRUE(grid->calls.isEmpty());
+  grid->hasUnsavedHours = false;
+  Q_EMIT w.form->timFollowCalendar.Tick();
+  EXPECT_THAT(grid->calls, ElementsAre(QStringLiteral("subStartWeek"),
+                                       QStringLiteral("subAddAppToGrid Moved;Acme;Website;Design"),
+                                       QStringLiteral("subFillGrid"), QStringLiteral("subBuildMetaGrid"),
+                                       QStringLiteral("subSumRowToGrid true")));
 }
 
 TEST_F(FetchingForTheGrid, KeepsAMondayAsItIs) {

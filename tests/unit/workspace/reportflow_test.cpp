@@ -1,3 +1,4 @@
+#include "platform/basic/convert.h"
 #include "platform/dialogs/dialogs.h"
 #include "platform/outlook/items.h"
 #include "settings/cGlobalSettings.h"
@@ -118,6 +119,121 @@ TEST_F(Reporting, SaysNothingWhenAllRowsArePostedAlready) {
   pressOK();
   EXPECT_EQ(sent, 0);
   EXPECT_EQ(w.world.dialogs.shown.size(), 1);
+}
+
+/// A calendar whose files take a while to be looked at: a glance does not see what others have changed.
+class CalendarLookedAtSlowly : public platform::calendar::FailingStore {
+ public:
+  using FailingStore::FailingStore;
+  QString othersTag(const QString& folder, platform::calendar::Look look) override {
+    const QString now = FailingStore::othersTag(folder, look);
+    if (look == platform::calendar::Look::Thorough || seen.isEmpty()) seen = now;
+    return seen;
+  }
+  QString seen;
+};
+
+class ReportingWithOthers : public Reporting {
+ protected:
+  ReportingWithOthers() {
+    platform::outlook::Profile profile;
+    profile.stores.append(store);
+    profile.openFolder = w.folder;
+    w.outlook->gOutlookApp = std::make_shared<platform::outlook::Application>(profile);
+    w.outlook->gCalendarFolder = w.outlook->gOutlookApp->ActiveExplorer()->CurrentFolder();
+    key = w.add(QStringLiteral("Work"), at(15, 9), 60, complete);
+    fetch();
+    QObject::connect(w.form.get(), &ReportForm::listFetched, w.form.get(), [this] { ++fetches; });
+    w.reporting->subSendXMLReport = [this](platform::ado::Recordset& rows) {
+      for (rows.MoveFirst(); !rows.isEOF(); rows.MoveNext()) {
+        reported.append(platform::basic::CStr(rows[QStringLiteral("strSubject")].Value()) + u' ' +
+                        platform::basic::CStr(rows[QStringLiteral("intHours")].Value()));
+        rows[QStringLiteral("intResult")].setValue(Value(qint64(1)));
+        rows.Update();
+      }
+    };
+  }
+  void theyMakeItLonger() {
+    platform::calendar::Change change;
+    change.durationMinutes = 180;
+    w.calendar->changeByAnother(w.folder, key, change);
+  }
+  std::shared_ptr<CalendarLookedAtSlowly> store = std::make_shared<CalendarLookedAtSlowly>(w.calendar);
+  platform::calendar::ItemKey key;
+  QStringList reported;
+  int fetches = 0;
+};
+
+TEST_F(ReportingWithOthers, ReportsWhatStandsInTheCalendarAndNotWhatStoodInTheList) {
+  theyMakeItLonger();
+  answer(sure, vbYes);
+  answer(QStringLiteral("another period?"), vbYes);
+  pressOK();
+  EXPECT_EQ(reported, QStringList{QStringLiteral("Work 3")});
+  EXPECT_EQ(fetches, 1);
+}
+
+TEST_F(ReportingWithOthers, AsksOverTheRowsThatStandInTheCalendar) {
+  theyMakeItLonger();
+  class Asking : public platform::dialogs::ScriptedDialogs {
+   public:
+    int MsgBox(const QString&, int, const QString&) override {
+      shownThen = hours();
+      return vbNo;
+    }
+    std::function<QString()> hours;
+    QString shownThen;
+  } dialogs;
+  dialogs.hours = [this] { return w.cell(QStringLiteral("F2")); };
+  const platform::dialogs::ScopedDialogs inForce(dialogs);
+  pressOK();
+  EXPECT_EQ(dialogs.shownThen, QStringLiteral("3"));
+}
+
+TEST_F(ReportingWithOthers, AsksNothingWhereOthersHaveRemovedTheRows) {
+  w.calendar->removeByAnother(w.folder, key);
+  pressOK();
+  EXPECT_EQ(reported, QStringList());
+  EXPECT_TRUE(w.world.dialogs.shown.isEmpty());
+}
+
+TEST_F(ReportingWithOthers, FetchesNothingWhereNobodyHasChangedAnything) {
+  answer(sure, vbNo);
+  pressOK();
+  EXPECT_EQ(fetches, 0);
+}
+
+TEST_F(ReportingWithOthers, ReportsThePeriodThatTheListShows) {
+  w.setPeriod(QDate(2024, 6, 1), QDate(2024, 6, 30));
+  theyMakeItLonger();
+  answer(sure, vbYes);
+  answer(QStringLiteral("another period?"), vbYes);
+  pressOK();
+  EXPECT_EQ(reported, QStringList{QStringLiteral("Work 3")});
+}
+
+TEST_F(ReportingWithOthers, GoesOnWhereTheCalendarCannotSayWhetherItHasChanged) {
+  store->failAlways(platform::calendar::FailingStore::Operation::OthersTag,
+                    platform::Failure(platform::calendar::errStoreBroken, QStringLiteral("Gone.")));
+  answer(sure, vbNo);
+  pressOK();
+  EXPECT_EQ(fetches, 0);
+}
+
+TEST_F(ReportingWithOthers, EndsWhereTheCalendarHasChangedAndCannotBeRead) {
+  theyMakeItLonger();
+  store->failAlways(platform::calendar::FailingStore::Operation::Items,
+                    platform::Failure(platform::calendar::errStoreBroken, QStringLiteral("Gone.")));
+  w.world.dialogs.expect(QStringLiteral("Sub routine : cmdOK_Click"), vbNo);
+  EXPECT_ENDS_PROCESS(pressOK());
+  EXPECT_EQ(reported, QStringList());
+}
+
+TEST_F(ReportingWithOthers, ShowsThatItLooksAtTheCalendar) {
+  w.screen->pointers.clear();
+  answer(sure, vbNo);
+  pressOK();
+  EXPECT_EQ(w.screen->pointers, (QList<int>{11, 0}));
 }
 
 TEST_F(Reporting, EndsTheProgramWhenNoOtherPeriodIsWanted) {

@@ -19,6 +19,7 @@ struct IdleGrid : GridView {
   void subBuildMetaGrid() override {}
   void subSumRowToGrid(bool) override {}
   void subSaveGridChanges() override {}
+  bool fncHasUnsavedHours() const override { return false; }
 };
 
 TEST_F(Window, HoldsEveryControlUnderItsName) {

@@ -30,10 +30,12 @@ class NotedScreen : public ReportFormScreen {
     form_.windowClosed();
   }
   qint32 GetPixel(int, int) const override { return pixel; }
+  bool UserIsBusy() const override { return busy; }
 
   QList<int> pointers;
   int refreshes = 0, shows = 0, unloads = 0;
   qint32 pixel = -1;
+  bool busy = false;
   std::function<void()> onRefresh;
 
  private:
