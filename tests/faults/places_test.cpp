@@ -3,6 +3,7 @@
 #include "platform/basic/failure.h"
 #include "tests/faults/trials.h"
 #include "tests/journeys/unprivileged.h"
+#include "tests/support/privatemounts.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,7 +12,6 @@
 #include <fcntl.h>
 #include <future>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -34,10 +34,7 @@ int onSmallDisk(const QString& folder, int kilobytes, const std::function<int()>
   const pid_t child = ::fork();
   if (child == 0) {
     const QByteArray size = "size=" + QByteArray::number(kilobytes) + "k";
-    const bool mounted =
-        ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-        ::mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, size.constData()) == 0;
-    ::_exit(mounted ? work() : skipped);
+    ::_exit(tests::mountsSmallDisk(folder, size) ? work() : skipped);
   }
   int status = 0;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
@@ -103,10 +100,7 @@ TEST_P(FullDisk, FailsOrSucceedsWholeHoweverMuchFits) {
     const int spare = step * (heavy ? 6 * stepKb : stepKb);
     const int code =
         onSmallDisk(place.saver().folder(), 8192, [&] { return saveOnFullDisk(place.saver(), spare); });
-    if (code == skipped) {
-      std::printf("    no disk may be mounted here, so full disks are left out\n");
-      return;
-    }
+    if (code == skipped) GTEST_SKIP() << tests::noMounts;
     ASSERT_LE(code, 1) << place.saver().name() << " with " << spare << " kB to spare";
     (code == 0 ? failed : succeeded) += 1;
   }
@@ -123,6 +117,7 @@ struct OddPlace : testing::Test {
   Saver& saver = place.saver();
   QString file = saver.path(u"first.ics"_s);
   QByteArray before;
+  const bool byRoot = ::getuid() == 0;
   std::optional<tests::Unprivileged> user;
 
   void SetUp() override {
@@ -244,9 +239,10 @@ TEST_F(OddPlace, AFolderInThePlaceOfTheFileIsRefused) {
 class HangingPlace {
  public:
   explicit HangingPlace(const QString& path) : server_(::open("/dev/fuse", O_RDWR | O_CLOEXEC)) {
-    const QByteArray options = "rootmode=40000,user_id=0,group_id=0,fd=" + QByteArray::number(server_);
-    mounted_ = server_ >= 0 && ::unshare(CLONE_NEWNS) == 0 &&
-               ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+    const QByteArray options = "rootmode=40000,user_id=" + QByteArray::number(::geteuid()) +
+                               ",group_id=" + QByteArray::number(::getegid()) +
+                               ",fd=" + QByteArray::number(server_);
+    mounted_ = server_ >= 0 && tests::mountsForItselfAlone() &&
                ::mount("hanging", QFile::encodeName(path).constData(), "fuse", 0, options.constData()) == 0;
   }
   bool isMounted() const { return mounted_; }
@@ -285,18 +281,13 @@ TEST_F(OddPlace, AMountThatHangsHoldsTheProgramUpUntilItIsGivenUpAndIsThenNamed)
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFEXITED(status));
-  if (WEXITSTATUS(status) == skipped)
-    std::printf("    no file system may be mounted here, so hanging ones are left out\n");
-  else
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+  if (WEXITSTATUS(status) == skipped) GTEST_SKIP() << tests::noMounts << " Or there is no /dev/fuse.";
+  EXPECT_EQ(WEXITSTATUS(status), 0);
   EXPECT_EQ(content(file), before);
 }
 
 TEST_F(OddPlace, AFileOfAnotherUserThatMayNotBeWrittenIsRefused) {
-  if (::getuid() != 65534) {
-    std::printf("    only root can make a file of another user, so this is left out\n");
-    return;
-  }
+  if (!byRoot) GTEST_SKIP() << "Only root can make a file of another user.";
   user.reset();  // as root
   ASSERT_EQ(::chmod(name(QFileInfo(saver.folder()).path()).constData(), 0755), 0);
   ASSERT_EQ(::chown(name(saver.folder()).constData(), 65534, 65534), 0);

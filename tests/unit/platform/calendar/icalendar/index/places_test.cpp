@@ -1,11 +1,11 @@
 #include "platform/calendar/icalendar/index/indexfile.h"
+#include "tests/support/privatemounts.h"
 #include "tests/unit/platform/calendar/icalendar/index/world.h"
 
 #include <QDir>
 #include <QFile>
 
 #include <functional>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -32,10 +32,7 @@ int onDisk(const QString& folder, const QByteArray& options, const std::function
   std::fflush(nullptr);
   const pid_t child = ::fork();
   if (child == 0) {
-    const bool mounted = ::unshare(CLONE_NEWNS) == 0 &&
-                         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                         ::mount("tmpfs", qPrintable(folder), "tmpfs", 0, options.constData()) == 0;
-    ::_exit(mounted ? work() : skipped);
+    ::_exit(tests::mountsSmallDisk(folder, options) ? work() : skipped);
   }
   int status = 0;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
@@ -87,11 +84,16 @@ class IndexPlaces : public IndexTest {
     if (seenBy(*next) != expectedAfter_) return WrongAtTheNextStart;
     return fromIndex && next->answeredFromIndex() ? FromIndex : FromFiles;
   }
-  /// A code that tells that what was shown is right; false where nothing could be mounted.
-  static bool isRight(int code) {
-    EXPECT_LE(code == skipped ? 0 : code, static_cast<int>(FromFiles));
-    if (code == skipped) std::printf("    no disk may be mounted here, so this is left out\n");
-    return code <= FromFiles;
+  /// Of a disk with these options: a code that tells that what was shown is right. Where nothing can be
+  /// mounted the test is skipped, and nothing comes back.
+  std::optional<int> rightCode(const QByteArray& options, const std::function<int()>& work) const {
+    const int code = onDisk(cache(), options, work);
+    if (code == skipped) {
+      [] { GTEST_SKIP() << tests::noMounts; }();
+      return std::nullopt;
+    }
+    EXPECT_LE(code, static_cast<int>(FromFiles));
+    return code;
   }
 
   QByteArray before_, after_;
@@ -103,12 +105,8 @@ TEST_F(IndexPlaces, ADiskThatFillsUpAtAnyMomentCostsTheIndexAlone) {
   for (quint32 step = 1; step <= sizes; ++step) {
     SCOPED_TRACE(step * stepKb);
     const QByteArray size = "size=" + QByteArray::number(step * stepKb) + "k";
-    const int code = onDisk(cache(), size, [&] { return twoSessions(); });
-    if (code == skipped) {
-      std::printf("    no disk may be mounted here, so full disks are left out\n");
-      return;
-    }
-    ASSERT_LE(code, static_cast<int>(FromFiles));
+    const auto code = rightCode(size, [&] { return twoSessions(); });
+    if (!code || HasFailure()) return;
     (code == FromIndex ? with : without) += 1;
   }
   std::printf("    %d with an index, %d without\n", with, without);
@@ -119,25 +117,24 @@ TEST_F(IndexPlaces, ADiskThatFillsUpAtAnyMomentCostsTheIndexAlone) {
 TEST_F(IndexPlaces, ADiskOnWhichNoMoreFilesCanBeMadeCostsTheIndexAlone) {
   for (int files = 1; files <= 7; ++files) {
     SCOPED_TRACE(files);
-    if (!isRight(onDisk(cache(), "nr_inodes=" + QByteArray::number(files), [&] { return twoSessions(); })))
-      return;
+    if (!rightCode("nr_inodes=" + QByteArray::number(files), [&] { return twoSessions(); })) return;
   }
 }
 
 TEST_F(IndexPlaces, ADiskThatMayOnlyBeReadCostsTheIndexAlone) {
   for (const bool hasIndex : {false, true}) {
-    const int code = onDisk(cache(), "size=8m", [&] {
+    const auto code = rightCode("size=8m", [&] {
       if (hasIndex) seenBy(*open(folder()));
       if (::mount("none", qPrintable(cache()), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0) return skipped;
       return twoSessions();
     });
-    if (!isRight(code)) return;
-    EXPECT_EQ(code, FromFiles);
+    if (!code) return;
+    EXPECT_EQ(*code, FromFiles);
   }
 }
 
 TEST_F(IndexPlaces, ADiskThatBecomesReadOnlyWhileItIsInUseCostsTheIndexAlone) {
-  const int code = onDisk(cache(), "size=8m", [&] {
+  rightCode("size=8m", [&] {
     const auto index = open(folder());
     if (seenBy(*index) != expected_) return int(WrongAtFirst);
     // as a disk does that fails: what is open stays open, and cannot be written to
@@ -147,7 +144,6 @@ TEST_F(IndexPlaces, ADiskThatBecomesReadOnlyWhileItIsInUseCostsTheIndexAlone) {
     if (seenBy(*index) != expectedAfter_) return int(WrongBehindAChange);
     return seenBy(*index) == expectedAfter_ ? int(FromFiles) : int(WrongAtTheNextStart);
   });
-  isRight(code);
 }
 
 TEST_F(IndexPlaces, AFolderThatCannotBeMadeCostsTheIndexAlone) {
