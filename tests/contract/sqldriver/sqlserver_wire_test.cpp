@@ -1,5 +1,6 @@
 // What goes over the wire to an SQL Server, and how its answers and failures are taken.
 #include "platform/sql/odbc/engine.h"
+#include "sqlbrowser.h"
 #include "sqlserverwire.h"
 
 #include <QCoreApplication>
@@ -52,6 +53,41 @@ TEST_F(SqlServerWire, ThePortMayStandUnderAKeyOfItsOwn) {
     odbc::OdbcDriver(options).connect(to);
     EXPECT_EQ(peer.login().application, server);
   }
+}
+
+namespace {
+/// An address of this machine that is this process's own, since the port that is asked is the same for all.
+QString ownAddress() {
+  const qint64 number = QCoreApplication::applicationPid();
+  return u"127.77.%1.%2"_qs.arg(number / 250 % 250 + 1).arg(number % 250 + 1);
+}
+}  // namespace
+
+TEST_F(SqlServerWire, ANamedInstanceIsReachedAtThePortThatItsMachineTells) {
+  const QString machine = ownAddress();
+  TdsPeer first(machine), second(machine);
+  const SqlBrowser browser(machine, {{u"SQLEXPRESS"_qs, first.port()}, {u"TIMES"_qs, second.port()}});
+  for (const QString& server : {machine + u"\\SQLEXPRESS"_qs, u"tcp:"_qs + machine + u"\\TIMES"_qs}) {
+    ConnectionString to = connection();
+    to.set(u"Data Source"_qs, server);
+    odbc::OdbcDriver(options).connect(to);
+  }
+  EXPECT_EQ(browser.asked(), QStringList({u"SQLEXPRESS"_qs, u"TIMES"_qs}));
+  EXPECT_EQ(first.logins(), 1);
+  EXPECT_EQ(second.logins(), 1);
+  EXPECT_EQ(peer.logins(), 0);
+}
+
+TEST_F(SqlServerWire, ANamedInstanceThatDoesNotAnswerAtItsPortIsTold) {
+  const QString machine = ownAddress();
+  const SqlBrowser browser(machine, {{u"SQLEXPRESS"_qs, 1}});
+  ConnectionString to = connection();
+  to.set(u"Data Source"_qs, machine + u"\\SQLEXPRESS"_qs);
+  const QString told = failureText([&] { odbc::OdbcDriver(options).connect(to); });
+  EXPECT_TRUE(told.startsWith(
+      u"Cannot connect to the database Hourbook3SQL on %1\\SQLEXPRESS: no server answers under this name and "
+      "port"_qs.arg(machine)))
+      << qPrintable(told);
 }
 
 TEST_F(SqlServerWire, TheProgramsNameIsToldUnlessTheStringHasOne) {

@@ -46,17 +46,17 @@ bool isSetUp(const TdsRequest& request) {
 
 }  // namespace
 
-TdsPeer::TdsPeer() {
+TdsPeer::TdsPeer(const QString& address) {
   listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* plain = reinterpret_cast<sockaddr*>(&address);
-  if (::bind(listener_, plain, size) != 0 || ::listen(listener_, 8) != 0 ||
+  sockaddr_in own{};
+  own.sin_family = AF_INET;
+  socklen_t size = sizeof own;
+  auto* plain = reinterpret_cast<sockaddr*>(&own);
+  if (::inet_pton(AF_INET, address.toLatin1().constData(), &own.sin_addr) != 1 ||
+      ::bind(listener_, plain, size) != 0 || ::listen(listener_, 8) != 0 ||
       ::getsockname(listener_, plain, &size) != 0 || ::pipe(stop_) != 0)
     qFatal("no socket on this machine");
-  port_ = ntohs(address.sin_port);
+  port_ = ntohs(own.sin_port);
   thread_ = std::thread([this] { work(); });
 }
 

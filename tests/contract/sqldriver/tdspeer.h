@@ -18,7 +18,8 @@ namespace contract {
 class TdsPeer {
  public:
   using Script = std::function<TdsAnswer(const TdsRequest&)>;
-  TdsPeer();
+  /// At an address of this machine.
+  explicit TdsPeer(const QString& address = QStringLiteral("127.0.0.1"));
   ~TdsPeer();
   TdsPeer(const TdsPeer&) = delete;
   TdsPeer& operator=(const TdsPeer&) = delete;
