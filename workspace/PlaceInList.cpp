@@ -51,13 +51,15 @@ PlaceInList::Appointment PlaceInList::before(int row) const {
   return position >= 1 && position <= before_.Count() ? before_.Item(position) : nullptr;
 }
 
-/// The selected row, or the uppermost where that is out of sight.
+/// The selected row, or the uppermost where that is out of sight. Who looks at the beginning of the list goes
+/// on looking at its beginning.
 int PlaceInList::rowInSight(const QPoint& scroll) const {
   ReportForm& form = reportForm();
   const int uppermost = firstRow + scroll.y();
   const int height = platform::forms::twipsToPixels(form.exsThisWeek.Height());
   const bool seen = selection_.row >= uppermost && form.exsThisWeek.Cell(selection_.row, 1).Top() < height;
-  return seen ? selection_.row : uppermost;
+  if (seen) return selection_.row;
+  return scroll.y() > 0 ? uppermost : 0;
 }
 
 void PlaceInList::noteLeftovers() {

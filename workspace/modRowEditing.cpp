@@ -73,6 +73,16 @@ bool isConflict(const Failure& failure) {
          failure.number() == platform::calendar::errNotFound;
 }
 
+/// The report quotes the step that failed and not what was done since.
+void showWhatStandsThere() {
+  ShellValues& shell = shellValues();
+  const QString step = shell.gLastLogText;
+  const qint16 line = shell.lastLogLine;
+  tolerate([] { subFollowCalendar(); });
+  shell.gLastLogText = step;
+  shell.lastLogLine = line;
+}
+
 /// Writes a cell that the user may not change, and lets nobody react to it.
 void putBack(int row, int column, const Value& value) {
   platform::owc::Spreadsheet& sheet = reportForm().exsThisWeek;
@@ -110,7 +120,7 @@ class RowChange {
   /// What could not be saved is told when the sheet shows again what the calendar holds.
   void tellPending() const {
     if (!pending_) return;
-    if (isConflict(*pending_)) tolerate([] { subFollowCalendar(); });
+    if (isConflict(*pending_)) showWhatStandsThere();
     subHandleError(*pending_, QStringLiteral("fncSaveChanges"));
   }
   void tellNotSaved() const {

@@ -187,8 +187,7 @@ TEST(EditingJourneys, AnAppointmentThatSomebodyElseHasChangedMeanwhileIsNotOverw
   EXPECT_ENDS_PROCESS(e.type(e.row, 0, u"Other"_s));
   EXPECT_EQ(outside::content(file), changed);
   const QString told = e.j.world.dialogs.shown.last().text;
-  EXPECT_TRUE(
-      told.contains(u"Subject: \"Other\" was to be written, \"First, moved\" stands in the calendar now"_s))
+  EXPECT_TRUE(told.contains(u"Subject: to be written \"Other\", in the calendar now \"First, moved\""_s))
       << qPrintable(told);
   EXPECT_TRUE(told.contains(u"first.ics"_s)) << qPrintable(told);
   EXPECT_EQ(e.j.subjects().value(e.row), u"First, moved"_s) << "behind the box stands what is true";

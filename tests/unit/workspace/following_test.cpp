@@ -358,10 +358,14 @@ TEST_P(FollowedList, AfterAConflictShowsBothVersionsAndWhatStandsInTheCalendar) 
   expectReport("fncSaveChanges");
   EXPECT_ENDS_PROCESS(choose(1, QStringLiteral("Beta")));
   const QString told = w.world.dialogs.shown.last().text;
-  EXPECT_TRUE(
-      told.contains(QStringLiteral("Subject: \"First\" when it was read, \"Moved\" in the calendar now")))
+  EXPECT_TRUE(told.contains(QStringLiteral("Subject: when read \"First\", in the calendar now \"Moved\"")))
       << told.toStdString();
-  EXPECT_TRUE(told.contains(QStringLiteral("Beta;Website;Design\" was to be written"))) << told.toStdString();
+  EXPECT_TRUE(told.contains(QStringLiteral(
+      "Categories: to be written \";Beta;Website;Design\", in the calendar now \";Acme;Website;Design\"")))
+      << told.toStdString();
+  EXPECT_TRUE(
+      told.contains(QStringLiteral("Building a categories string from the currently selected markings")))
+      << told.toStdString();
   EXPECT_EQ(w.subjects(), (QStringList{QStringLiteral("Moved"), QStringLiteral("Second")}));
   EXPECT_EQ(w.cell(QStringLiteral("B2")), QStringLiteral("Acme"));
   EXPECT_EQ(stored(0).categoriesText, marked);

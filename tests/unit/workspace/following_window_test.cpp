@@ -183,6 +183,14 @@ TEST_P(FollowingWindow, KeepsWhatIsInSight) {
   EXPECT_EQ(list().verticalScrollBar()->value(), 21);
 }
 
+TEST_P(FollowingWindow, ShowsWhatComesBeforeTheFirstRowWhereThatIsInSight) {
+  fill(60);
+  theyAdd("Before");
+  tick();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(uppermost(), QStringLiteral("Before"));
+}
+
 TEST_P(FollowingWindow, KeepsTheSelectedRowAtItsPlaceOfTheScreen) {
   fill(60);
   list().verticalScrollBar()->setValue(20);

@@ -124,6 +124,13 @@ TEST_F(ComboBinding, TypingInTheMiddleKeepsTheCursorThere) {
   EXPECT_EQ(comboWidget.lineEdit()->cursorPosition(), 2);
 }
 
+TEST_F(ComboBinding, ATextThatCodeSetsAgainLeavesWhatIsSelectedInIt) {
+  combo.setText(u"Beta"_s);
+  comboWidget.lineEdit()->setSelection(1, 2);
+  combo.setText(u"Beta"_s);
+  EXPECT_EQ(comboWidget.lineEdit()->selectedText(), u"et"_s);
+}
+
 TEST_F(ComboBinding, FreeTextByCodeIsShown) {
   combo.setListIndex(1);
   combo.setText(u"own words"_s);

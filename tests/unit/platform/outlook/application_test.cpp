@@ -145,6 +145,19 @@ TEST_F(ApplicationTest, TheItemsOfAFolderComeFromItsStore) {
   EXPECT_EQ(application.ActiveExplorer()->CurrentFolder()->Items().Count(), 1);
 }
 
+TEST_F(ApplicationTest, AFolderTellsWhetherOthersHaveChangedIt) {
+  const auto item = add(appointment(u"A"_s, u"2024-05-15 09:00"_s));
+  profile.openFolder = folder;
+  const Application application(profile);
+  const auto open = application.ActiveExplorer()->CurrentFolder();
+  const QString before = open->OthersTag(calendar::Look::Glance);
+  item->setSubject(u"B"_s);
+  item->Save();
+  EXPECT_EQ(open->OthersTag(calendar::Look::Thorough), before);
+  memory->add(folder, appointment(u"C"_s, u"2024-05-15 09:00"_s));
+  EXPECT_NE(open->OthersTag(calendar::Look::Glance), before);
+}
+
 TEST_F(ApplicationTest, VersionAndDraftsReachWhatAnAppointmentForwards) {
   memory->add(folder, appointment(u"A"_s, u"2024-05-15 09:00"_s));
   profile.openFolder = folder;

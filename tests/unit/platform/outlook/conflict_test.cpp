@@ -43,10 +43,8 @@ TEST_F(ConflictTest, TellsWhatWasToBeWrittenAndWhatStandsInTheCalendar) {
   calendar::Change theirs;
   theirs.subject = u"Theirs"_s;
   theyChange(theirs);
-  EXPECT_EQ(
-      told(),
-      (QStringList{u"Subject: \"Mine\" was to be written, \"Theirs\" stands in the calendar now"_s,
-                   u"Duration: 150 minutes was to be written, 60 minutes stands in the calendar now"_s}));
+  EXPECT_EQ(told(), (QStringList{u"Subject: to be written \"Mine\", in the calendar now \"Theirs\""_s,
+                                 u"Duration: to be written 150 minutes, in the calendar now 60 minutes"_s}));
   EXPECT_EQ(number, calendar::errChangedMeanwhile);
   EXPECT_EQ(description,
             u"\"Theirs\" has been changed by another program meanwhile. (calendar \"Calendar\")"_s);
@@ -58,11 +56,10 @@ TEST_F(ConflictTest, TellsWhatSomebodyElseChangedThatWasNotToBeWritten) {
   theirs.start = local(u"2024-05-15 10:30"_s);
   theirs.sensitivity = calendar::Sensitivity::Private;
   theyChange(theirs);
-  EXPECT_EQ(told(),
-            (QStringList{
-                u"Subject: \"Mine\" was to be written, \"First\" stands in the calendar now"_s,
-                u"Start: 5/15/2024 9:00:00 AM when it was read, 5/15/2024 10:30:00 AM in the calendar now"_s,
-                u"Sensitivity: normal when it was read, private in the calendar now"_s}));
+  EXPECT_EQ(told(), (QStringList{
+                        u"Subject: to be written \"Mine\", in the calendar now \"First\""_s,
+                        u"Start: when read 5/15/2024 9:00:00 AM, in the calendar now 5/15/2024 10:30:00 AM"_s,
+                        u"Sensitivity: when read normal, in the calendar now private"_s}));
 }
 
 TEST_F(ConflictTest, SaysWhereBothWantedTheSame) {
@@ -71,10 +68,10 @@ TEST_F(ConflictTest, SaysWhereBothWantedTheSame) {
   calendar::Change theirs;
   theirs.billingInformation = u"5/15/2024"_s;
   theyChange(theirs);
-  EXPECT_EQ(told(),
-            (QStringList{
-                u"Categories: \";Beta\" was to be written, \";Acme\" stands in the calendar now"_s,
-                u"Billing information: \"5/15/2024\" was to be written and stands in the calendar now"_s}));
+  EXPECT_EQ(
+      told(),
+      (QStringList{u"Categories: to be written \";Beta\", in the calendar now \";Acme\""_s,
+                   u"Billing information: to be written \"5/15/2024\", which stands in the calendar now"_s}));
 }
 
 TEST_F(ConflictTest, ShortensWhatIsLong) {
@@ -82,8 +79,8 @@ TEST_F(ConflictTest, ShortensWhatIsLong) {
   calendar::Change theirs;
   theirs.body = u"theirs"_s;
   theyChange(theirs);
-  EXPECT_EQ(told(), QStringList{u"Text: \"mine "_s + QString(195, u'x') +
-                                u"\u2026\" was to be written, \"theirs\" stands in the calendar now"_s});
+  EXPECT_EQ(told(), QStringList{u"Text: to be written \"mine "_s + QString(195, u'x') +
+                                u"\u2026\", in the calendar now \"theirs\""_s});
 }
 
 TEST_F(ConflictTest, NamesWholeDays) {
@@ -91,8 +88,7 @@ TEST_F(ConflictTest, NamesWholeDays) {
   calendar::Change theirs;
   theirs.durationMinutes = 30;
   theyChange(theirs);
-  EXPECT_EQ(told().last(),
-            u"Duration: the whole day was to be written, 30 minutes stands in the calendar now"_s);
+  EXPECT_EQ(told().last(), u"Duration: to be written the whole day, in the calendar now 30 minutes"_s);
 }
 
 TEST_F(ConflictTest, NamesThePropertiesThatWereToBeWritten) {
@@ -101,7 +97,7 @@ TEST_F(ConflictTest, NamesThePropertiesThatWereToBeWritten) {
   theirs.userProperties.insert(u"Colour"_s, {1, u"blue"_s});
   theirs.userProperties.insert(u"Size"_s, {1, u"7"_s});
   theyChange(theirs);
-  EXPECT_EQ(told(), QStringList{u"Colour: \"red\" was to be written, \"blue\" stands in the calendar now"_s});
+  EXPECT_EQ(told(), QStringList{u"Colour: to be written \"red\", in the calendar now \"blue\""_s});
 }
 
 TEST_F(ConflictTest, OfARemovedAppointmentTellsAllThatWasToBeWritten) {

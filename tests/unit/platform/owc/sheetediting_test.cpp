@@ -461,3 +461,12 @@ TEST(SheetEditing, TheViewMayGoWhileAnEditIsOpen) {
   EXPECT_EQ(sheet.Range(u"B2"_s).Text(), QString());
   EXPECT_EQ(sheet.Range(u"B3"_s).Top(), 2 * PlainScreen::rowHeight) << "the sheet's own places again";
 }
+
+TEST_F(Editings, SayThatTheyAreUnderWay) {
+  select(u"A2"_s);
+  EXPECT_FALSE(view->isBeingEdited());
+  press(Qt::Key_F2);
+  EXPECT_TRUE(view->isBeingEdited());
+  press(Qt::Key_Escape);
+  EXPECT_FALSE(view->isBeingEdited());
+}

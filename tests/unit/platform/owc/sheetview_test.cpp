@@ -312,3 +312,17 @@ TEST(SheetView, OutlivesItsSheet) {
   QCoreApplication::processEvents();
   EXPECT_TRUE(view.cellGeometry(2, 1).isEmpty());
 }
+
+TEST_F(Views, ScrollsBackToWhereItWasOverOtherRows) {
+  QCoreApplication::processEvents();
+  view.verticalScrollBar()->setValue(20);
+  const QPoint place = view.scrolledTo();
+  EXPECT_EQ(place, QPoint(0, 20));
+  view.verticalScrollBar()->setValue(0);
+  sheet.setViewableRange(u"A1:G80"_s);
+  view.scrollBackTo({0, 60});  // further than there were rows
+  EXPECT_EQ(view.scrolledTo().y(), 60);
+  sheet.setViewableRange(u"A1:G30"_s);
+  view.scrollBackTo(place);
+  EXPECT_EQ(view.scrolledTo().y(), view.verticalScrollBar()->maximum());
+}
