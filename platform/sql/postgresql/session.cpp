@@ -43,7 +43,7 @@ class StatementGuard {
   bool needed_;
 };
 
-constexpr int mostKnownTypes = 64;
+constexpr int mostKept = 64;         // statements of which something is known
 constexpr int settleAttempts = 250;  // of 20 ms each, of which one does nearly always
 
 bool controlsTransaction(const QString& sql) {
@@ -78,10 +78,11 @@ PostgresqlSession::~PostgresqlSession() = default;
 void PostgresqlSession::forget() {
   catalogue_.reset();
   typesOf_.clear();
+  translations_.clear();
 }
 
 void PostgresqlSession::readCatalogue() {
-  typesOf_.clear();
+  forget();
   catalogue_ = Catalogue::read(connection_);
   catalogueIsNew_ = true;
 }
@@ -123,8 +124,21 @@ Result PostgresqlSession::executeNative(const QString& sql, const QList<basic::V
   return resultOf(answer);
 }
 
+/// A report sends the same statement for each row. One that asks for the last counter means another each
+/// time.
+Translation PostgresqlSession::translated(const QString& sql) {
+  const Catalogue& known = catalogue();
+  if (const auto found = translations_.constFind(sql); found != translations_.cend()) return *found;
+  const Translation translation = fromAccess(sql, known, lastIdentity_);
+  if (sql.contains(u"@@")) return translation;
+  if (translations_.size() >= mostKept) translations_.clear();
+  translations_.insert(sql, translation);
+  return translation;
+}
+
 Result PostgresqlSession::executeAccess(const QString& sql, const QList<basic::Value>& parameters) {
-  const Translation translation = fromAccess(sql, catalogue(), lastIdentity_);
+  const Translation translation =
+      parameters.isEmpty() ? fromAccess(sql, catalogue(), lastIdentity_) : translated(sql);
   StatementGuard guard(connection_);
   const ResultPointer answer = run(translation, parameters);
   Result result = resultOf(answer);
@@ -142,7 +156,7 @@ ResultPointer PostgresqlSession::run(const Translation& translation, const QList
   for (qsizetype i = 0; i < parameters.size(); ++i)
     texts.append(parameterOf(parameters[i], types.value(i, 0), translation.writes));
   if (typesWereKnown_) return connection_.run(translation.sql, texts, 0, types);
-  if (typesOf_.size() >= mostKnownTypes) typesOf_.clear();
+  if (typesOf_.size() >= mostKept) typesOf_.clear();
   typesOf_.insert(translation.sql, types);
   return connection_.runPrepared(translation.sql, texts);
 }

@@ -31,6 +31,7 @@ class PostgresqlSession : public Session {
 
  private:
   Result executeNative(const QString& sql, const QList<basic::Value>& parameters);
+  Translation translated(const QString& sql);
   Result executeAccess(const QString& sql, const QList<basic::Value>& parameters);
   ResultPointer run(const Translation& translation, const QList<basic::Value>& parameters);
   void takeCounter(const Translation& translation, Result& result);
@@ -46,7 +47,8 @@ class PostgresqlSession : public Session {
   bool catalogueIsNew_ = false;         // read within the running statement
   /// What the server takes the parameters of a statement for, so that it need not be asked for each row.
   QHash<QString, QList<unsigned>> typesOf_;
-  bool typesWereKnown_ = false;  // to the running statement
+  QHash<QString, Translation> translations_;  // of statements with parameters, under the present catalogue
+  bool typesWereKnown_ = false;               // to the running statement
   qint64 lastIdentity_ = 0;
   int depth_ = 0;  // of transactions
 };

@@ -118,6 +118,18 @@ TEST_F(Postgresql, ATableThatAnotherConnectionMakesMeanwhileIsFound) {
   EXPECT_EQ(session->execute(u"select strNew from tblLater"_qs).columns.size(), 1);
 }
 
+TEST_F(Postgresql, AStatementThatIsSentAgainIsReadAnewOnceItsTableHasChanged) {
+  createMeta();
+  const QString insert = u"insert into tblMeta1 (strName, blnEnabled) values (?, ?)"_qs;
+  EXPECT_EQ(session->execute(insert, {u"a"_qs, true}).lastId, 1);
+  EXPECT_EQ(session->execute(insert, {u"b"_qs, true}).lastId, 2);
+  connect()->execute(u"ALTER TABLE \"tblMeta1\" RENAME COLUMN \"intMeta1ID\" TO \"id\""_qs);
+  EXPECT_EQ(session->execute(insert, {u"c"_qs, true}).lastId, 3) << "under its counter's new name";
+  connect()->execute(u"ALTER TABLE \"tblMeta1\" RENAME COLUMN \"strName\" TO \"STRNAME\""_qs);
+  EXPECT_EQ(session->execute(insert, {u"d"_qs, false}).lastId, 4) << "and its column's new spelling";
+  EXPECT_EQ(session->execute(u"select * from tblMeta1"_qs).rows.size(), 4);
+}
+
 TEST_F(Postgresql, ACounterGoesOnBehindAValueThatItWasGiven) {
   createMeta();
   EXPECT_EQ(
