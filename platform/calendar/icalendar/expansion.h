@@ -18,10 +18,10 @@ struct Occurrence {
 // For all series in one query together. A calendar in which these are used up is beyond all measure: of each
 // series that is left only the beginning is followed.
 struct WholeLimits {
-  int steps = 20'000'000;
-  int occurrences = 500'000;
+  int steps = 10'000'000;
+  int occurrences = 300'000;
 };
-inline constexpr int stepsOfTheRest = 2'000;  // of each rule
+inline constexpr int stepsOfTheRest = 500;  // of each rule
 inline constexpr int occurrencesOfTheRest = 10;
 
 class Expansion {

@@ -131,7 +131,10 @@ qint64 Periods::before(const QDate& day) const {
 QDate Periods::begin(qint64 number) const {
   const qint64 units = number * rule_.interval;
   if (rule_.frequency == Frequency::Yearly) return first_.addYears(static_cast<int>(units));
-  if (rule_.frequency == Frequency::Monthly) return first_.addMonths(static_cast<int>(units));
+  if (rule_.frequency == Frequency::Monthly) {  // (addMonths goes there year by year)
+    const qint64 months = first_.month() - 1 + units;
+    return QDate(first_.year() + static_cast<int>(months / 12), static_cast<int>(months % 12) + 1, 1);
+  }
   return first_.addDays(rule_.frequency == Frequency::Weekly ? units * daysOfWeek : units);
 }
 
@@ -153,12 +156,19 @@ QList<int> Periods::found(const QDate& begin) const {
     for (int i = 0; i < count; ++i)
       if (suitsDay(rule_, from.addDays(i))) days.append(ahead + i);
   };
+  const auto takeMonth = [&](const QDate& first) {
+    const QList<int>& named = rule_.byMonthDay;
+    const int size = first.daysInMonth();
+    if (named.isEmpty()) return take(first, size);
+    for (int day = 1; day <= size; ++day)  // before any date is made, which is what costs time
+      if (named.contains(day) || named.contains(day - size - 1)) take(first.addDays(day - 1), 1);
+  };
   if (rule_.frequency == Frequency::Daily) take(begin, 1);
   if (rule_.frequency == Frequency::Weekly) take(begin, daysOfWeek);
-  if (rule_.frequency == Frequency::Monthly) take(begin, begin.daysInMonth());
+  if (rule_.frequency == Frequency::Monthly) takeMonth(begin);
   if (rule_.frequency == Frequency::Yearly)
     for (QDate month = begin; month.year() == begin.year(); month = month.addMonths(1))
-      if (rule_.byMonth.isEmpty() || rule_.byMonth.contains(month.month())) take(month, month.daysInMonth());
+      if (rule_.byMonth.isEmpty() || rule_.byMonth.contains(month.month())) takeMonth(month);
   return days;
 }
 

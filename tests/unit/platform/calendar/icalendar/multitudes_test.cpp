@@ -171,12 +171,12 @@ TEST(Multitudes, OfChangesThatTogetherTakeTooLongThoseOfLaterSeriesAreLeftOutWit
   for (int i = 0; i < 150; ++i) events += changed("a", "20240102T090000Z", "20240102T100000Z");
   for (const char* clock : {"0900", "0901", "0902"})
     events += series("a", "FREQ=DAILY;COUNT=3", QByteArray("20240101T") + clock + "00Z");
-  for (int i = 0; i < 90; ++i) events += changed("b", "20240102T090000Z", "20240102T100000Z");
+  for (int i = 0; i < 20; ++i) events += changed("b", "20240102T090000Z", "20240102T100000Z");
   events += series("b", "FREQ=DAILY;COUNT=3");
   const Shown shown =
       shownOf(events, u"2024-01-01 00:00"_qs, u"2024-01-05 00:00"_qs, {.steps = 5000, .occurrences = 1000});
   EXPECT_EQ(shown.of(u"a"_qs), 150 + 2 + 3);
-  EXPECT_EQ(shown.of(u"b"_qs), 90 + 2);
+  EXPECT_EQ(shown.of(u"b"_qs), 20 + 2);
   ASSERT_EQ(shown.problems.size(), 1);
   EXPECT_EQ(shown.problems[0].text,
             u"A series has too many changed occurrences to be followed; it is left out."_qs);
