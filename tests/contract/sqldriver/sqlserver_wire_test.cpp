@@ -1,4 +1,5 @@
 // What goes over the wire to an SQL Server, and how its answers and failures are taken.
+#include "kerberosrealm.h"
 #include "platform/sql/odbc/engine.h"
 #include "sqlbrowser.h"
 #include "sqlserverwire.h"
@@ -137,6 +138,36 @@ TEST_F(SqlServerWire, ATrustedConnectionWithoutATicketSaysSo) {
   const auto open = [&] { connect(u"Integrated Security=SSPI"_qs); };
   EXPECT_EQ(failureNumber(open), errors::connectionFailed);
   EXPECT_TRUE(failureText(open).contains(u"no valid Kerberos ticket")) << qPrintable(failureText(open));
+}
+
+TEST_F(SqlServerWire, ATrustedConnectionHandsOverATicketForTheServerAndNoPassword) {
+  const QString service = u"MSSQLSvc/times.hourbook.test:1433"_qs;
+  KerberosRealm realm(service);
+  ASSERT_TRUE(realm.problem().isEmpty()) << qPrintable(realm.problem());
+  const ScopedVariable configuration("KRB5_CONFIG", realm.configuration().constData());
+  const ScopedVariable tickets("KRB5CCNAME", realm.tickets().constData());
+  const QString trusted = u"Integrated Security=SSPI;Server SPN="_qs;
+  const auto open = [&] { connect(trusted + service); };
+  EXPECT_TRUE(failureText(open).contains(u"no valid Kerberos ticket")) << qPrintable(failureText(open));
+  realm.logIn();
+  ASSERT_TRUE(realm.problem().isEmpty()) << qPrintable(realm.problem());
+  for (const auto encryption :
+       {TdsPeer::Encryption::None, TdsPeer::Encryption::Login, TdsPeer::Encryption::All}) {
+    peer.encrypt(encryption);
+    connect(trusted + service)->execute(u"select * from t"_qs);
+    const TdsLogin login = peer.login();
+    EXPECT_TRUE(login.trusted);
+    EXPECT_EQ(login.user + login.password, QString()) << "the ones of the text are left out";
+    constexpr char tokenOfAllMechanisms = 0x60;
+    EXPECT_TRUE(login.ticket.size() > 100 && login.ticket[0] == tokenOfAllMechanisms);
+  }
+  EXPECT_TRUE(realm.heldTickets().contains(service)) << qPrintable(realm.heldTickets());
+  peer.encrypt(TdsPeer::Encryption::None);
+  const int before = peer.logins();
+  const auto elsewhere = [&] { connect(trusted + u"MSSQLSvc/nowhere.hourbook.test:1433"_qs); };
+  EXPECT_TRUE(failureText(elsewhere).contains(u"no valid Kerberos ticket"))
+      << qPrintable(failureText(elsewhere));
+  EXPECT_EQ(peer.logins(), before) << "and nobody is asked to let the user in";
 }
 
 TEST_F(SqlServerWire, AServerThatSaysNothingIsNotWaitedForWithoutEnd) {

@@ -196,7 +196,9 @@ TdsLogin TdsLogin::read(const QByteArray& body) {
   piece();  // the library's name
   login.language = piece();
   login.database = piece();
-  bytes.skip(6 + 4);  // the machine, the ticket
+  bytes.skip(6);  // the machine
+  const auto ticketAt = static_cast<qsizetype>(bytes.number(2));
+  login.ticket = body.mid(ticketAt, static_cast<qsizetype>(bytes.number(2)));
   login.attachedFile = piece();
   return login;
 }

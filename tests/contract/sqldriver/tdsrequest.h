@@ -8,6 +8,7 @@ namespace contract {
 /// Who logs in, as it stood on the wire.
 struct TdsLogin {
   QString host, user, password, application, server, language, database, attachedFile;
+  QByteArray ticket;  // of a trusted connection
   quint32 version = 0;
   bool odbc = false;     // asks for the options that such programs expect
   bool trusted = false;  // with a ticket instead of a password
