@@ -29,7 +29,8 @@ class KerberosRealm {
   bool run(const QString& program, const QStringList& arguments, const QByteArray& input = {});
   void prepare(QProcess& process) const;
   void write(const QString& name, const QString& text);
-  void start();
+  void configure();
+  bool start();
 
   QTemporaryDir folder_;
   QProcess server_;
