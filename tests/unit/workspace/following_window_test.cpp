@@ -23,6 +23,7 @@ class FollowingWindow : public Window, public testing::WithParamInterface<int> {
     first = w.add(QStringLiteral("First"), at(15, 7), 60, complete);
     w.add(QStringLiteral("Second"), at(15, 8), 60, QStringLiteral(";Beta;Intranet;Support"));
     open();
+    w.form->timFollowCalendar.setTimerEnabled(false);  // `tick` is the only one
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window));
@@ -203,6 +204,17 @@ TEST_P(FollowingWindow, KeepsTheSelectedRowAtItsPlaceOfTheScreen) {
   QCoreApplication::processEvents();
   EXPECT_EQ(list().cellGeometry(27, 2), place);
   expectOverRow(27);
+}
+
+TEST_P(FollowingWindow, KeepsTheSelectedRowAtItsPlaceAtTheBeginningOfTheListToo) {
+  fill(60);
+  select("A6");
+  const int before = list().cellGeometry(6, 2).y();
+  theyAdd("Before");
+  tick();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(list().cellGeometry(7, 2).y(), before);
+  expectOverRow(7);
 }
 
 TEST_P(FollowingWindow, DoesNotScrollToASelectionThatIsOutOfSight) {
