@@ -252,7 +252,7 @@ TEST_F(KeepingStep, FilesDatedAheadAreShownAsTheyAreHoweverTheyAreChanged) {
       }
     };
     expectShown("as it was");
-    for (const QByteArray& subject : {"one ", "two ", "four", "five"}) {
+    for (const QByteArray subject : {"one ", "two ", "four", "five"}) {
       write(name, item("u1", subject));  // of the same size
       dateAhead(name);
       expectShown(subject);
