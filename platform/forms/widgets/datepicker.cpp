@@ -169,6 +169,32 @@ class DateKeys : public QObject {
   std::optional<int> wantedDay_;                     // of two digits, that its month may still lack
 };
 
+/// Makes the calendar that drops down when it is first wanted: it is dearer than all the rest of the field,
+/// and most who open a window never look at it.
+class LateCalendar : public QObject {
+ public:
+  explicit LateCalendar(QDateEdit* edit) : QObject(edit), edit_(edit) { edit->installEventFilter(this); }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::MouseButtonPress) {  // which the keys that drop it down come to as well
+      edit_->removeEventFilter(this);
+      make();
+    }
+    return QObject::eventFilter(watched, event);
+  }
+
+ private:
+  void make() const {
+    QCalendarWidget* calendar = edit_->calendarWidget();
+    calendar->setVerticalHeaderFormat(QCalendarWidget::ISOWeekNumbers);
+    calendar->setFirstDayOfWeek(edit_->locale().firstDayOfWeek());
+    calendar->setGridVisible(false);
+  }
+
+  QDateEdit* edit_;
+};
+
 }  // namespace
 
 void bind(DTPicker& control, QDateEdit* widget, const QString& accessibleName) {
@@ -179,10 +205,7 @@ void bind(DTPicker& control, QDateEdit* widget, const QString& accessibleName) {
   widget->setLayoutDirection(Qt::LeftToRight);
   widget->setDisplayFormat(system.shortDatePattern());
   widget->setCalendarPopup(true);
-  QCalendarWidget* calendar = widget->calendarWidget();
-  calendar->setVerticalHeaderFormat(QCalendarWidget::ISOWeekNumbers);
-  calendar->setFirstDayOfWeek(widget->locale().firstDayOfWeek());
-  calendar->setGridVisible(false);
+  new LateCalendar(widget);
   new DateKeys(widget);
 
   auto* follower = new Follower(control, widget, accessibleName, [&control, widget] {

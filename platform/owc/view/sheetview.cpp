@@ -31,9 +31,12 @@ constexpr int sampledRows = 50;
 
 SheetView::SheetView(Spreadsheet& sheet, QWidget* parent)
     : QTableView(parent), sheet_(&sheet), model_(new SheetModel(sheet, this)) {
-  setModel(model_);
   setItemDelegate(new SheetDelegate(this));
+  // before the rows come, which may be all that a sheet has: a header tells of each one that has got another
+  // height, and one that is in sight measures its sections
   setUpLook();
+  followFont();
+  setModel(model_);
   connect(model_, &SheetModel::reshaping, this, [this] { following_ = true; });
   connect(model_, &SheetModel::reshaped, this, &SheetView::followReshape);
   connect(&sheet, &Spreadsheet::layoutChanged, this, &SheetView::followLayout);
@@ -46,7 +49,6 @@ SheetView::SheetView(Spreadsheet& sheet, QWidget* parent)
   connect(this, &SheetView::cellsMoved, panes_,
           [this] { panes_->follow(sheet_ ? sheet_->frozenAt() : FrozenAt()); });
   sheet.setScreen(this);
-  followFont();
   restoreWidths();
   followLayout();
   showSelection();
@@ -73,6 +75,8 @@ bool SheetView::isBeingEdited() const {
 }
 
 void SheetView::setUpLook() {
+  for (QHeaderView* header : {horizontalHeader(), verticalHeader()})
+    header->hide();  // until the sheet is known
   setEditTriggers(NoEditTriggers);
   setSelectionMode(ContiguousSelection);
   setSelectionBehavior(SelectItems);

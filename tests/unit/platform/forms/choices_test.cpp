@@ -55,6 +55,13 @@ class ComboBinding : public testing::Test {
   EventLog log;
 };
 
+/// By the mouse, as far as the calendar is there.
+void dropCalendarDown(QDateEdit& edit) {
+  edit.show();
+  QTest::mouseClick(&edit, Qt::LeftButton, {}, QPoint(edit.width() - 6, edit.height() / 2));
+  ASSERT_TRUE(edit.calendarWidget()->isVisible());
+}
+
 }  // namespace
 
 TEST_F(ComboBinding, TheWidgetShowsTheEntriesAndNoChoice) {
@@ -274,6 +281,8 @@ TEST(DateBinding, ADateStandsInTheSystemsShortPatternWithWeekNumbersInTheCalenda
   bind(control, &edit);
   EXPECT_EQ(edit.text(), u"2024-05-15"_s);
   EXPECT_TRUE(edit.calendarPopup());
+  dropCalendarDown(edit);
+  EXPECT_FALSE(edit.calendarWidget()->isGridVisible());
   EXPECT_EQ(edit.calendarWidget()->verticalHeaderFormat(), QCalendarWidget::ISOWeekNumbers);
   EXPECT_EQ(edit.calendarWidget()->firstDayOfWeek(), Qt::Monday);
 }
@@ -305,6 +314,7 @@ TEST(DateBinding, TheFirstDayOfTheCalendarsWeekIsTheSystems) {
   DTPicker control(u"dtpStartDate"_s);
   QDateEdit edit;
   bind(control, &edit);
+  dropCalendarDown(edit);
   EXPECT_EQ(edit.calendarWidget()->firstDayOfWeek(), Qt::Sunday);
 }
 
