@@ -1,9 +1,8 @@
 #include "platform/sql/postgresql/catalogue.h"
 
+#include "platform/sql/postgresql/library.h"
 #include "platform/sql/postgresql/values.h"
 #include "platform/sql/servererrors.h"
-
-#include <libpq-fe.h>
 
 namespace platform::sql::postgresql {
 

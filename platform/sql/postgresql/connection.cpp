@@ -5,12 +5,12 @@
 #include "platform/sql/literals.h"
 #include "platform/sql/oledbkeys.h"
 #include "platform/sql/postgresql/failures.h"
+#include "platform/sql/postgresql/library.h"
 
 #include <QDeadlineTimer>
 #include <QRegularExpression>
 
 #include <cerrno>
-#include <libpq-fe.h>
 #include <poll.h>
 
 namespace platform::sql::postgresql {

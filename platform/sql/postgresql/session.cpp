@@ -4,12 +4,11 @@
 #include "platform/sql/errors.h"
 #include "platform/sql/literals.h"
 #include "platform/sql/postgresql/driver.h"
+#include "platform/sql/postgresql/library.h"
 #include "platform/sql/postgresql/values.h"
 #include "platform/sql/schema.h"
 
 #include <QRegularExpression>
-
-#include <libpq-fe.h>
 
 namespace platform::sql::postgresql {
 

@@ -161,6 +161,13 @@ TEST_F(ComponentsOfTheMachine, LackTheSpreadsheetWhereTheConfigurationNamesNone)
     EXPECT_FALSE(world.components.has(QString::fromLatin1(progId))) << progId;
 }
 
+TEST_F(ComponentsOfTheMachine, TakeInTheLibrariesOfServersOnlyWhenOneIsTalkedTo) {
+  hourbook::registerComponents(world.components, configuration);
+  QFile maps(QStringLiteral("/proc/self/maps"));
+  ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
+  EXPECT_FALSE(maps.readAll().contains("libpq.so"));
+}
+
 TEST_F(ComponentsOfTheMachine, LackTheDatePickersWhereTheConfigurationSwitchesThemOff) {
   configuration.datePickers = false;
   hourbook::registerComponents(world.components, configuration);

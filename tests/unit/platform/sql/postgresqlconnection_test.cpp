@@ -1,6 +1,7 @@
 // Connection strings, and servers that cannot be reached.
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
+#include "platform/sql/postgresql/library.h"
 #include "platform/sql/postgresql/session.h"
 
 #include <QFile>
@@ -52,6 +53,16 @@ class SilentServer {
 };
 
 }  // namespace
+
+TEST(PostgresqlLibrary, ThatLacksAFunctionIsTold) {
+  try {
+    functionOf("PQnoSuchFunction");
+    ADD_FAILURE() << "found";
+  } catch (const platform::Failure& failure) {
+    EXPECT_EQ(failure.number(), errors::providerNotFound);
+    EXPECT_TRUE(failure.description().contains(u"libpq5"));
+  }
+}
 
 TEST(PostgresqlConnectionString, NamesServerDatabaseAndUserInAllTheirForms) {
   const QString full =
