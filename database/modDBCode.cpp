@@ -214,6 +214,11 @@ QString connectionString() {
   return target.ReportToValue;
 }
 
+bool isOpenFor(const std::shared_ptr<Connection>& connection, const QString& text) {
+  return connection && connection->State() == platform::ado::adStateOpen &&
+         connection->ConnectionString() == text;
+}
+
 }  // namespace
 
 QString fncAccessConnection(const QString& path) {
@@ -228,6 +233,8 @@ void subSetupConnection() try {
   if (text.isEmpty()) return;
   // kept: the whole text, its password too; whoever is sent an error mail about it can read that
   subLog(u"Trying to open a connection to the database with the connection string "_s + text);
+  // the look at the database's age has just opened this very one; another would cost a start its time again
+  if (isOpenFor(connection, text)) return;
   connection = CreateObject<Connection>(u"ADODB.Connection"_s);
   connection->setConnectionString(text);
   // kept: when this fails, the closed connection stays; the next use fails at the statement that needs it

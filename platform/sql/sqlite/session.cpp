@@ -3,6 +3,7 @@
 #include "platform/basic/failure.h"
 #include "platform/sql/errors.h"
 #include "platform/sql/sqlite/databasefile.h"
+#include "platform/sql/sqlite/dataversion.h"
 #include "platform/sql/sqlite/dialect.h"
 #include "platform/sql/sqlite/values.h"
 
@@ -234,6 +235,7 @@ Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& par
 
   Result result;
   if (!query.isSelect()) {
+    known_.clear();  // what is not committed yet has no version of its own
     result.affected = qMax(0, query.numRowsAffected());
     result.lastId = query.lastInsertId().toLongLong();
     query.finish();
@@ -301,7 +303,7 @@ QList<Column> SqliteSession::describe(const QSqlRecord& record, const QList<QVar
     column.type = typeOfValues(held);
     QString table = record.field(i).tableName();
     if (table.startsWith(u"sqlite_")) table.clear();  // the engine's own declare no types
-    if (!table.isEmpty() && !origins.contains(table)) origins.insert(table, columns(table));
+    if (!table.isEmpty() && !origins.contains(table)) origins.insert(table, columnsNow(table));
     for (const Column& origin : origins.value(table))
       if (origin.name.compare(column.name, Qt::CaseInsensitive) == 0) column = origin;
     list.append(column);
@@ -321,28 +323,35 @@ QStringList SqliteSession::tables() {
   return names;
 }
 
-bool SqliteSession::catalogued() const {
-  QSqlQuery query(database());
-  if (!query.exec(QStringLiteral("SELECT 1 FROM sqlite_master WHERE name = '%1'")
-                      .arg(QLatin1String(columnCatalogue))))
-    fail(query.lastError(), {});
-  return query.next();
-}
+namespace {
 
-QList<Column> SqliteSession::columns(const QString& table) {
+QString questionForColumns(const QString& table, bool catalogued) {
   const QString name = u'\'' + QString(table).replace(u"'"_qs, u"''"_qs) + u'\'';
   QString statement = QStringLiteral(
       "SELECT t.name, t.type, t.pk, (SELECT sql LIKE '%AUTOINCREMENT%' FROM sqlite_master m WHERE m.type = "
       "'table' AND "
       "m.name = @ COLLATE NOCASE), ");
-  statement += catalogued()
+  statement += catalogued
                    ? QStringLiteral(
                          "c.Caption, c.ZeroLength FROM pragma_table_info(@) t LEFT JOIN MSysColumns c ON "
                          "c.TableName = @ COLLATE NOCASE AND c.ColumnName = t.name COLLATE NOCASE")
                    : QStringLiteral("NULL, NULL FROM pragma_table_info(@) t");
   statement += u" ORDER BY t.cid"_qs;
+  return statement.replace(u'@', name);
+}
+
+bool hasNoCatalogue(const QSqlError& error) {
+  return error.databaseText().contains(u"no such table: "_qs + QLatin1String(columnCatalogue));
+}
+
+}  // namespace
+
+QList<Column> SqliteSession::columns(const QString& table) {
   QSqlQuery query(database());
-  if (!query.exec(statement.replace(u'@', name))) fail(query.lastError(), {});
+  if (!query.exec(questionForColumns(table, true)) &&
+      !(hasNoCatalogue(query.lastError()) && query.exec(questionForColumns(table, false))))
+    fail(query.lastError(), {});
+  const auto version = dataVersion(database());  // while the question keeps others from changing anything
   QList<Column> columns;
   while (query.next()) {
     Column column = typeOfDeclaration(query.value(1).toString());
@@ -354,7 +363,15 @@ QList<Column> SqliteSession::columns(const QString& table) {
     columns.append(column);
   }
   if (query.lastError().isValid()) fail(query.lastError(), {});
+  if (version && !columns.isEmpty()) known_.insert(table, {*version, columns});
   return columns;
+}
+
+/// As the statement that has just been carried out has found them.
+QList<Column> SqliteSession::columnsNow(const QString& table) {
+  const auto known = known_.constFind(table);
+  if (known != known_.cend() && known->version == dataVersion(database())) return known->columns;
+  return columns(table);
 }
 
 namespace {

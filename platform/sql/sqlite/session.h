@@ -55,18 +55,24 @@ class SqliteSession : public Session {
   std::shared_ptr<QSqlQuery> tablesHeld(const QString& sql) const;
   std::shared_ptr<QSqlQuery> prepared(const QString& sql, const QString& key);
   void keep(const QString& key, const std::shared_ptr<QSqlQuery>& query);
-  bool catalogued() const;
+  QList<Column> columnsNow(const QString& table);
   QList<Column> describe(const QSqlRecord& record, const QList<QList<QVariant>>& rows);
   QList<basic::Value> valuesOf(const QSqlRecord& record, const QList<Column>& columns,
                                const QList<QVariant>& row) const;
   [[noreturn]] void fail(const QSqlError& error, const QString& statement) const;
   void close();
 
+  struct KnownColumns {
+    quint32 version;
+    QList<Column> columns;
+  };
+
   Patience patience_;
   QString connection_;
   QString label_;
   std::shared_ptr<const LockFile> lock_;
   QHash<QString, std::shared_ptr<QSqlQuery>> prepared_;  // by number of parameters and text
+  QHash<QString, KnownColumns> known_;                   // by table
   int depth_ = 0;                                        // of transactions
 };
 

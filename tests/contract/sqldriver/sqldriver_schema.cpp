@@ -105,6 +105,23 @@ TEST_P(SqlDriver, AColumnIsAddedBehindTheOthersAndOldRowsKeepTheirValues) {
   EXPECT_EQ(session->columns(u"tblPersons"_qs)[2].caption, u"Enabled"_qs);
 }
 
+TEST_P(SqlDriver, AColumnThatIsTakenBackIsGoneFromTheAnswersAsWell) {
+  const auto session = connect();
+  createTables(*session);
+  session->execute(u"insert into tblPersons (strPersonName) values ('Ann')"_qs);
+  const auto columns = [&] { return session->execute(u"select * from tblPersons"_qs).columns; };
+  ASSERT_EQ(columns().size(), 2);
+  {
+    const Transaction takenBack(*session);
+    context->engine().addColumn(*session, u"tblPersons"_qs, column(u"dtmSince"_qs, Type::Date));
+    ASSERT_EQ(columns().size(), 3);
+    EXPECT_EQ(columns().last().type, Type::Date);
+  }
+  EXPECT_EQ(columns().size(), 2);
+  context->engine().addColumn(*session, u"tblPersons"_qs, column(u"dtmSince"_qs, Type::Boolean));
+  EXPECT_EQ(columns().last().type, Type::Boolean);
+}
+
 TEST_P(SqlDriver, AColumnIsNotAddedTwiceAndNotToAMissingTable) {
   const auto session = connect();
   createTables(*session);

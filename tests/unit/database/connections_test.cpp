@@ -146,6 +146,29 @@ TEST_F(Connections, AQuestionThatWasClosedWithoutAChoiceLeavesNoDatabase) {
 
 // ---- subSetupConnection
 
+TEST_F(Connections, AnAccessDatabaseIsOpenedOnce) {
+  w.createCurrent();
+  struct Counting : platform::sql::Driver {
+    explicit Counting(platform::sql::Driver& inner) : inner_(inner) {}
+    std::unique_ptr<platform::sql::Session> connect(
+        const platform::sql::ConnectionString& connection) override {
+      ++opened;
+      return inner_.connect(connection);
+    }
+    int opened = 0;
+    platform::sql::Driver& inner_;
+  };
+  const QString provider = QStringLiteral("Microsoft.Jet.OLEDB.4.0");
+  platform::sql::sqlite::SqliteDriver sqlite(0, tests::noWait);
+  const auto counting = std::make_shared<Counting>(sqlite);
+  w.drivers->add(provider, counting);
+  subSetupConnection();
+  ASSERT_TRUE(w.database->gConnection);
+  EXPECT_EQ(w.database->gConnection->ConnectionString(), accessPrefix + w.shownPath());
+  EXPECT_EQ(w.database->gConnection->State(), ado::adStateOpen);
+  EXPECT_EQ(counting->opened, 1);
+}
+
 TEST_F(Connections, TheSharedConnectionIsOpenedOnceAndKept) {
   w.createCurrent();
   subSetupConnection();
