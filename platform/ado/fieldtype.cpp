@@ -3,6 +3,7 @@
 #include "platform/ado/constants.h"
 #include "platform/basic/convert.h"
 #include "platform/basic/failure.h"
+#include "platform/sql/literals.h"
 
 #include <QRegularExpression>
 
@@ -148,19 +149,25 @@ bool Criterion::matches(const basic::Value& value) const {
 }
 
 bool isSelect(const QString& source) {
-  static const QRegularExpression select(QStringLiteral("^\\s*select\\b"),
-                                         QRegularExpression::CaseInsensitiveOption);
-  return select.match(source).hasMatch();
+  return sql::beginsWith(source, QLatin1String("select"));
 }
 
-QString tableOfSelect(const QString& statement) {
+namespace {
+
+QString withoutLiterals(const QString& statement) {
+  if (!statement.contains(u'\'') && !statement.contains(u'"')) return statement;
   static const QRegularExpression literals(QStringLiteral("'[^']*'|\"[^\"]*\""));
+  return QString(statement).replace(literals, QStringLiteral("''"));
+}
+
+}  // namespace
+
+QString tableOfSelect(const QString& statement) {
   static const QRegularExpression from(
       QStringLiteral("\\bfrom\\s*(?:\\[([^\\]]+)\\]|([^\\s,;()]+))\\s*([,(]|inner|left|"
                      "right|join)?"),
       QRegularExpression::CaseInsensitiveOption);
-  const QRegularExpressionMatch match =
-      from.match(QString(statement).replace(literals, QStringLiteral("''")));
+  const QRegularExpressionMatch match = from.match(withoutLiterals(statement));
   if (!match.hasMatch() || match.hasCaptured(3)) return {};
   return match.captured(match.hasCaptured(1) ? 1 : 2);
 }

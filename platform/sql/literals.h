@@ -8,6 +8,9 @@
 // What statements of the Access kind have in common for all drivers, whatever their engine's own language.
 namespace platform::sql {
 
+/// Is this the first word of the statement, in whatever case?
+bool beginsWith(const QString& sql, QLatin1String word);
+
 /// Select, insert, update and delete. All else is the engine's own language and passes as it stands.
 bool isAccessStatement(const QString& sql);
 

@@ -7,7 +7,9 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QRegularExpression>
+#include <QSet>
 
+#include <algorithm>
 #include <limits>
 
 namespace platform::calendar::icalendar {
@@ -121,13 +123,31 @@ QString plainDisplayName(const QString& name) {
 /// Qt does not list second names ("US/Eastern"), and what it does not know it takes for a rule: "Nowhere"
 /// would be a zone at UTC. So only such names are tried as can be files of the machine's zones.
 bool mayBeZoneFile(const QString& id) {
-  static const QRegularExpression form(
-      u"^(?:[A-Za-z]+(?:/[A-Za-z_-]+)+|Etc/"
-      u"GMT[+-]?\\d{1,2}|(?:EST5EDT|CST6CDT|MST7MDT|PST8PDT)|CET|Cuba|EET|EST|Egypt|"
-      "Eire|GB|GB-Eire|GMT|Greenwich|HST|Hongkong|Iceland|Iran|Israel|Jamaica|Japan|Kwajalein|Libya|MET|MST|"
-      "NZ|NZ-CHAT|"
-      "Navajo|PRC|Poland|Portugal|ROC|ROK|Singapore|Turkey|UCT|UTC|Universal|W-SU|WET|Zulu)$"_qs);
-  return form.match(id).hasMatch();
+  // by hand, since every start asks for some zone, and the first use of an expression costs more than the
+  // zone
+  static const QSet<QString> withoutFolder{
+      u"EST5EDT"_qs,  u"CST6CDT"_qs,   u"MST7MDT"_qs, u"PST8PDT"_qs,   u"CET"_qs,     u"Cuba"_qs,
+      u"EET"_qs,      u"EST"_qs,       u"Egypt"_qs,   u"Eire"_qs,      u"GB"_qs,      u"GB-Eire"_qs,
+      u"GMT"_qs,      u"Greenwich"_qs, u"HST"_qs,     u"Hongkong"_qs,  u"Iceland"_qs, u"Iran"_qs,
+      u"Israel"_qs,   u"Jamaica"_qs,   u"Japan"_qs,   u"Kwajalein"_qs, u"Libya"_qs,   u"MET"_qs,
+      u"MST"_qs,      u"NZ"_qs,        u"NZ-CHAT"_qs, u"Navajo"_qs,    u"PRC"_qs,     u"Poland"_qs,
+      u"Portugal"_qs, u"ROC"_qs,       u"ROK"_qs,     u"Singapore"_qs, u"Turkey"_qs,  u"UCT"_qs,
+      u"UTC"_qs,      u"Universal"_qs, u"W-SU"_qs,    u"WET"_qs,       u"Zulu"_qs};
+  const auto isLetter = [](QChar c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); };
+  const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
+  const QList<QStringView> parts = QStringView(id).split(u'/');
+  if (parts.size() == 1) return withoutFolder.contains(id);
+  if (parts.size() == 2 && parts[0] == u"Etc" && parts[1].startsWith(u"GMT")) {
+    QStringView hours = parts[1].mid(3);
+    if (hours.startsWith(u'+') || hours.startsWith(u'-')) hours = hours.mid(1);
+    if ((hours.size() == 1 || hours.size() == 2) && std::all_of(hours.begin(), hours.end(), isDigit))
+      return true;
+  }
+  for (qsizetype i = 0; i < parts.size(); ++i) {
+    const auto mayStand = [&](QChar c) { return isLetter(c) || (i > 0 && (c == u'_' || c == u'-')); };
+    if (parts[i].isEmpty() || !std::all_of(parts[i].begin(), parts[i].end(), mayStand)) return false;
+  }
+  return true;
 }
 
 std::optional<QTimeZone> machineZone(const QString& id) {
@@ -229,8 +249,9 @@ std::optional<Zone> Zone::ofOldCalendar(const Document& document, const Componen
 }
 
 bool isAbbreviation(const QString& name) {
-  static const QRegularExpression form(u"^[A-Z]{2,4}$"_qs);
-  return name != u"UTC" && form.match(name).hasMatch();
+  const auto isCapital = [](QChar c) { return c >= u'A' && c <= u'Z'; };
+  return name != u"UTC" && name.size() >= 2 && name.size() <= 4 &&
+         std::all_of(name.begin(), name.end(), isCapital);
 }
 
 std::optional<QTimeZone> zoneByName(const QString& written) {

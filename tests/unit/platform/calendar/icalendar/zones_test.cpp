@@ -47,6 +47,18 @@ TEST(ZoneNames, AreFoundBehindAPath) {
             u"America/Argentina/Salta"_qs);
 }
 
+TEST(ZoneNames, ThatStandForOneOfTheMachinesFilesAreFound) {
+  for (const char* name : {"EST5EDT", "GB-Eire", "W-SU", "Zulu", "UTC", "Etc/GMT+2", "Etc/GMT-11", "Etc/GMT0",
+                           "America/Port-au-Prince", "America/Argentina/Buenos_Aires"})
+    EXPECT_EQ(named(QString::fromLatin1(name)), QString::fromLatin1(name));
+}
+
+TEST(ZoneNames, ThatAreFilesOfNoMachineAreNot) {
+  for (const char* name :
+       {"Nowhere", "Etc/GMT+222", "Etc/GMT+", "EST5EST", "utc5", "Europe/", "/", "Euro2/Berlin"})
+    EXPECT_EQ(named(QString::fromLatin1(name)), QString()) << name;
+}
+
 TEST(ZoneNames, OfWindowsAreFound) {
   EXPECT_EQ(named(u"W. Europe Standard Time"_qs), u"Europe/Berlin"_qs);
   EXPECT_EQ(named(u"Eastern Standard Time"_qs), u"America/New_York"_qs);
