@@ -94,14 +94,15 @@ QString readTable(bool ansi) {
   return withoutMark(QStringDecoder(QStringDecoder::Utf16LE, QStringDecoder::Flag::ConvertInitialBom)(bytes));
 }
 
-QString field(const QStringList& fields, qsizetype column) {
+QString field(const QList<QStringView>& fields, qsizetype column) {
   if (column < 0 || column >= fields.size())
     throw platform::Failure(platform::failure::subscriptOutOfRange, QStringLiteral("Subscript out of range"));
-  return fields[column];
+  return fields[column].toString();
 }
 
 void addPhrase(const QString& line, qint16 column) {
-  const QStringList fields = Split(line, vbTab);
+  // one of all the languages is wanted, so the others are not made texts of their own
+  const auto fields = line.isEmpty() ? QList<QStringView>() : QStringView(line).split(vbTab);
   QString text = field(fields, column);
   if (text.isEmpty()) text = field(fields, englishColumn);
   cPhrase phrase;

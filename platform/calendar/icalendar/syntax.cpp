@@ -218,9 +218,11 @@ QByteArray unfolded(QByteArrayView raw, bool bareCr) {
     while (next < end && raw[next] == '\r' && !bareCr) ++next;
     const bool breaks = bareCr ? raw[i] == '\r' : (next < end && raw[next] == '\n');
     if (!breaks) {  // a run of CR is taken as a whole: looked through anew from each it would cost its square
-      const qsizetype count = qMax<qsizetype>(1, next - i);
-      result.append(raw.sliced(i, count));
-      i += count;
+      qsizetype upTo = next;
+      if (upTo == i)
+        while (++upTo < end && raw[upTo] != '\r' && raw[upTo] != '\n') continue;
+      result.append(raw.sliced(i, upTo - i));
+      i = upTo;
       continue;
     }
     i = bareCr ? i + 1 : next + 1;

@@ -21,6 +21,7 @@ QString fromWindows1252(const QByteArray& bytes) {
 }
 
 QString unescaped(const QString& text) {
+  if (!text.contains(u'\\')) return text;
   QString result;
   result.reserve(text.size());
   for (qsizetype i = 0; i < text.size(); ++i) {
