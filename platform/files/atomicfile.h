@@ -47,10 +47,13 @@ struct WriteResult {
 /// mode. `OwnerOnly`: 0600, and an existing file loses what it granted to the group and to others.
 enum class FileMode { Usual, OwnerOnly };
 
+/// A fingerprint without a hash is cheaper, for who compares the content itself.
+enum class Hashing { No, Yes };
+
 /// Reads a whole file. Refuses what is not a regular file (FIFOs, devices, folders) without waiting on it,
 /// and more than `limit` bytes. A file that is written to while it is read is read again, three times at
 /// most.
-ReadResult readFile(const QString& path, qint64 limit = 1024LL * 1024 * 1024);
+ReadResult readFile(const QString& path, qint64 limit = 1024LL * 1024 * 1024, Hashing hashing = Hashing::Yes);
 
 /// The one way in which this program writes a user's file, shared by spliceFile() below: a new file beside it
 /// (".name.XXXXXX.tmp", which never ends in .ics), written, fsynced and its size checked; the target compared

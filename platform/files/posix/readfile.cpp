@@ -24,7 +24,7 @@ struct stat lookAtOpen(int file, const QString& path) {
   return regularFile(path, retried([&] { return calls().fstat(file, &found); }), found);
 }
 
-ReadResult readOnce(const QString& path, qint64 limit, bool* changed) {
+ReadResult readOnce(const QString& path, qint64 limit, Hashing hashing, bool* changed) {
   const QByteArray name = QFile::encodeName(path);
   struct stat found {};
   // Asked before it is opened as well: opening alone does something to some devices.
@@ -37,7 +37,7 @@ ReadResult readOnce(const QString& path, qint64 limit, bool* changed) {
   ReadResult result;
   result.bytes = readAll(file, path, before.size);
   result.fingerprint = fingerprintOf(lookAtOpen(file, path));
-  result.fingerprint.hash = hashOf(result.bytes);
+  if (hashing == Hashing::Yes) result.fingerprint.hash = hashOf(result.bytes);
   result.ok = true;
   *changed = !sameStat(before, result.fingerprint) || result.bytes.size() != result.fingerprint.size;
   return result;
@@ -45,13 +45,13 @@ ReadResult readOnce(const QString& path, qint64 limit, bool* changed) {
 
 }  // namespace
 
-ReadResult readFile(const QString& path, qint64 limit) {
+ReadResult readFile(const QString& path, qint64 limit, Hashing hashing) {
   try {
     if (path.isEmpty()) fail(path, ENOENT);
     if (path.contains(QChar(u'\0'))) fail(path, EINVAL);
     for (int reading = 0; reading < mostReadings; ++reading) {
       bool changed = false;
-      const ReadResult result = readOnce(path, limit, &changed);
+      const ReadResult result = readOnce(path, limit, hashing, &changed);
       if (!changed) return result;
     }
     failWith(path, QStringLiteral("another program keeps changing it"));

@@ -55,9 +55,10 @@ int IniRegistry::failed(int code, const QString& error) {
 
 int IniRegistry::openKey(const QString& key) {
   Q_UNUSED(key)
-  const files::ReadResult read = files::readFile(path_, largestFile);
+  const files::ReadResult read = files::readFile(path_, largestFile, files::Hashing::No);
   if (!read.ok && read.missing) return codeSuccess;
   if (!read.ok) return failed(read.denied ? codeAccessDenied : codeReadFault, read.error);
+  if (read.bytes == read_) return codeSuccess;
   const QString fault = iniFault(read.bytes);
   return fault.isEmpty() ? codeSuccess : failed(codeInvalidData, QStringLiteral("%1: %2").arg(path_, fault));
 }
@@ -96,15 +97,15 @@ int IniRegistry::setValue(const QString& key, const QString& name, const basic::
 }
 
 int IniRegistry::value(const QString& key, const QString& name, basic::Value* out) {
-  const files::ReadResult read = files::readFile(path_, largestFile);
+  const files::ReadResult read = files::readFile(path_, largestFile, files::Hashing::No);
   if (!read.ok && !read.missing) return failed(read.denied ? codeAccessDenied : codeReadFault, read.error);
-  if (read.fingerprint.hash != readHash_) {
+  if (read.bytes != read_) {
     QString error = iniFault(read.bytes);
     const std::optional<IniEntries> parsed = error.isEmpty() ? parseIni(read.bytes, &error) : std::nullopt;
     if (!parsed) return failed(codeInvalidData, QStringLiteral("%1: %2").arg(path_, error));
     entries_.clear();
     for (auto it = parsed->cbegin(); it != parsed->cend(); ++it) entries_.insert(it.key().toLower(), *it);
-    readHash_ = read.fingerprint.hash;
+    read_ = read.bytes;
   }
   const auto found = entries_.constFind(entryName(key, name).toLower());
   if (found == entries_.cend())

@@ -28,7 +28,7 @@ class IniRegistry : public Registry {
   QString path_;
   QString lastError_;
   bool swept_ = false;
-  QByteArray readHash_;              // of the content that entries_ was read from
+  QByteArray read_;                  // what entries_ was read from
   QHash<QString, QString> entries_;  // by folded key and name
 };
 
