@@ -11,12 +11,17 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QTimer>
 
 #include <cstdio>
 
 namespace {
 
 using namespace hourbook;
+
+/// Later than the first rows: to read all of its sizes costs more than most steps of the start, and who
+/// starts the program looks for his rows.
+inline constexpr int iconAfterMs = 200;
 
 /// The desktop's own where the program is installed, else the one that is linked in.
 QIcon programIcon() {
@@ -59,7 +64,7 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("hourbook"));
   QApplication::setDesktopFileName(QStringLiteral("hourbook"));
-  QApplication::setWindowIcon(programIcon());
+  QTimer::singleShot(iconAfterMs, &application, [] { QApplication::setWindowIcon(programIcon()); });
   platform::dialogs::QtDialogs dialogs;
   const platform::dialogs::ScopedDialogs dialogsInForce(dialogs);
   try {

@@ -1,6 +1,7 @@
 #include "workspace/RowDropDown.h"
 
 #include <QAbstractItemView>
+#include <QCompleter>
 #include <QCoreApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -11,8 +12,15 @@
 
 namespace hourbook {
 
+/// Becomes editable without what the tool kit makes along with it: three lists that drop down and three
+/// completers are a good part of making the window, and a row has to be selected before one is seen. Of its
+/// size a list that drops down would be a part as well, but this one is laid over a cell.
 RowDropDown::RowDropDown(QWidget* parent) : QComboBox(parent) {
-  setEditable(true);
+  auto* edit = new QLineEdit(this);
+  edit->setPalette(palette());
+  edit->setCompleter(new QCompleter(edit));  // or one over all entries would be made
+  setLineEdit(edit);
+  setCompleter(nullptr);
   connect(lineEdit(), &QLineEdit::textEdited, this, [this] { typed_ = true; });
 }
 
