@@ -241,6 +241,20 @@ Translation fromAccess(const QString& sql, const QList<basic::Value>& parameters
   return Translator(withoutDeleteStar(sql), parameters, yesNoColumns).run();
 }
 
+QString shapeOf(const QList<basic::Value>& parameters) {
+  QString shape;
+  for (const basic::Value& value : parameters)
+    shape += isNothing(value) ? u'n' : isForeignToBits(value) ? u'f' : u'v';
+  return shape;
+}
+
+QList<basic::Value> sentOf(const QList<basic::Value>& parameters) {
+  QList<basic::Value> sent;
+  for (const basic::Value& value : parameters)
+    if (!isNothing(value)) sent.append(value);
+  return sent;
+}
+
 QString nationalText(const QString& text) {
   return u'N' + quoted(wholeText(text));
 }

@@ -40,6 +40,12 @@ using YesNoColumns = std::function<QList<YesNoColumn>(const QString& table)>;
 Translation fromAccess(const QString& sql, const QList<basic::Value>& parameters,
                        const YesNoColumns& yesNoColumns);
 
+/// What of the values a translation depends on: the same statement with values of an equal shape is turned
+/// into the same text.
+QString shapeOf(const QList<basic::Value>& parameters);
+/// Those of the values that are sent; the others stand in the text.
+QList<basic::Value> sentOf(const QList<basic::Value>& parameters);
+
 /// N'text'
 QString nationalText(const QString& text);
 

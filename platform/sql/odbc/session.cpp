@@ -13,6 +13,7 @@ namespace platform::sql::odbc {
 namespace {
 
 constexpr int settleMilliseconds = 10000;
+constexpr int mostKept = 64;       // translations
 constexpr int longestQuoted = 60;  // characters of a value that a failure names
 
 qint64 wholeAt(const QList<basic::Value>& row, int column) {
@@ -60,6 +61,7 @@ Result OdbcSession::execute(const QString& sql, const QList<basic::Value>& param
 
 Result OdbcSession::executeNative(const QString& sql, const QList<basic::Value>& parameters) {
   yesNoColumns_.clear();
+  translations_.clear();
   Result result;
   for (const ResultSet& answer : connection_.run(sql, parameters, options_.definitionSeconds)) {
     result.affected += answer.affected;
@@ -71,9 +73,27 @@ Result OdbcSession::executeNative(const QString& sql, const QList<basic::Value>&
   return result;
 }
 
+/// A report sends the same statement for each row.
+Translation OdbcSession::translated(const QString& sql, const QList<basic::Value>& parameters) {
+  const auto columns = [this](const QString& table) { return yesNoColumns(table); };
+  if (parameters.isEmpty()) return fromAccess(sql, parameters, columns);
+  const QString key = shapeOf(parameters) + u' ' + sql;
+  if (const auto found = translations_.constFind(key); found != translations_.cend()) {
+    Translation known = *found;
+    known.parameters = sentOf(parameters);
+    return known;
+  }
+  const Translation translation = fromAccess(sql, parameters, columns);
+  // with too many or too few of them it is for the server to refuse
+  if (translation.parameters == sentOf(parameters)) {
+    if (translations_.size() >= mostKept) translations_.clear();
+    translations_.insert(key, translation);
+  }
+  return translation;
+}
+
 Result OdbcSession::executeAccess(const QString& sql, const QList<basic::Value>& parameters) {
-  const Translation translation =
-      fromAccess(sql, parameters, [this](const QString& table) { return yesNoColumns(table); });
+  const Translation translation = translated(sql, parameters);
   QList<ResultSet> answers =
       connection_.run(translation.sql, translation.parameters, options_.statementSeconds);
   Result result;

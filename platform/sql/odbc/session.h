@@ -29,6 +29,7 @@ class OdbcSession : public Session {
  private:
   qint64 lockOf(const QString& name, int milliseconds);
   Result executeNative(const QString& sql, const QList<basic::Value>& parameters);
+  Translation translated(const QString& sql, const QList<basic::Value>& parameters);
   Result executeAccess(const QString& sql, const QList<basic::Value>& parameters);
   QList<YesNoColumn> yesNoColumns(const QString& table);
   void control(const QString& statement);
@@ -39,6 +40,7 @@ class OdbcSession : public Session {
   const Options options_;
   const bool readOnly_;
   QHash<QString, QList<YesNoColumn>> yesNoColumns_;  // by table; another program may have changed it since
+  QHash<QString, Translation> translations_;         // of statements with parameters, by these as well
   int depth_ = 0;                                    // of transactions
   bool givenUp_ = false;                             // the transaction, by the server
   QString token_;

@@ -321,6 +321,26 @@ TEST_F(SqlServerWire, EveryTypeOfValueIsSentWithItsTypeAndInOneGo) {
   }
 }
 
+TEST_F(SqlServerWire, AStatementThatIsSentAgainFollowsItsValues) {
+  peer.answerWith([](const TdsRequest&) { return counts(1, 1); });
+  const auto session = connect();
+  const QString insert = u"insert into t (a, b) values (?, ?)"_qs;
+  const QList<QList<Value>> rows{{qint32{1}, u"x"_qs}, {Null{}, u"y"_qs}, {qint32{2}, u"z"_qs},
+                                 {qint32{3}, Null{}},  {Null{}, u"v"_qs}, {Null{}, Null{}},
+                                 {qint32{4}, u"w"_qs}};
+  for (const QList<Value>& row : rows) session->execute(insert, row);
+  QStringList sent;
+  for (const TdsRequest& request : peer.requests()) {
+    if (!request.statement.startsWith(u"insert"_qs)) continue;  // but a question for the table's columns
+    QStringList values;
+    for (const TdsParameter& parameter : request.parameters) values.append(parameter.value);
+    sent.append(request.statement.section(u"values "_qs, 1).section(u'\n', 0, 0) + u' ' + values.join(u','));
+  }
+  EXPECT_EQ(sent,
+            QStringList({u"(@P1, @P2) 1,x"_qs, u"(NULL, @P1) y"_qs, u"(@P1, @P2) 2,z"_qs, u"(@P1, NULL) 3"_qs,
+                         u"(NULL, @P1) v"_qs, u"(NULL, NULL) "_qs, u"(@P1, @P2) 4,w"_qs}));
+}
+
 TEST_F(SqlServerWire, AStatementWithoutParametersIsABatchInUnicode) {
   connect()->execute(u"select * from t where n = 'Åsa 漢 𝄞' and d < #2/5/2024#"_qs);
   ASSERT_EQ(peer.requests().size(), 1);
