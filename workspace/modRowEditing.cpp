@@ -54,13 +54,27 @@ bool sameHours(const Value& a, const Value& b) {
   return CStr(a) == CStr(b);
 }
 
-void write(platform::outlook::AppointmentItem& appointment, const cRowInfo& row) try {
+void put(platform::outlook::AppointmentItem& appointment, const cRowInfo& row) {
   const qint32 minutes = platform::basic::CLng(Value(fncHoursNumber(row.Hours) * 60));
   appointment.setSubject(row.Subject);
   // kept: another category of the user's own goes, since the text is written whole
   appointment.setCategories(row.Marking->MarkingCategories());
   // kept: the hours of the list are written, less their lunch and rounded to two decimals as they may be
   appointment.setDuration(minutes);
+}
+
+/// The series is read only now, so it does not know itself what the row was made from.
+void refuseChangedOccurrence(platform::outlook::AppointmentItem& occurrence, const cRowInfo& row) {
+  const auto failure = tolerate([&] {
+    put(occurrence, row);
+    occurrence.RefuseIfChanged();
+  });
+  occurrence.Close(platform::outlook::olDiscard);
+  if (failure) throw Failure(*failure);
+}
+
+void write(platform::outlook::AppointmentItem& appointment, const cRowInfo& row) try {
+  put(appointment, row);
   appointment.Close(platform::outlook::olSave);
 } catch (const Failure&) {
   tolerate([&] { appointment.Close(platform::outlook::olDiscard); });
@@ -261,7 +275,10 @@ bool fncSaveChanges(const QString& value, const MetaNames* dictionary, bool chec
   // A series is changed as a whole, by each of its occurrences: the list reads the marking of the series, so
   // what only one of them carried would be gone with the next fetch.
   const Appointment series = appointment->Parent();
-  if (series) appointment = series;
+  if (series) {
+    refuseChangedOccurrence(*appointment, present(workspaceValues().gNewRow));
+    appointment = series;
+  }
   // kept: all of the row, not only the value
   write(*appointment, present(workspaceValues().gNewRow));
   if (series) subGetData();

@@ -181,6 +181,15 @@ calendar::Item AppointmentItem::storeOrTell(const calendar::Change& change) cons
   throw Failure(failure.number(), failure.description() + basic::vbCrLf + versions, failure.source());
 }
 
+void AppointmentItem::RefuseIfChanged() const {
+  const auto item = itemOfKey(*store_, folder_, item_.key);
+  if (item && item->tag == item_.tag) return;
+  const QString what =
+      item ? u"Another program has changed \"%1\" meanwhile."_s : u"\"%1\" is no longer in the calendar."_s;
+  throw Failure(item ? calendar::errChangedMeanwhile : calendar::errNotFound,
+                what.arg(item_.subject) + basic::vbCrLf + bothVersions(), u"AppointmentItem"_s);
+}
+
 /// Empty where nobody can say how it stands in the calendar now.
 QString AppointmentItem::bothVersions() const try {
   const AppointmentItem read(store_, folder_, item_, session_);

@@ -81,6 +81,9 @@ class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
   std::shared_ptr<AppointmentItem> GetAssociatedAppointment(bool addToCalendar) const;
   UserProperties userProperties() { return UserProperties(*this); }
   void Save();
+  /// Fails as `Save` does when somebody else has changed or removed the item since it was read; writes
+  /// nothing.
+  void RefuseIfChanged() const;
   void Close(int saveMode);
   /// A mail with the appointment, pending changes included, as a vCalendar for its first attachment.
   std::shared_ptr<MailItem> ForwardAsVcal() const;

@@ -382,6 +382,33 @@ TEST_P(FollowedList, AfterAnEditOfARemovedAppointmentShowsTheRowsThatThereAre) {
   EXPECT_EQ(w.subjects(), QStringList{QStringLiteral("Second")});
 }
 
+TEST_P(FollowedList, OverwritesNothingOfASeriesThatSomebodyElseHasChanged) {
+  const auto key =
+      w.calendar->addSeries(w.folder, w.appointment(QStringLiteral("Series"), at(15, 9), 60, marked),
+                            {platform::calendar::Recurrence::Unit::Day, 1, 2, {}});
+  subGetData();
+  select(QStringLiteral("A4"));
+  choose(1, QStringLiteral("Beta"));
+  EXPECT_EQ(stored(2).categoriesText, QStringLiteral(";Beta;Website;Design"))
+      << "one's own edits are in nobody's way";
+  type(QStringLiteral("F5"), QStringLiteral("2"));
+  EXPECT_EQ(stored(2).durationMinutes(), 120);
+  theyRename(key, "Moved");
+  select(QStringLiteral("A4"));
+  expectReport("fncSaveChanges");
+  EXPECT_ENDS_PROCESS(choose(1, QStringLiteral("Acme")));
+  const QString told = w.world.dialogs.shown.last().text;
+  EXPECT_TRUE(told.contains(QStringLiteral("Another program has changed \"Series\" meanwhile.")))
+      << told.toStdString();
+  EXPECT_TRUE(told.contains(QStringLiteral("Subject: when read \"Series\", in the calendar now \"Moved\"")))
+      << told.toStdString();
+  EXPECT_TRUE(told.contains(QStringLiteral("Categories: to be written \";Acme;Website;Design\"")))
+      << told.toStdString();
+  EXPECT_EQ(stored(2).subject, QStringLiteral("Moved"));
+  EXPECT_EQ(stored(2).categoriesText, QStringLiteral(";Beta;Website;Design"));
+  EXPECT_EQ(w.cell(QStringLiteral("A4")), QStringLiteral("Moved"));
+}
+
 TEST_P(FollowedList, AfterAnotherFailureIsNotFetched) {
   failSaving();
   select(QStringLiteral("A2"));

@@ -131,6 +131,17 @@ TEST_F(ConflictTest, IsToldAsItIsWhereTheCalendarCannotBeReadAnyMore) {
   EXPECT_EQ(number, calendar::errChangedMeanwhile);
 }
 
+TEST_F(ConflictTest, CanBeAskedForWithoutWriting) {
+  item->setSubject(u"Mine"_s);
+  EXPECT_NO_THROW(item->RefuseIfChanged());
+  calendar::Change theirs;
+  theirs.subject = u"Theirs"_s;
+  theyChange(theirs);
+  EXPECT_EQ(failureOf([&] { item->RefuseIfChanged(); }), calendar::errChangedMeanwhile);
+  memory->removeByAnother(folder, item->stored().key);
+  EXPECT_EQ(failureOf([&] { item->RefuseIfChanged(); }), calendar::errNotFound);
+}
+
 TEST_F(ConflictTest, OtherFailuresStayAsTheyAre) {
   item->setSubject(u"Mine"_s);
   store->failAlways(Operation::Save, broken);
