@@ -215,6 +215,12 @@ QByteArray unfolded(QByteArrayView raw, bool bareCr) {
   std::optional<bool> softBreaks;  // looked at once
   for (qsizetype i = 0; i < end;) {
     qsizetype next = i;
+    while (next < end && raw[next] != '\r' && raw[next] != '\n') ++next;
+    if (next > i) {
+      result.append(raw.sliced(i, next - i));
+      i = next;
+      continue;
+    }
     while (next < end && raw[next] == '\r' && !bareCr) ++next;
     const bool breaks = bareCr ? raw[i] == '\r' : (next < end && raw[next] == '\n');
     if (!breaks) {  // a run of CR is taken as a whole: looked through anew from each it would cost its square

@@ -24,13 +24,14 @@ QString unescaped(const QString& text) {
   if (!text.contains(u'\\')) return text;
   QString result;
   result.reserve(text.size());
-  for (qsizetype i = 0; i < text.size(); ++i) {
-    if (text[i] != u'\\' || i + 1 == text.size()) {
-      result.append(text[i]);
-      continue;
-    }
-    const QChar next = text[++i];
+  for (qsizetype i = 0; i < text.size();) {
+    const qsizetype escape = text.indexOf(u'\\', i);
+    const qsizetype end = escape < 0 || escape + 1 == text.size() ? text.size() : escape;
+    result.append(QStringView(text).sliced(i, end - i));
+    if (end == text.size()) break;
+    const QChar next = text[end + 1];
     result.append(next == u'n' || next == u'N' ? QChar(u'\n') : next);
+    i = end + 2;
   }
   return result;
 }
@@ -45,6 +46,7 @@ QString decoded(const QByteArray& bytes) {
 
 QString fromText(const QByteArray& value) {
   QString text = unescaped(decoded(value));
+  if (!text.contains(u'\r')) return text;
   text.replace(u"\r\n"_qs, u"\n"_qs);
   text.replace(u'\r', u'\n');
   return text;

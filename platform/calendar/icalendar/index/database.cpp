@@ -1,6 +1,7 @@
 #include "platform/calendar/icalendar/index/database.h"
 
 #include "platform/calendar/icalendar/index/pagecheck.h"
+#include "platform/calendar/icalendar/index/runs.h"
 
 #include <QFile>
 
@@ -41,11 +42,16 @@ QByteArray Rows::bytes(int column) const {
   const void* data = sqlite3_column_blob(statement_, column);
   return QByteArray(static_cast<const char*>(data), sqlite3_column_bytes(statement_, column));
 }
+QByteArrayView Rows::view(int column) const {
+  const void* data = sqlite3_column_blob(statement_, column);
+  return {static_cast<const char*>(data), sqlite3_column_bytes(statement_, column)};
+}
 bool Rows::isNull(int column) const {
   return sqlite3_column_type(statement_, column) == SQLITE_NULL;
 }
 
-Database::Database(const QString& path, quint64 identity, Access access) {
+Database::Database(const QString& path, quint64 identity, Access access)
+    : runs_(std::make_unique<Runs>(*this)) {
   int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE;
   if (access == Access::Create) flags |= SQLITE_OPEN_CREATE;
   const int code = sqlite3_open_v2(QFile::encodeName(path).constData(), &handle_, flags,
@@ -72,6 +78,10 @@ void Database::check(int code) {
   if (code == SQLITE_OK) return;
   throw IndexFailure{handle_ ? sqlite3_extended_errcode(handle_) : code,
                      handle_ ? sqlite3_errmsg(handle_) : "no memory"};
+}
+
+void Database::failBroken(const char* what) {
+  throw IndexFailure{SQLITE_CORRUPT, what};
 }
 
 void Database::script(const char* sql) {
@@ -117,6 +127,7 @@ Reading::~Reading() {
 
 Change::~Change() {
   if (done_) return;
+  database_.runs().drop();
   try {
     database_.script("ROLLBACK");
   } catch (const IndexFailure&) {
@@ -125,6 +136,7 @@ Change::~Change() {
 }
 
 void Change::commit() {
+  database_.runs().flush();
   database_.script("COMMIT");
   done_ = true;
 }

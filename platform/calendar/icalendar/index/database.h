@@ -1,5 +1,6 @@
 #pragma once
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QHash>
 #include <QString>
 
@@ -29,6 +30,8 @@ class Rows {
   qint64 number(int column) const;
   quint64 bits(int column) const { return static_cast<quint64>(number(column)); }
   QByteArray bytes(int column) const;
+  /// Until the next row.
+  QByteArrayView view(int column) const;
   QString text(int column) const { return QString::fromUtf8(bytes(column)); }
   bool isNull(int column) const;
   QByteArray firstText() { return next() ? bytes(0) : QByteArray(); }
@@ -36,6 +39,8 @@ class Rows {
  private:
   sqlite3_stmt* statement_;
 };
+
+class Runs;
 
 class Database {
  public:
@@ -66,6 +71,10 @@ class Database {
     return rows.next() && !rows.isNull(0) ? std::optional(rows.number(0)) : std::nullopt;
   }
   void script(const char* sql);
+  /// What events are searched by. What is noted there is written with the commit of a change.
+  Runs& runs() { return *runs_; }
+  /// What the index holds cannot be.
+  [[noreturn]] static void failBroken(const char* what);
   /// Whether another file, or none, stands where this one was opened.
   bool hasMoved();
   /// What is held as long as the connection lives.
@@ -84,6 +93,7 @@ class Database {
   void bind(sqlite3_stmt* statement, int at, const QByteArray& value);  // as a blob
 
   std::shared_ptr<void> held_;
+  std::unique_ptr<Runs> runs_;
   sqlite3* handle_ = nullptr;
   QHash<const char*, sqlite3_stmt*> statements_;  // the texts are literals
 };
@@ -100,7 +110,7 @@ class Reading {
   Database& database_;
 };
 
-/// Undone unless committed.
+/// Undone unless committed, with what was noted for the searches.
 class Change {
  public:
   explicit Change(Database& database) : database_(database) { database.script("BEGIN IMMEDIATE"); }

@@ -2,6 +2,7 @@
 
 #include "platform/calendar/icalendar/editor.h"
 #include "platform/calendar/icalendar/index/checksum.h"
+#include "platform/calendar/icalendar/index/packs.h"
 #include "platform/calendar/icalendar/limits.h"
 #include "platform/calendar/icalendar/text.h"
 #include "platform/calendar/icalendar/zones.h"
@@ -51,40 +52,46 @@ void Hits::forget() {
   ++changes_;
 }
 
-void Hits::collect(quint64 uid, QHash<qint64, HitFile>& files) {
-  Rows rows = database_.ask(
-      "SELECT e.file, e.segment, e.offset, e.length, e.line, e.number, e.calendar, e.sum, s.start, s.line, "
-      "f.name, f.stamp, f.form, f.content FROM event e JOIN file f ON f.id = e.file "
-      "LEFT JOIN segment s ON s.id = e.segment WHERE e.uid = ?",
-      uid);
-  while (rows.next()) {
-    HitFile& file = files[rows.number(0)];
-    if (file.id == 0) {
-      file.id = rows.number(0);
-      file.name = rows.text(10);
-      file.stamp = rows.bits(11);
-      file.form = static_cast<Form>(rows.number(12));
-      file.content = rows.bits(13);
+Hits::HitFile& Hits::fileOf(qint64 id, QHash<qint64, HitFile>& files) {
+  HitFile& file = files[id];
+  if (file.id != 0) return file;
+  Rows rows = database_.ask("SELECT name, stamp, form, content FROM file WHERE id = ?", id);
+  if (!rows.next()) Database::failBroken("events without their file");
+  file.id = id;
+  file.name = rows.text(0);
+  file.stamp = rows.bits(1);
+  file.form = static_cast<Form>(rows.number(2));
+  file.content = rows.bits(3);
+  return file;
+}
+
+/// Where the events of these names stand.
+QHash<qint64, Hits::HitFile> Hits::collect(const QSet<quint64>& uids) {
+  QSet<qint64> homes;
+  for (const quint64 uid : uids)
+    for (const Home home : homesOf(database_, Search::Uid, uid)) homes.insert(home.number());
+  QHash<qint64, HitFile> files;
+  for (const qint64 number : std::as_const(homes)) {
+    const Home home(number);
+    const Pack pack = packAt(database_, home);
+    if (home.isWholeFile()) {
+      HitFile& file = fileOf(home.id(), files);
+      for (const StoredEvent& event : pack)
+        if (uids.contains(event.row.uid)) file.uids.insert(event.row.uid);
+      continue;
     }
-    file.uids.insert(uid);
-    if (file.form != Form::Parts) continue;
-    Hit hit;
-    hit.place = {rows.number(1),
-                 rows.number(2),
-                 rows.number(3),
-                 static_cast<int>(rows.number(4)),
-                 static_cast<int>(rows.number(5)),
-                 rows.number(6),
-                 rows.bits(7)};
-    hit.segmentStart = rows.number(8);
-    hit.segmentLine = static_cast<int>(rows.number(9));
-    file.hits.append(hit);
+    Rows segment = database_.ask("SELECT file, start, line FROM segment WHERE id = ?", home.id());
+    if (!segment.next()) Database::failBroken("events without their segment");
+    HitFile& file = fileOf(segment.number(0), files);
+    for (const StoredEvent& event : pack)
+      if (uids.contains(event.row.uid))
+        file.hits.append({segment.number(1), static_cast<int>(segment.number(2)), event.place});
   }
+  return files;
 }
 
 QList<EventRef> Hits::named(const QSet<quint64>& uids) {
-  QHash<qint64, HitFile> files;
-  for (const quint64 uid : uids) collect(uid, files);
+  QHash<qint64, HitFile> files = collect(uids);
   QList<HitFile*> order;
   for (HitFile& file : files) order.append(&file);
   std::sort(order.begin(), order.end(), [](const HitFile* a, const HitFile* b) { return a->name < b->name; });
@@ -262,8 +269,7 @@ Snapshot Hits::snapshot(const FileRow& file, const QString& uid) {
   Snapshot snapshot;
   snapshot.name = file.name;
   snapshot.fingerprint = before.fingerprint();
-  QHash<qint64, HitFile> files;
-  collect(nameSum(uid), files);
+  QHash<qint64, HitFile> files = collect({nameSum(uid)});
   HitFile& own = files[file.id];
   std::sort(own.hits.begin(), own.hits.end(), [](const Hit& a, const Hit& b) {
     return a.segmentStart + a.place.offset < b.segmentStart + b.place.offset;

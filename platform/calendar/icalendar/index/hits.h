@@ -52,7 +52,8 @@ class Hits {
   };
 
   QString pathOf(const QString& name) const { return isFolder_ ? root_ + u'/' + name : root_; }
-  void collect(quint64 uid, QHash<qint64, HitFile>& files);
+  QHash<qint64, HitFile> collect(const QSet<quint64>& uids);
+  HitFile& fileOf(qint64 id, QHash<qint64, HitFile>& files);
   void read(const HitFile& file, QList<EventRef>& into);
   Kept whole(const HitFile& file);
   Kept everything(const HitFile& file) const;

@@ -2,6 +2,7 @@
 
 #include "platform/calendar/icalendar/index/checksum.h"
 #include "platform/calendar/icalendar/index/indexsweep.h"
+#include "platform/calendar/icalendar/index/packs.h"
 #include "platform/calendar/icalendar/limits.h"
 
 #include <QDir>
@@ -368,14 +369,7 @@ QList<Group> IndexedSource::named(const QSet<quint64>& uids) {
 QList<Group> IndexedSource::between(qint64 from, qint64 to) {
   const auto asked = [&] {
     if (from == noBoundBelow && to == noBoundAbove) return grouped(hits_->all());
-    QSet<quint64> uids;
-    const auto take = [&](Rows rows) {
-      while (rows.next()) uids.insert(rows.bits(0));
-    };
-    take(database_->ask("SELECT uid FROM event WHERE wide = 0 AND lo >= ? AND lo <= ? AND hi >= ?",
-                        from < noBoundBelow + shortMs ? noBoundBelow : from - shortMs, to, from));
-    take(database_->ask("SELECT uid FROM event WHERE wide = 1 AND hi >= ? AND lo <= ?", from, to));
-    return named(uids);
+    return named(uidsBetween(*database_, from, to));
   };
   const Wait wait = std::exchange(answeredOnce_, true) ? Wait::Full : Wait::Short;
   return answered<QList<Group>>(wait, asked, [&] { return cache_.between(from, to); });
@@ -391,14 +385,7 @@ Group IndexedSource::withUid(const QString& uid) {
 }
 
 QList<Group> IndexedSource::withSubject(const QString& subject) {
-  const auto asked = [&] {
-    QSet<quint64> uids;
-    {
-      Rows rows = database_->ask("SELECT uid FROM event WHERE subject = ?", nameSum(subject));
-      while (rows.next()) uids.insert(rows.bits(0));
-    }
-    return named(uids);
-  };
+  const auto asked = [&] { return named(uidsWithSubject(*database_, nameSum(subject))); };
   const auto otherwise = [&] { return cache_.withSubject(subject); };
   if (!std::exchange(answeredOnce_, true)) {
     const QList<Group> found = answered<QList<Group>>(Wait::Short, asked, otherwise);
@@ -409,9 +396,7 @@ QList<Group> IndexedSource::withSubject(const QString& subject) {
 }
 
 qint64 IndexedSource::countUpTo(qint64 most) {
-  const auto asked = [&] {
-    return database_->number("SELECT count(*) FROM (SELECT 1 FROM event LIMIT ?)", most).value_or(0);
-  };
+  const auto asked = [&] { return countEvents(*database_, most); };
   return answered<qint64>(Wait::Full, asked, [&] { return cache_.countUpTo(most); });
 }
 

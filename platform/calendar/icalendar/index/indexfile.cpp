@@ -121,7 +121,6 @@ void IndexFile::build(const QString& fresh, const std::function<void(Database&)>
       "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA locking_mode = EXCLUSIVE; BEGIN");
   createTables(database, calendarPath_);
   fill(database);
-  createSearch(database);
   markComplete(database);
   database.script("COMMIT");
 }

@@ -1,6 +1,7 @@
 #include "platform/calendar/icalendar/index/intake.h"
 
 #include "platform/calendar/icalendar/index/checksum.h"
+#include "platform/calendar/icalendar/index/packs.h"
 #include "platform/calendar/icalendar/index/parts.h"
 #include "platform/calendar/icalendar/limits.h"
 
@@ -142,18 +143,20 @@ void Intake::rowsOf(const FileRow& row, const QByteArray& bytes) {
   PlainTaker taker;
   LineScanner scanner(taker);
   EventPlace place;
+  Pack pack;
   if (scanner.scan(bytes) && !scanner.inCalendar() && taker.allPlain) {
     for (const EventRow& event : taker.rows) {
-      insertEvent(database_, row.id, event, place);
+      pack.push_back({event, place});
       ++place.offset;
     }
-    return;
+    return insertPack(database_, row.id, Home::ofWholeFile(row.id), pack);
   }
   const auto file = calendarFile(row.name, bytes);
   for (const Event& event : file->events) {
-    insertEvent(database_, row.id, rowOf(file->document, event), place);
+    pack.push_back({rowOf(file->document, event), place});
     ++place.offset;
   }
+  insertPack(database_, row.id, Home::ofWholeFile(row.id), pack);
   for (const Problem& problem : file->problems) insertProblem(database_, row.id, 0, Phase::Lines, problem);
 }
 

@@ -1,6 +1,9 @@
 #include "platform/calendar/icalendar/index/parts.h"
 
+#include "platform/calendar/icalendar/index/packs.h"
 #include "platform/calendar/icalendar/index/partstaker.h"
+
+#include <QMap>
 
 namespace platform::calendar::icalendar::index {
 
@@ -35,15 +38,14 @@ Parts::Result Parts::splice(const DiskFile& disk, qint64 size, qint64 from, qint
 }
 
 void Parts::forget(const Segment& segment) {
-  Rows rows =
-      database_.ask("SELECT uid, nameless FROM event WHERE file = ? AND segment = ?", file_.id, segment.id);
-  while (rows.next()) {
-    if (rows.number(1) != 0)
-      namelessTouched_ = true;
+  const Home home = Home::ofSegment(segment.id);
+  for (const StoredEvent& event : packAt(database_, home)) {
+    if (event.row.hasUid)
+      touched_.insert(event.row.uid);
     else
-      touched_.insert(rows.bits(0));
+      namelessTouched_ = true;
   }
-  database_.run("DELETE FROM event WHERE file = ? AND segment = ?", file_.id, segment.id);
+  removePack(database_, file_.id, home);
   database_.run("DELETE FROM head WHERE file = ? AND segment = ?", file_.id, segment.id);
   database_.run("DELETE FROM problem WHERE file = ? AND segment = ?", file_.id, segment.id);
   database_.run("DELETE FROM segment WHERE id = ?", segment.id);
@@ -61,6 +63,7 @@ Parts::Result Parts::replace(const DiskFile& disk, qint64 size, qsizetype first,
     const bool atEnd = last == segments_.size() - 1;
     const qint64 calendarAfter = atEnd ? 0 : segments_[last + 1].calendar;
     const int lineAfter = atEnd ? 0 : segments_[last + 1].line;
+    database_.runs().flush();
     database_.script("SAVEPOINT stretch");
     if (length > 0) {
       for (qsizetype i = first; i <= last; ++i) forget(segments_[i]);
@@ -78,6 +81,7 @@ Parts::Result Parts::replace(const DiskFile& disk, qint64 size, qsizetype first,
         return Result::Changed;
       }
     }
+    database_.runs().drop();
     database_.script("ROLLBACK TO stretch; RELEASE stretch");
   }
   clearRows(database_, file_.id);
@@ -106,58 +110,86 @@ bool Parts::look(const DiskFile& disk, const Segment& at, qint64 length, qint64 
   namelessTouched_ = namelessTouched_ || taker.sawNameless();
   if (whole || taker.calendar() == calendarAfter || calendarAfter == 0) return true;
   if (at.calendar == calendarAfter || taker.calendar() == at.calendar) return false;
-  for (const char* sql : {"UPDATE event SET calendar = ? WHERE file = ? AND calendar = ?",
-                          "UPDATE head SET calendar = ? WHERE file = ? AND calendar = ?",
+  for (const qint64 segment : taker.segments()) {
+    const Home home = Home::ofSegment(segment);
+    const Pack was = packAt(database_, home);
+    Pack now = was;
+    for (StoredEvent& event : now)
+      if (event.place.calendar == taker.calendar()) event.place.calendar = calendarAfter;
+    if (!was.empty()) replacePack(database_, file_.id, home, was, now);
+  }
+  for (const char* sql : {"UPDATE head SET calendar = ? WHERE file = ? AND calendar = ?",
                           "UPDATE segment SET calendar = ? WHERE file = ? AND calendar = ?"})
     database_.run(sql, calendarAfter, file_.id, taker.calendar());
   return true;
 }
 
+namespace {
+
+/// The events of some homes of one file, to be told apart where they are alike.
+class Alike {
+ public:
+  Alike(Database& database, const FileRow& file) : database_(database), file_(file) {}
+
+  void add(const QList<Home>& homes) {
+    for (const Home home : homes) {
+      if (home.isWholeFile()) continue;
+      const auto start =
+          database_.number("SELECT start FROM segment WHERE id = ? AND file = ?", home.id(), file_.id);
+      if (start && !packs_.contains({*start, home.number()}))
+        packs_.insert({*start, home.number()}, packAt(database_, home));
+    }
+  }
+  /// Calls with each event, as they stand in the file.
+  template <class Visit>
+  void each(const Visit& visit) {
+    for (auto pack = packs_.begin(); pack != packs_.end(); ++pack) {
+      const Pack was = pack.value();
+      bool any = false;
+      for (StoredEvent& event : pack.value()) any = visit(event) || any;
+      if (any) replacePack(database_, file_.id, Home(pack.key().second), was, pack.value());
+    }
+  }
+
+ private:
+  Database& database_;
+  const FileRow& file_;
+  QMap<std::pair<qint64, qint64>, Pack> packs_;  // by where they start
+};
+
+}  // namespace
+
 void Parts::renumber() {
-  for (const quint64 uid : std::as_const(touched_)) renumberUid(uid);
+  if (touched_.isEmpty() && !namelessTouched_) return;
+  database_.runs().flush();
+  if (!touched_.isEmpty()) renumberTouched();
   if (namelessTouched_) renumberNameless();
 }
 
-void Parts::renumberUid(quint64 uid) {
-  struct Row {
-    qint64 segment, offset, recurrence, number;
-  };
-  QList<Row> found;
-  {
-    Rows rows = database_.ask(
-        "SELECT e.segment, e.offset, e.recurrence, e.number FROM event e JOIN segment s ON s.id = e.segment "
-        "WHERE e.uid = ? AND e.file = ? AND e.nameless = 0 ORDER BY s.start, e.offset",
-        uid, file_.id);
-    while (rows.next()) found.append({rows.number(0), rows.number(1), rows.number(2), rows.number(3)});
-  }
-  QHash<qint64, int> numbers;
-  for (const Row& row : std::as_const(found)) {
-    const int number = ++numbers[row.recurrence];
-    if (number != row.number)
-      database_.run("UPDATE event SET number = ? WHERE file = ? AND segment = ? AND offset = ?", number,
-                    file_.id, row.segment, row.offset);
-  }
+void Parts::renumberTouched() {
+  Alike events(database_, file_);
+  for (const quint64 uid : std::as_const(touched_)) events.add(homesOf(database_, Search::Uid, uid));
+  QHash<quint64, int> numbers;
+  events.each([&](StoredEvent& event) {
+    if (!event.row.hasUid || !touched_.contains(event.row.uid)) return false;
+    return std::exchange(event.place.number, ++numbers[alike(event.row)]) != event.place.number;
+  });
 }
 
 /// The key of an event without a name is where it stands among the others without.
 void Parts::renumberNameless() {
-  struct Row {
-    qint64 segment, offset, recurrence, number;
-  };
-  QList<Row> found;
-  {
-    Rows rows = database_.ask(
-        "SELECT e.segment, e.offset, e.recurrence, e.number FROM event e JOIN segment s ON s.id = e.segment "
-        "WHERE e.file = ? AND e.nameless = 1 ORDER BY s.start, e.offset",
-        file_.id);
-    while (rows.next()) found.append({rows.number(0), rows.number(1), rows.number(2), rows.number(3)});
-  }
-  QHash<qint64, int> numbers;
-  for (const Row& row : std::as_const(found)) {
-    const int number = ++numbers[row.recurrence];
-    database_.run("UPDATE event SET number = ?, uid = ? WHERE file = ? AND segment = ? AND offset = ?",
-                  number, uidWithout(file_.name, number), file_.id, row.segment, row.offset);
-  }
+  Alike events(database_, file_);
+  events.add(homesOf(database_, Search::Nameless, static_cast<quint64>(file_.id)));
+  QHash<quint64, int> numbers;
+  events.each([&](StoredEvent& event) {
+    if (event.row.hasUid) return false;
+    const int number = ++numbers[event.row.recurrenceId];
+    const quint64 uid = uidWithout(file_.name, number);
+    if (event.place.number == number && event.row.uid == uid) return false;
+    event.place.number = number;
+    event.row.uid = uid;
+    return true;
+  });
 }
 
 }  // namespace platform::calendar::icalendar::index

@@ -29,7 +29,7 @@ class Parts {
   bool looksAlike(const DiskFile& disk, const Segment& segment, qint64 shift) const;
   void forget(const Segment& segment);
   void renumber();
-  void renumberUid(quint64 uid);
+  void renumberTouched();
   void renumberNameless();
 
   Database& database_;

@@ -88,6 +88,9 @@ void PartsTaker::closeSegment(qint64 end, int lineAfter, quint64 sum) {
   database_.run("INSERT INTO segment VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)", segment_.id, file_.id,
                 segment_.start, end - segment_.start, segment_.line, lineAfter - segment_.line,
                 segment_.calendar, segment_.lastEnd, sum);
+  insertPack(database_, file_.id, Home::ofSegment(segment_.id), pack_);
+  pack_.clear();
+  if (!numbers_) segments_.append(segment_.id);
 }
 
 void PartsTaker::finish(qint64 end, int lineAfter, quint64 sum) {
@@ -132,7 +135,7 @@ bool PartsTaker::lineProblems(const Document& document, const Piece& piece) {
 void PartsTaker::event(const Piece& piece) {
   ++events_;
   if (piece.plain)
-    insert(rowOf(piece), piece);
+    keep(rowOf(piece), piece);
   else
     oddEvent(piece);
 }
@@ -150,12 +153,11 @@ void PartsTaker::oddEvent(const Piece& piece) {
     problem.line += piece.line - 1 - segment_.line;
     insertProblem(database_, file_.id, segment_.id, Phase::Events, problem);
   }
-  insert(rowOf(document, event), piece);
+  keep(rowOf(document, event), piece);
 }
 
-void PartsTaker::insert(EventRow row, const Piece& piece) {
+void PartsTaker::keep(EventRow row, const Piece& piece) {
   EventPlace place;
-  place.segment = segment_.id;
   place.offset = piece.offset - segment_.start;
   place.length = piece.bytes.size();
   place.line = piece.line - segment_.line;
@@ -168,7 +170,7 @@ void PartsTaker::insert(EventRow row, const Piece& piece) {
   } else if (!numbers_) {
     names_.insert(row.uid);
   }
-  insertEvent(database_, file_.id, row, place);
+  pack_.push_back({row, place});
 }
 
 }  // namespace platform::calendar::icalendar::index

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/calendar/icalendar/index/tables.h"
+#include "platform/calendar/icalendar/index/packs.h"
 
 #include <QSet>
 
@@ -38,13 +38,15 @@ class PartsTaker : public PieceTaker {
   qint64 calendar() const { return calendar_; }
   bool sawNameless() const { return sawNameless_; }
   const QSet<quint64>& names() const { return names_; }
+  /// Of the stretch.
+  const QList<qint64>& segments() const { return segments_; }
 
  private:
   void flushHead();
   void closeSegment(qint64 end, int lineAfter, quint64 sum);
   void event(const Piece& piece);
   void oddEvent(const Piece& piece);
-  void insert(EventRow row, const Piece& piece);
+  void keep(EventRow row, const Piece& piece);
   bool lineProblems(const Document& document, const Piece& piece);
 
   Database& database_;
@@ -56,6 +58,8 @@ class PartsTaker : public PieceTaker {
   QSet<quint64> names_;
   qint64 calendar_ = 0, nextCalendar_ = 0, nextSegment_ = 0;
   int events_ = 0;  // in the segment
+  Pack pack_;       // of the segment
+  QList<qint64> segments_;
   QByteArray head_;
   bool good_ = true;
   bool sawNameless_ = false;

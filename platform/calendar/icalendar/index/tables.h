@@ -23,8 +23,8 @@ struct FileRow {
   QString error;        // of an unread one
 };
 
-/// A stretch of a file in parts, some 256 events long: when something ahead of it changes, only its start
-/// moves.
+/// A stretch of a file in parts, some dozens of events long: when something ahead of it changes, only its
+/// start moves.
 struct Segment {
   qint64 id = 0;
   qint64 start = 0, length = 0;
@@ -34,20 +34,20 @@ struct Segment {
   quint64 sum = 0;
 };
 
-/// Where an event stands in a file in parts; of a whole file `offset` counts its events.
+/// Where an event stands in its segment; of a whole file `offset` counts its events.
 struct EventPlace {
-  qint64 segment = 0, offset = 0, length = 0;
+  qint64 offset = 0, length = 0;
   int line = 0;    // in its segment, from 0
   int number = 1;  // of several alike in the file
   qint64 calendar = 0;
   quint64 sum = 0;
 };
 
-inline constexpr int schemaVersion = 3;
+inline constexpr int schemaVersion = 4;
 inline constexpr int applicationId = 0x48426978;
 
 void createTables(Database& database, const QString& calendarPath);
-void createSearch(Database& database);
+/// Behind all rows.
 void markComplete(Database& database);
 /// Whether it is an index of this calendar, of this version, and whole.
 bool fits(Database& database, const QString& calendarPath);
@@ -57,7 +57,6 @@ std::optional<FileRow> fileNamed(Database& database, const QString& name);
 void store(Database& database, FileRow& row);
 void clearRows(Database& database, qint64 file);
 void removeFile(Database& database, qint64 file);
-void insertEvent(Database& database, qint64 file, const EventRow& row, const EventPlace& place);
 /// Problems of the lines come ahead of problems of the events, as reading in one go names them.
 enum class Phase { Lines = 0, Events = 1 };
 void insertProblem(Database& database, qint64 file, qint64 segment, Phase phase, const Problem& problem);

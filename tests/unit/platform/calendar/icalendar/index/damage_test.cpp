@@ -118,7 +118,7 @@ TEST_F(Damage, AnotherCalendarsIndexIsNotBelieved) {
 TEST_F(Damage, AnIndexOfAnotherVersionIsMadeAnew) {
   {
     Database database(index_, IndexFile(cache(), folder()).identity(), Database::Access::ReadWrite);
-    database.script("PRAGMA user_version = 99; DELETE FROM event");
+    database.script("PRAGMA user_version = 99; DELETE FROM run; DELETE FROM pack");
   }
   expectRight();
   EXPECT_TRUE(fromIndex_);
@@ -127,7 +127,7 @@ TEST_F(Damage, AnIndexOfAnotherVersionIsMadeAnew) {
 TEST_F(Damage, AnIndexThatWasNotFinishedIsMadeAnew) {
   {
     Database database(index_, IndexFile(cache(), folder()).identity(), Database::Access::ReadWrite);
-    database.script("UPDATE calendar SET complete = 0; DELETE FROM event");
+    database.script("UPDATE calendar SET complete = 0; DELETE FROM run; DELETE FROM pack");
   }
   expectRight();
 }
