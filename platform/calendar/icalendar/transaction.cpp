@@ -154,7 +154,10 @@ bool Transaction::nothingLeft(const Snapshot& snapshot, const Splices& splices) 
 
 /// The events of one UID in the whole folder, those of the file as they are at this moment.
 Group Transaction::groupOf(const Snapshot& snapshot, const QString& uid) {
-  Group group = source_.withUid(uid);
+  return groupOf(snapshot, source_.withUid(uid));
+}
+
+Group Transaction::groupOf(const Snapshot& snapshot, Group group) {
   const auto old = [&](const EventRef& ref) { return isIn(snapshot, ref); };
   group.masters.removeIf(old);
   group.overrides.removeIf(old);
@@ -242,9 +245,9 @@ Transaction::Splices Transaction::saved(const Group& group, const Target& target
 
 Item Transaction::readBack(const QString& name, const QString& uid, const QString& recurrenceId,
                            const QString& place) {
-  source_.withUid(uid);  // takes in what was written, so that the snapshot finds it there
+  const Group present = source_.withUid(uid);  // takes in what was written: the snapshot finds it there
   const Snapshot snapshot = source_.snapshot(name, uid);
-  const Group group = groupOf(snapshot, uid);
+  const Group group = groupOf(snapshot, present);
   const Owners owners(group);
   std::optional<Item> found;
   const QList<EventRef>& refs = recurrenceId.isEmpty() ? group.masters : group.overrides;

@@ -30,6 +30,7 @@ class Transaction {
   bool nothingLeft(const Snapshot& snapshot, const Splices& splices) const;
 
   Group groupOf(const Snapshot& snapshot, const QString& uid);
+  static Group groupOf(const Snapshot& snapshot, Group group);
   Target find(const Snapshot& snapshot, const Group& group, const ItemKey& key, const QString& tag);
   Target choose(const QList<Target>& candidates, const ItemKey& key, const QString& tag) const;
   Splices saved(const Group& group, const Target& target, const Change& change);

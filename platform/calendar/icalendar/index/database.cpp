@@ -119,7 +119,7 @@ void Database::bind(sqlite3_stmt* statement, int at, const QByteArray& value) {
 
 Reading::~Reading() {
   try {
-    database_.script("COMMIT");
+    database_.run("COMMIT");
   } catch (const IndexFailure&) {
     // nothing was written, and the failure of a question has been told
   }
@@ -137,7 +137,7 @@ Change::~Change() {
 
 void Change::commit() {
   database_.runs().flush();
-  database_.script("COMMIT");
+  database_.run("COMMIT");
   done_ = true;
 }
 

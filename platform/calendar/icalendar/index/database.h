@@ -101,7 +101,7 @@ class Database {
 /// Many questions about one state of the index, and one lock for all of them.
 class Reading {
  public:
-  explicit Reading(Database& database) : database_(database) { database.script("BEGIN"); }
+  explicit Reading(Database& database) : database_(database) { database.run("BEGIN"); }
   ~Reading();
   Reading(const Reading&) = delete;
   Reading& operator=(const Reading&) = delete;
@@ -113,7 +113,7 @@ class Reading {
 /// Undone unless committed, with what was noted for the searches.
 class Change {
  public:
-  explicit Change(Database& database) : database_(database) { database.script("BEGIN IMMEDIATE"); }
+  explicit Change(Database& database) : database_(database) { database.run("BEGIN IMMEDIATE"); }
   ~Change();
   void commit();
 

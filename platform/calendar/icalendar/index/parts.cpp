@@ -67,15 +67,14 @@ Parts::Result Parts::replace(const DiskFile& disk, qint64 size, qsizetype first,
     database_.script("SAVEPOINT stretch");
     if (length > 0) {
       for (qsizetype i = first; i <= last; ++i) forget(segments_[i]);
-      database_.run("UPDATE segment SET start = start + ? WHERE file = ? AND start >= ?", size - size_,
-                    file_.id, oldEnd);
       if (look(disk, at, length, calendarAfter)) {
-        const qint64 newEnd = at.start + length;
-        const auto line = database_.number(
-            "SELECT max(line + lines) FROM segment WHERE file = ? AND start < ?", file_.id, newEnd);
-        if (!atEnd)
-          database_.run("UPDATE segment SET line = line + ? WHERE file = ? AND start >= ?",
-                        line.value_or(0) - lineAfter, file_.id, newEnd);
+        const qint64 down = size - size_;
+        const int lines = atEnd ? 0 : lineAfter_ - lineAfter;
+        if (!atEnd && (down != 0 || lines != 0))
+          database_.run(
+              "UPDATE segment SET start = start + ?, line = line + ? WHERE file = ? AND start >= ? AND id < "
+              "?",
+              down, lines, file_.id, oldEnd, firstNew_);
         renumber();
         database_.script("RELEASE stretch");
         return Result::Changed;
@@ -95,6 +94,7 @@ bool Parts::look(const DiskFile& disk, const Segment& at, qint64 length, qint64 
   PartsTaker taker(database_, file_, at, whole);
   LineScanner scanner(taker);
   taker.setScanner(&scanner);
+  firstNew_ = taker.firstSegment();
   scanner.beginAt(at.start, at.line, at.calendar != 0);
   qint64 done = 0;
   bool failed = false;
@@ -105,7 +105,8 @@ bool Parts::look(const DiskFile& disk, const Segment& at, qint64 length, qint64 
     return got;
   });
   if (!sure || failed || !taker.isGood() || scanner.inCalendar() != (calendarAfter != 0)) return false;
-  taker.finish(at.start + length, at.line + scanner.lines(), scanner.takeSum());
+  lineAfter_ = at.line + scanner.lines();
+  taker.finish(at.start + length, lineAfter_, scanner.takeSum());
   touched_ += taker.names();
   namelessTouched_ = namelessTouched_ || taker.sawNameless();
   if (whole || taker.calendar() == calendarAfter || calendarAfter == 0) return true;

@@ -36,6 +36,8 @@ class Parts {
   const FileRow& file_;
   QList<Segment> segments_;
   qint64 size_ = 0;        // of the file as the rows have it
+  qint64 firstNew_ = 0;    // number of the first segment that was looked through
+  int lineAfter_ = 0;      // behind the last of them
   QSet<quint64> touched_;  // names of events that came or went
   bool namelessTouched_ = false;
 };

@@ -48,7 +48,7 @@ PartsTaker::PartsTaker(Database& database, const FileRow& file, const Segment& a
   nextCalendar_ =
       1 + qMax(database.number("SELECT max(calendar) FROM head WHERE file = ?", file.id).value_or(0),
                database.number("SELECT max(calendar) FROM segment WHERE file = ?", file.id).value_or(0));
-  nextSegment_ = database.number("SELECT max(id) FROM segment").value_or(0) + 1;
+  firstSegment_ = nextSegment_ = database.number("SELECT max(id) FROM segment").value_or(0) + 1;
   segment_.id = nextSegment_++;
   segment_.start = at.start;
   segment_.line = at.line;

@@ -36,6 +36,8 @@ class PartsTaker : public PieceTaker {
   void setScanner(LineScanner* scanner) { scanner_ = scanner; }
   bool isGood() const { return good_; }
   qint64 calendar() const { return calendar_; }
+  /// Its number is higher than that of any other there is.
+  qint64 firstSegment() const { return firstSegment_; }
   bool sawNameless() const { return sawNameless_; }
   const QSet<quint64>& names() const { return names_; }
   /// Of the stretch.
@@ -56,7 +58,7 @@ class PartsTaker : public PieceTaker {
   bool numbers_;  // a whole file: several alike are told apart here; else by who knows the rest
   Numbering numbering_;
   QSet<quint64> names_;
-  qint64 calendar_ = 0, nextCalendar_ = 0, nextSegment_ = 0;
+  qint64 calendar_ = 0, nextCalendar_ = 0, firstSegment_ = 0, nextSegment_ = 0;
   int events_ = 0;  // in the segment
   Pack pack_;       // of the segment
   QList<qint64> segments_;

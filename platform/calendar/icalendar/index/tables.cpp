@@ -16,7 +16,7 @@ void createTables(Database& database, const QString& calendarPath) {
     CREATE TABLE segment (
       id INTEGER PRIMARY KEY, file INTEGER, start INTEGER, length INTEGER, line INTEGER, lines INTEGER,
       calendar INTEGER, lastEnd INTEGER, sum INTEGER);
-    CREATE INDEX segment_file ON segment (file, start);
+    CREATE INDEX segment_file ON segment (file);
     CREATE TABLE head (
       id INTEGER PRIMARY KEY, file INTEGER, segment INTEGER, calendar INTEGER, zone INTEGER, bytes BLOB);
     CREATE INDEX head_calendar ON head (file, calendar);
