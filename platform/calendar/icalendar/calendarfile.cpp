@@ -7,6 +7,8 @@
 #include <QCryptographicHash>
 #include <QSet>
 
+#include <limits>
+
 namespace platform::calendar::icalendar {
 namespace {
 
@@ -19,10 +21,15 @@ void markMidnights(Event& event) {
   if (length > hourMs && (rest <= hourMs || rest >= dayMs - hourMs)) event.markedAllDay = true;
 }
 
+constexpr Bounds everywhere{std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max(),
+                            std::numeric_limits<qint64>::max()};
+
 class EventReader {
  public:
-  EventReader(const Document& document, QString name, QList<Problem>& problems)
-      : document_(document), name_(std::move(name)), problems_(problems) {}
+  enum class Bounded { Yes, No };
+  EventReader(const Document& document, QString name, QList<Problem>& problems,
+              Bounded bounded = Bounded::Yes)
+      : document_(document), name_(std::move(name)), problems_(problems), bounded_(bounded) {}
 
   Event read(const Component& component, const Component* calendar) {
     Event event;
@@ -38,7 +45,7 @@ class EventReader {
     if (!event.start)
       complain(component.line,
                QStringLiteral("An event has no start that can be read; it stands in no period."));
-    event.bounds = boundsOf(event);
+    event.bounds = bounded_ == Bounded::Yes ? boundsOf(event) : everywhere;
     return event;
   }
 
@@ -135,6 +142,7 @@ class EventReader {
   const Document& document_;
   QString name_;
   QList<Problem>& problems_;
+  Bounded bounded_;
   QHash<QString, int> seen_;
   QSet<QByteArray> taken_;            // dates of the event at hand
   const Component* asked_ = nullptr;  // the calendar of the last event
@@ -198,7 +206,8 @@ std::shared_ptr<const CalendarFile> calendarPart(const PartPlace& place, const Q
     return nullptr;
   moveLines(*component, place.line - component->line);
   QList<Problem> known;  // since the file was taken in
-  EventReader reader(part->document, place.name, known);
+  // it was its bounds that led to it, and to find them takes a while where a rule has a COUNT
+  EventReader reader(part->document, place.name, known, EventReader::Bounded::No);
   part->zones = std::make_shared<ZoneIndex>(part->document);
   collectEvents(*part, part->document.components, nullptr, reader);
   if (part->events.size() != 1) return nullptr;

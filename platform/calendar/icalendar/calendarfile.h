@@ -67,8 +67,8 @@ struct PartPlace {
   int number = 1;  // of several alike in the file
 };
 
-/// One event between the head of its calendar and what closes that. Null when these bytes do not hold one
-/// event.
+/// One event between the head of its calendar and what closes that, without its bounds: who asks for it knows
+/// them. Null when these bytes do not hold one event.
 std::shared_ptr<const CalendarFile> calendarPart(const PartPlace& place, const QByteArray& head,
                                                  const QByteArray& event, const QByteArray& tail);
 

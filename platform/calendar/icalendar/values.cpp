@@ -163,11 +163,30 @@ QList<Period> periodList(const Property& property, int* unreadable) {
   return result;
 }
 
+namespace {
+
+void putDigits(char* at, int count, int value) {
+  for (; count > 0; value /= 10) at[--count] = static_cast<char>('0' + value % 10);
+}
+
+}  // namespace
+
 QByteArray dateText(const QDate& date) {
-  return date.toString(u"yyyyMMdd"_qs).toLatin1();
+  const int year = date.year();
+  if (!date.isValid() || year < 1 || year > 9999) return date.toString(u"yyyyMMdd"_qs).toLatin1();
+  QByteArray text(8, Qt::Uninitialized);
+  putDigits(text.data(), 4, year);
+  putDigits(text.data() + 4, 2, date.month());
+  putDigits(text.data() + 6, 2, date.day());
+  return text;
 }
 QByteArray dateTimeText(const QDate& date, const QTime& time) {
-  return dateText(date) + 'T' + time.toString(u"hhmmss"_qs).toLatin1();
+  if (!time.isValid()) return dateText(date) + 'T';
+  QByteArray text(7, 'T');
+  putDigits(text.data() + 1, 2, time.hour());
+  putDigits(text.data() + 3, 2, time.minute());
+  putDigits(text.data() + 5, 2, time.second());
+  return dateText(date) + text;
 }
 QByteArray spanText(qint64 minutes) {
   if (minutes <= 0) return "PT0S";

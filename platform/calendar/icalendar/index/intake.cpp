@@ -56,8 +56,12 @@ Intake::Result Intake::take(const QString& name, const DiskState& now, bool agai
     row.stamp = state.stamp;
     row.linked = state.linked;
     row.settled = state.isSettled();
-    if (row.id == 0) store(database_, row);
+    if (row.id == 0) {
+      store(database_, row);
+      empty_ = row.id;
+    }
     result = read(row, disk, state);
+    empty_ = 0;
     if (disk.state().stamp == row.stamp && result != Result::Unread) break;
     row.settled = false;  // it is being written to
   }
@@ -70,6 +74,10 @@ Intake::Result Intake::take(const QString& name, const DiskState& now, bool agai
   const bool same = result == Result::Same && known;
   if (!same || before.settled != row.settled) store(database_, row);
   return result == Result::Same ? (known ? Result::Same : Result::Changed) : result;
+}
+
+void Intake::clear(qint64 file) {
+  if (empty_ != file) clearRows(database_, file);
 }
 
 Intake::Result Intake::unread(FileRow& row, const FileRow& before) {
@@ -86,16 +94,17 @@ Intake::Result Intake::unread(FileRow& row, const FileRow& before) {
   }
   row.content = 0;
   if (row.id == 0) store(database_, row);
-  clearRows(database_, row.id);
+  clear(row.id);
   const bool asBefore = before.id != 0 && before.form == Form::Unread && before.error == row.error;
   return asBefore && !why.ok ? Result::Same : Result::Changed;
 }
 
 Intake::Result Intake::read(FileRow& row, const DiskFile& disk, const DiskState& now) {
   if (now.size > wholeBytes) {
-    if (row.form != Form::Parts) clearRows(database_, row.id);
+    if (row.form != Form::Parts) clear(row.id);
     const bool wasParts = row.form == Form::Parts;
     Parts parts(database_, row);
+    empty_ = 0;
     Parts::Result result = parts.refresh(disk, now.size);
     if (result == Parts::Result::Changed && hasLargeHead(row.id)) result = Parts::Result::Odd;
     if (result == Parts::Result::Same && wasParts) return Result::Same;
@@ -105,7 +114,7 @@ Intake::Result Intake::read(FileRow& row, const DiskFile& disk, const DiskState&
       row.error.clear();
       return Result::Changed;
     }
-    clearRows(database_, row.id);
+    clear(row.id);
     row.form = Form::Whole;
     row.content = 0;
     if (!isFolder_ && now.size > maxOddBytes) {
@@ -131,7 +140,7 @@ bool Intake::hasLargeHead(qint64 file) {
 Intake::Result Intake::takeWhole(FileRow& row, const QByteArray& bytes) {
   const quint64 content = checksumOf(bytes) | 1;
   if (row.form == Form::Whole && row.content == content) return Result::Same;
-  clearRows(database_, row.id);
+  clear(row.id);
   row.form = Form::Whole;
   row.content = content;
   row.error.clear();

@@ -37,10 +37,12 @@ class Intake {
   /// Unsettled where the next look may have more luck. `before`: as it stands in the index.
   Result unread(FileRow& row, const FileRow& before);
   void rowsOf(const FileRow& row, const QByteArray& bytes);
+  void clear(qint64 file);
 
   Database& database_;
   QString root_;
   bool isFolder_;
+  qint64 empty_ = 0;  // a file that is new: it has no rows
 };
 
 }  // namespace platform::calendar::icalendar::index

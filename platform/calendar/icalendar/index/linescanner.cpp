@@ -189,7 +189,9 @@ bool LineScanner::border(bool begins, qsizetype begin, qsizetype end, qsizetype 
   for (qsizetype i = from; i < contentEnd; ++i)
     if (!isNameByte(data_[i])) return false;
   if (from == contentEnd) return false;
-  const QByteArray name = QByteArray(data_ + from, contentEnd - from).toUpper();
+  static const QByteArray event = QByteArrayLiteral("VEVENT");  // nearly all of them
+  const bool isEvent = contentEnd - from == event.size() && same(data_ + from, "VEVENT", event.size());
+  const QByteArray name = isEvent ? event : QByteArray(data_ + from, contentEnd - from).toUpper();
   return begins ? beginComponent(name, pendingAt_, end) : endComponent(name, pendingAt_, end);
 }
 
