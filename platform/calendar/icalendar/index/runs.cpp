@@ -150,54 +150,58 @@ void Runs::flush() {
   drop();
 }
 
+/// The run into which an entry falls, else the first one.
+template <size_t words>
+Runs::Run<words> Runs::runFor(Search search, qint64 key, qint64 home) {
+  Run<words> run;
+  const auto take = [&](Rows rows) {
+    if (!rows.next()) return;
+    run.first = {rows.number(0), rows.number(1)};
+    checkSize(rows.view(2).size(), entryBytes(search));
+    run.entries = decoded<words>(rows.view(2));
+  };
+  const int which = static_cast<int>(search);
+  take(
+      database_.ask("SELECT key, home, entries FROM run WHERE search = ? AND (key, home) <= (?, ?) "
+                    "ORDER BY key DESC, home DESC LIMIT 1",
+                    which, key, home));
+  if (!run.first)
+    take(database_.ask("SELECT key, home, entries FROM run WHERE search = ? ORDER BY key, home LIMIT 1",
+                       which));
+  if (!run.first) return run;
+  Rows rows = database_.ask(
+      "SELECT key, home FROM run WHERE search = ? AND (key, home) > (?, ?) ORDER BY key, home LIMIT 1", which,
+      run.first->first, run.first->second);
+  if (rows.next()) run.next = {rows.number(0), rows.number(1)};
+  return run;
+}
+
 template <size_t words>
 void Runs::write(Search search, Notes<words>& notes) {
   settle(notes);
-  const int which = static_cast<int>(search);
-  using Place = std::pair<qint64, qint64>;
   for (auto note = notes.cbegin(); note != notes.cend();) {
-    // the run into which it falls, else the first one
-    std::vector<Words<words>> present;
-    Place first{}, next{};
-    bool isThere = false, hasNext = false;
-    const auto take = [&](Rows rows) {
-      if (!rows.next()) return;
-      isThere = true;
-      first = {rows.number(0), rows.number(1)};
-      checkSize(rows.view(2).size(), entryBytes(search));
-      present = decoded<words>(rows.view(2));
-    };
-    const auto [key, home] = placeOf(note->entry);
-    take(
-        database_.ask("SELECT key, home, entries FROM run WHERE search = ? AND (key, home) <= (?, ?) "
-                      "ORDER BY key DESC, home DESC LIMIT 1",
-                      which, key, home));
-    if (!isThere)
-      take(database_.ask("SELECT key, home, entries FROM run WHERE search = ? ORDER BY key, home LIMIT 1",
-                         which));
-    if (isThere) {
-      Rows rows = database_.ask(
-          "SELECT key, home FROM run WHERE search = ? AND (key, home) > (?, ?) ORDER BY key, home LIMIT 1",
-          which, first.first, first.second);
-      hasNext = rows.next();
-      if (hasNext) next = {rows.number(0), rows.number(1)};
-    }
+    const Run<words> run = runFor<words>(search, note->entry[0], note->entry[1]);
     auto last = note;
-    while (last != notes.cend() && (!hasNext || placeOf(last->entry) < next)) ++last;
-    const auto entries = merged<words>(present, note, last);
-    if (isThere && !entries.empty() && placeOf(entries.front()) == first &&
-        entries.size() * words * wordBytes <= maxRunBytes) {
-      database_.run("UPDATE run SET entries = ? WHERE search = ? AND key = ? AND home = ?",
-                    encoded(entries.data(), entries.data() + entries.size()), which, first.first,
-                    first.second);
-    } else {
-      if (isThere)
-        database_.run("DELETE FROM run WHERE search = ? AND key = ? AND home = ?", which, first.first,
-                      first.second);
-      put(search, entries);
-    }
+    while (last != notes.cend() && (!run.next || placeOf(last->entry) < *run.next)) ++last;
+    replace(search, run, merged<words>(run.entries, note, last));
     note = last;
   }
+}
+
+template <size_t words>
+void Runs::replace(Search search, const Run<words>& run, const std::vector<Words<words>>& entries) {
+  const int which = static_cast<int>(search);
+  const bool fits = entries.size() * words * wordBytes <= maxRunBytes;
+  if (run.first && fits && !entries.empty() && placeOf(entries.front()) == *run.first) {
+    database_.run("UPDATE run SET entries = ? WHERE search = ? AND key = ? AND home = ?",
+                  encoded(entries.data(), entries.data() + entries.size()), which, run.first->first,
+                  run.first->second);
+    return;
+  }
+  if (run.first)
+    database_.run("DELETE FROM run WHERE search = ? AND key = ? AND home = ?", which, run.first->first,
+                  run.first->second);
+  put(search, entries);
 }
 
 /// In as few runs as they need. Of one key and home all are in one.

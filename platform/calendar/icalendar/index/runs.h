@@ -55,6 +55,12 @@ class Runs {
     std::array<qint64, words> entry;
     qint64 by;
   };
+  using Place = std::pair<qint64, qint64>;  // key and home
+  template <size_t words>
+  struct Run {
+    std::vector<std::array<qint64, words>> entries;
+    std::optional<Place> first, next;  // where it begins, and the one behind it
+  };
   template <size_t words>
   using Notes = std::vector<Noted<words>>;
 
@@ -65,6 +71,10 @@ class Runs {
   void note(Search search, const Entry& entry, qint64 by);
   template <size_t words>
   void write(Search search, Notes<words>& notes);
+  template <size_t words>
+  Run<words> runFor(Search search, qint64 key, qint64 home);
+  template <size_t words>
+  void replace(Search search, const Run<words>& run, const std::vector<std::array<qint64, words>>& entries);
   template <size_t words>
   void put(Search search, const std::vector<std::array<qint64, words>>& entries);
 
