@@ -7,8 +7,6 @@
 #include <QCryptographicHash>
 #include <QSet>
 
-#include <limits>
-
 namespace platform::calendar::icalendar {
 namespace {
 
@@ -20,9 +18,6 @@ void markMidnights(Event& event) {
   // a day on which the clocks are changed has 23 or 25 hours of UTC
   if (length > hourMs && (rest <= hourMs || rest >= dayMs - hourMs)) event.markedAllDay = true;
 }
-
-constexpr Bounds everywhere{std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max(),
-                            std::numeric_limits<qint64>::max()};
 
 class EventReader {
  public:
@@ -45,7 +40,7 @@ class EventReader {
     if (!event.start)
       complain(component.line,
                QStringLiteral("An event has no start that can be read; it stands in no period."));
-    event.bounds = bounded_ == Bounded::Yes ? boundsOf(event) : everywhere;
+    if (bounded_ == Bounded::Yes) event.bounds = boundsOf(event);
     return event;
   }
 
@@ -206,13 +201,14 @@ std::shared_ptr<const CalendarFile> calendarPart(const PartPlace& place, const Q
     return nullptr;
   moveLines(*component, place.line - component->line);
   QList<Problem> known;  // since the file was taken in
-  // it was its bounds that led to it, and to find them takes a while where a rule has a COUNT
+  // its bounds are known, and to find them takes a while where a rule has a COUNT
   EventReader reader(part->document, place.name, known, EventReader::Bounded::No);
   part->zones = std::make_shared<ZoneIndex>(part->document);
   collectEvents(*part, part->document.components, nullptr, reader);
   if (part->events.size() != 1) return nullptr;
   Event& own = part->events.front();
   own.place = placeOf(place.name, place.number);
+  own.bounds = place.bounds;
   if (!own.hasUid) own.uid = QStringLiteral("no-uid:") + own.place;
   part->document.problems.clear();
   return part;

@@ -65,10 +65,11 @@ struct PartPlace {
   qint64 offset = 0;  // of its BEGIN in the file
   int line = 1;
   int number = 1;  // of several alike in the file
+  Bounds bounds;   // of the event, as they were found when the file was taken in
 };
 
-/// One event between the head of its calendar and what closes that, without its bounds: who asks for it knows
-/// them. Null when these bytes do not hold one event.
+/// One event between the head of its calendar and what closes that. Null when these bytes do not hold one
+/// event.
 std::shared_ptr<const CalendarFile> calendarPart(const PartPlace& place, const QByteArray& head,
                                                  const QByteArray& event, const QByteArray& tail);
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace platform::calendar::icalendar::index {
 namespace {
@@ -85,7 +86,10 @@ QHash<qint64, Hits::HitFile> Hits::collect(const QSet<quint64>& uids) {
     HitFile& file = fileOf(segment.number(0), files);
     for (const StoredEvent& event : pack)
       if (uids.contains(event.row.uid))
-        file.hits.append({segment.number(1), static_cast<int>(segment.number(2)), event.place});
+        file.hits.append({segment.number(1),
+                          static_cast<int>(segment.number(2)),
+                          event.place,
+                          {event.row.earliest, event.row.latest, std::numeric_limits<qint64>::max()}});
   }
   return files;
 }
@@ -194,7 +198,7 @@ QByteArray Hits::headOf(qint64 file, qint64 calendar) {
 
 Hits::Kept Hits::built(const HitFile& file, const Hit& hit, const QByteArray& event, quint64* zonesSum) {
   const PartPlace place{file.name, hit.segmentStart + hit.place.offset, hit.segmentLine + hit.place.line,
-                        hit.place.number};
+                        hit.place.number, hit.bounds};
   const QByteArray head = headOf(file.id, hit.place.calendar), tail = "END:VCALENDAR\r\n";
   Kept made = calendarPart(place, head, event, tail);
   if (!made) throw Stale{file.name};

@@ -35,6 +35,7 @@ class Hits {
     qint64 segmentStart = 0;
     int segmentLine = 0;
     EventPlace place;
+    Bounds bounds;
   };
   struct HitFile {
     qint64 id = 0;
