@@ -116,9 +116,9 @@ void IndexFile::build(const QString& fresh, const std::function<void(Database&)>
   if (made < 0) throw systemFailure("the index");
   ::close(made);
   Database database(fresh, identity_, Database::Access::ReadWrite);
-  // nobody sees it before it is whole, so nothing has to be taken back
+  // nobody sees it before it is whole; but a stretch of a file that changes while it is read is taken back
   database.script(
-      "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA locking_mode = EXCLUSIVE; BEGIN");
+      "PRAGMA journal_mode = MEMORY; PRAGMA synchronous = OFF; PRAGMA locking_mode = EXCLUSIVE; BEGIN");
   createTables(database, calendarPath_);
   fill(database);
   markComplete(database);

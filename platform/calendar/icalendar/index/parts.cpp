@@ -173,7 +173,8 @@ void Parts::renumberTouched() {
   QHash<quint64, int> numbers;
   events.each([&](StoredEvent& event) {
     if (!event.row.hasUid || !touched_.contains(event.row.uid)) return false;
-    return std::exchange(event.place.number, ++numbers[alike(event.row)]) != event.place.number;
+    const int number = ++numbers[alike(event.row)];
+    return std::exchange(event.place.number, number) != number;
   });
 }
 

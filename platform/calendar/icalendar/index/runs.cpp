@@ -183,6 +183,7 @@ void Runs::write(Search search, Notes<words>& notes) {
     const Run<words> run = runFor<words>(search, note->entry[0], note->entry[1]);
     auto last = note;
     while (last != notes.cend() && (!run.next || placeOf(last->entry) < *run.next)) ++last;
+    if (last == note) Database::failBroken("runs out of order");
     replace(search, run, merged<words>(run.entries, note, last));
     note = last;
   }
@@ -212,7 +213,7 @@ void Runs::put(Search search, const std::vector<Words<words>>& entries) {
   const Words<words>* const last = at + entries.size();
   // what just became too long is halved: it will go on growing in the midst
   const size_t length = entries.size() <= most       ? most
-                        : entries.size() <= 2 * full ? entries.size() / 2
+                        : entries.size() <= 2 * full ? (entries.size() + 1) / 2
                                                      : full;
   while (at != last) {
     const Words<words>* end = at + std::min(length, static_cast<size_t>(last - at));

@@ -1,5 +1,6 @@
 #include "platform/calendar/icalendar/index/runs.h"
 
+#include "platform/calendar/icalendar/index/indexfile.h"
 #include "platform/calendar/icalendar/index/packs.h"
 #include "tests/unit/platform/calendar/icalendar/index/world.h"
 
@@ -97,6 +98,33 @@ TEST_F(IndexRuns, AnEntryThatIsMissingOrThereTwiceIsDamage) {
   runs().drop();
   runs().add(Search::Uid, {5, 1});
   EXPECT_THROW(runs().flush(), IndexFailure);
+}
+
+TEST_F(IndexRuns, ARunThatBecomesTooLongIsHalved) {
+  constexpr int most = 960 / 32;
+  for (int i = 0; i <= most; ++i) {
+    runs().add(Search::Short, {i, 1, 1, 1});
+    runs().flush();
+  }
+  EXPECT_EQ(database_.number("SELECT count(*) FROM run"), 2);
+}
+
+TEST_F(IndexRuns, RunsThatAreOutOfOrderAreDamage) {
+  for (int i = 0; i < 100; ++i) runs().add(Search::Short, {i, 1, 1, 1});
+  runs().flush();
+  database_.script("UPDATE run SET key = 'x' WHERE key = (SELECT max(key) FROM run)");
+  for (int i = 200; i < 300; ++i) runs().add(Search::Short, {i, 1, 1, 1});
+  EXPECT_THROW(runs().flush(), IndexFailure);
+}
+
+TEST_F(IndexRuns, WhatIsTakenBackWhileAnIndexIsMadeIsGone) {
+  IndexFile file(folder_.filePath(u"indexes"_qs), u"/calendar"_qs);
+  file.make([&](Database& fresh) {
+    fresh.script("SAVEPOINT stretch");
+    fresh.script("INSERT INTO run VALUES (1, 1, 1, x'00')");
+    fresh.script("ROLLBACK TO stretch; RELEASE stretch");
+    EXPECT_EQ(fresh.number("SELECT count(*) FROM run"), 0);
+  });
 }
 
 TEST_F(IndexRuns, WhatWasNotedForAChangeThatIsTakenBackIsForgotten) {
