@@ -36,6 +36,8 @@ PlaceInList::PlaceInList() : before_(outlookValues().gRowItems) {
   active_ = form.exsThisWeek.activeCell();
   scroll_ = form.ListScroll();
   anchor_ = rowInSight(scroll_);
+  for (int position = 1; position <= before_.Count(); ++position)
+    idsBefore_.insert(before_.Item(position)->EntryID());
   if (values.dropDownsOf && before(values.gCurrentRow) == values.dropDownsOf)
     dropDownsOf_ = values.dropDownsOf;
   noteLeftovers();
@@ -97,7 +99,10 @@ std::optional<int> PlaceInList::rowNow(const Appointment& appointment) const {
   if (!appointment) return {};
   if (const auto row = byId_.constFind(appointment->EntryID()); row != byId_.cend()) return *row;
   const QList<int> rows = byOccurrence_.value(occurrenceOf(*appointment));
-  return rows.size() == 1 ? std::optional(rows.first()) : std::nullopt;
+  if (rows.size() != 1) return {};
+  // one that stood beside it before is another one
+  const bool isAnother = idsBefore_.contains(fncAppointmentOf(rows.first())->EntryID());
+  return isAnother ? std::nullopt : std::optional(rows.first());
 }
 
 std::optional<int> PlaceInList::rowNow(int rowBefore) const {
@@ -121,15 +126,14 @@ void PlaceInList::restoreSelection() const {
   if (selection_.row < firstRow) return;
   platform::owc::Spreadsheet& sheet = reportForm().exsThisWeek;
   const auto top = rowNow(selection_.row), bottom = rowNow(selection_.lastRow());
-  const auto some = top ? top : bottom;
-  if (!some) {
+  const auto active = rowNow(active_.row);
+  if (!active) {
     sheet.select({1, 1, 1, 1}, {1, 1, 1, 1});  // the header, which nobody can type into
     return;
   }
-  const auto [first, last] = std::minmax({top.value_or(*some), bottom.value_or(*some)});
+  const auto [first, last] = std::minmax({top.value_or(*active), bottom.value_or(*active)});
   const CellRect rect{first, selection_.column, last - first + 1, selection_.columns};
-  const int active = rowNow(active_.row).value_or(first);
-  sheet.select(rect, {rect.contains(active, active_.column) ? active : first, active_.column, 1, 1});
+  sheet.select(rect, {rect.contains(*active, active_.column) ? *active : first, active_.column, 1, 1});
 }
 
 void PlaceInList::restoreScroll() const {

@@ -46,6 +46,7 @@ class PlaceInList {
   Appointment before(int row) const;
 
   platform::basic::Collection<Appointment> before_;
+  QSet<QString> idsBefore_;
   QList<Leftover> leftovers_;
   platform::owc::CellRect selection_, active_;
   QPoint scroll_;

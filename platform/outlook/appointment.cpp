@@ -140,6 +140,7 @@ std::shared_ptr<AppointmentItem> AppointmentItem::Parent() const {
     throw Failure(calendar::errNotFound,
                   u"The series that \"%1\" belongs to is no longer in the calendar."_s.arg(item_.subject),
                   u"AppointmentItem"_s);
+  if (seriesTag_.isEmpty()) seriesTag_ = master->tag;
   return std::make_shared<AppointmentItem>(store_, folder_, *master, session_);
 }
 
@@ -182,8 +183,10 @@ calendar::Item AppointmentItem::storeOrTell(const calendar::Change& change) cons
 }
 
 void AppointmentItem::RefuseIfChanged() const {
-  const auto item = itemOfKey(*store_, folder_, item_.key);
-  if (item && item->tag == item_.tag) return;
+  const auto item = itemOfKey(*store_, folder_, item_.key, item_.start);
+  const bool isAsRead = item && item->tag == item_.tag;
+  // the tag of a changed occurrence says nothing of its series
+  if (isAsRead && (seriesTag_.isEmpty() || Parent()->stored().tag == seriesTag_)) return;
   const QString what =
       item ? u"Another program has changed \"%1\" meanwhile."_s : u"\"%1\" is no longer in the calendar."_s;
   throw Failure(item ? calendar::errChangedMeanwhile : calendar::errNotFound,
@@ -193,7 +196,7 @@ void AppointmentItem::RefuseIfChanged() const {
 /// Empty where nobody can say how it stands in the calendar now.
 QString AppointmentItem::bothVersions() const try {
   const AppointmentItem read(store_, folder_, item_, session_);
-  const auto item = itemOfKey(*store_, folder_, item_.key);
+  const auto item = itemOfKey(*store_, folder_, item_.key, item_.start);
   if (!item) return textOfConflict({read, *this, change_.userProperties, nullptr});
   const AppointmentItem now(store_, folder_, *item, session_);
   return textOfConflict({read, *this, change_.userProperties, &now});

@@ -62,8 +62,7 @@ QString lineOf(const QString& name, bool isFree, const QString& read, const QStr
   const QString line = name + u": "_s;
   if (now.isNull()) return wanted.isEmpty() ? QString() : line + shown(wanted);
   if (wanted == read && now == read) return {};
-  if (wanted == read)
-    return line + u"when read %1, in the calendar now %2"_s.arg(shown(read), shown(now));
+  if (wanted == read) return line + u"when read %1, in the calendar now %2"_s.arg(shown(read), shown(now));
   if (wanted == now) return line + u"to be written %1, which stands in the calendar now"_s.arg(shown(now));
   return line + u"to be written %1, in the calendar now %2"_s.arg(shown(wanted), shown(now));
 }

@@ -45,7 +45,8 @@ std::optional<ItemKey> keyOfEntryId(const QString& entryId) {
   return ItemKey{decoded(parts[2]), decoded(parts[0]), decoded(parts[1])};
 }
 
-std::optional<Item> itemOfKey(calendar::Store& store, const QString& folder, const ItemKey& key) {
+std::optional<Item> itemOfKey(calendar::Store& store, const QString& folder, const ItemKey& key,
+                              const QDateTime& lastSeen) {
   calendar::Query query;
   query.uid = key.uid;
   query.zone = basic::Clock::current().zone();
@@ -55,6 +56,11 @@ std::optional<Item> itemOfKey(calendar::Store& store, const QString& folder, con
   query.startFrom = day.addDays(-daysAround).startOfDay(query.zone);
   query.startTo = day.addDays(daysAround).endOfDay(query.zone);
   query.expandSeries = true;
+  const auto near = pick(store.items(folder, query), key);
+  if (near || !lastSeen.isValid()) return near;
+  // a change of all that follow has moved it away from its day
+  query.startFrom = lastSeen.addDays(-daysAround);
+  query.startTo = lastSeen.addDays(daysAround);
   return pick(store.items(folder, query), key);
 }
 

@@ -109,6 +109,7 @@ class AppointmentItem : public std::enable_shared_from_this<AppointmentItem> {
   calendar::Item item_;
   calendar::Change change_;
   std::shared_ptr<const Session> session_;
+  mutable QString seriesTag_;  // the series' own, when it was first asked for
 };
 
 /// The items of a folder. `Count` and `Item` know singles and the masters of series, ordered by start. `Find`

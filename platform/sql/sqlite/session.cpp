@@ -229,6 +229,7 @@ Result SqliteSession::execute(const QString& sql, const QList<basic::Value>& par
   for (int i = 0; i < parameters.size(); ++i) query.bindValue(i, toStored(parameters[i]));
   if (!query.exec()) {
     prepared_.remove(key);
+    known_.clear();  // a transaction may have been rolled back along with it
     fail(query.lastError(), query.lastQuery());
   }
   tables.reset();

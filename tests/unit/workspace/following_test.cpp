@@ -232,6 +232,13 @@ TEST_P(FollowedList, KeepsTheSelectionOfSeveralRowsAndItsActiveCell) {
   EXPECT_EQ(selected(), QStringLiteral("$A$3:$C$3"));
 }
 
+TEST_P(FollowedList, LetsGoOfASelectionWhoseActiveAppointmentIsGone) {
+  sheet().select({2, 1, 2, 3}, {2, 2, 1, 1});
+  w.calendar->removeByAnother(w.folder, firstKey);
+  tick();
+  EXPECT_EQ(selected(), QStringLiteral("$A$1"));
+}
+
 TEST_P(FollowedList, KeepsTheHeaderSelected) {
   select(QStringLiteral("B1"));
   theyAdd("Before", 13);
@@ -407,6 +414,24 @@ TEST_P(FollowedList, OverwritesNothingOfASeriesThatSomebodyElseHasChanged) {
   EXPECT_EQ(stored(2).subject, QStringLiteral("Moved"));
   EXPECT_EQ(stored(2).categoriesText, QStringLiteral(";Beta;Website;Design"));
   EXPECT_EQ(w.cell(QStringLiteral("A4")), QStringLiteral("Moved"));
+}
+
+TEST_P(FollowedList, OverwritesNothingOfASeriesThatAChangedOccurrenceLeadsTo) {
+  const auto key =
+      w.calendar->addSeries(w.folder, w.appointment(QStringLiteral("Series"), at(15, 9), 60, marked),
+                            {platform::calendar::Recurrence::Unit::Day, 1, 2, {}});
+  subGetData();
+  const QString id = outlookValues().gRowItems.Item(4)->stored().key.recurrenceId;
+  w.calendar->addException(w.folder, key, id,
+                           w.appointment(QStringLiteral("By itself"), at(16, 10), 60, marked));
+  subGetData();
+  ASSERT_EQ(w.cell(QStringLiteral("A5")), QStringLiteral("By itself"));
+  theyRename(key, "Moved");
+  select(QStringLiteral("A5"));
+  expectReport("fncSaveChanges");
+  EXPECT_ENDS_PROCESS(choose(1, QStringLiteral("Beta")));
+  EXPECT_EQ(stored(2).subject, QStringLiteral("Moved"));
+  EXPECT_EQ(stored(2).categoriesText, marked);
 }
 
 TEST_P(FollowedList, AfterAnotherFailureIsNotFetched) {

@@ -1,6 +1,10 @@
 #include "platform/outlook/entryid.h"
 
 #include "calendarfixture.h"
+#include "platform/calendar/icalendar/icalendarstore.h"
+
+#include <QFile>
+#include <QTemporaryDir>
 
 using namespace platform::outlook;
 using namespace Qt::StringLiterals;
@@ -53,6 +57,31 @@ TEST_F(EntryId, FindsAnItemWhosePlaceIsAnotherByNow) {
   calendar::ItemKey key = item->stored().key;
   key.place += u"-renamed"_s;
   EXPECT_EQ(calendarFolder()->GetItemFromID(entryIdOf(key))->Subject(), u"one");
+}
+
+TEST_F(EntryId, FindsAnOccurrenceThatAChangeOfAllThatFollowHasMovedFarAway) {
+  const QTemporaryDir files;
+  QFile file(files.filePath(u"series.ics"_s));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(
+      "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Another//EN\r\n"
+      "BEGIN:VEVENT\r\nUID:s\r\nSUMMARY:Series\r\nDTSTART:20240506T080000Z\r\nDTEND:20240506T090000Z\r\n"
+      "RRULE:FREQ=WEEKLY;COUNT=4\r\nEND:VEVENT\r\n"
+      "BEGIN:VEVENT\r\nUID:s\r\nSUMMARY:Later\r\nRECURRENCE-ID;RANGE=THISANDFUTURE:20240513T080000Z\r\n"
+      "DTSTART:20240517T080000Z\r\nDTEND:20240517T090000Z\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+  file.close();
+  calendar::IcalendarStore icalendar({{u"c"_s, u"Calendar"_s, u"Mailbox"_s, files.path()}});
+  calendar::Query query;
+  query.expandSeries = true;
+  query.zone = QTimeZone::utc();
+  query.startFrom = QDateTime(QDate(2024, 5, 20), QTime(0, 0), Qt::UTC);
+  query.startTo = query.startFrom.addDays(6);
+  const QList<calendar::Item> shown = icalendar.items(u"c"_s, query);
+  ASSERT_EQ(shown.size(), 1);
+  EXPECT_EQ(shown[0].key.recurrenceId.left(8), u"20240520");
+  const auto found = itemOfKey(icalendar, u"c"_s, shown[0].key, shown[0].start);
+  ASSERT_TRUE(found);
+  EXPECT_EQ(found->tag, shown[0].tag);
 }
 
 TEST_F(EntryId, OfWhatIsGoneIsAFailure) {
