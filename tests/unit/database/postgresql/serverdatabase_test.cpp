@@ -72,7 +72,8 @@ TEST_F(PostgresqlDatabase, TheConnectionFileLeadsToItAndNothingIsToUpgrade) {
   EXPECT_EQ(reportTarget().ReportTo, 3);
   EXPECT_EQ(reportTarget().ReportToValue, w.road->connectionText());
   EXPECT_EQ(w.plan->statements, QStringList({u"connect"_qs, u"columns tblReports"_qs,
-                                             u"select top 1 strBody from tblReports"_qs, u"connect"_qs}));
+                                             u"select top 1 strBody from tblReports"_qs}))
+      << "the connection that the look at its age opened is kept";
 }
 
 TEST_F(PostgresqlDatabase, TheTextOfTheSettingsLeadsToItWithoutAFile) {
