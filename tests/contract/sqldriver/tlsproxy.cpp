@@ -109,7 +109,8 @@ void TlsProxy::serve(int client) {
       if (bytes.isEmpty()) break;
       answer += bytes;
       if (!isWhole(answer)) continue;
-      const QByteArray wire = channel.encrypted(answer.left(first_)) + channel.encrypted(answer.mid(first_));
+      QByteArray wire = channel.encrypted(answer.left(first_));
+      wire += channel.encrypted(answer.mid(first_));  // in this order, which operands have not
       answer.clear();
       going = sendAll(client, breakAfter_ < 0 ? wire : wire.left(breakAfter_)) && breakAfter_ < 0;
     }
