@@ -43,6 +43,7 @@ struct SystemCalls {
 class ScopedSystemCalls {
  public:
   explicit ScopedSystemCalls(const SystemCalls& calls);
+  explicit ScopedSystemCalls(SystemCalls&&) = delete;  // they have to outlive it
   ~ScopedSystemCalls();
   ScopedSystemCalls(const ScopedSystemCalls&) = delete;
   ScopedSystemCalls& operator=(const ScopedSystemCalls&) = delete;

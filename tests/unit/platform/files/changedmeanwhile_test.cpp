@@ -321,7 +321,8 @@ TEST_F(ChangedMeanwhileTest, OnAServerARefusedLeaseTellsOfNobodyAndAFileIsReplac
   for (const unsigned type : typesOfServers) {
     const Fingerprint seen = read("old");
     int leases = 0;
-    const ScopedSystemCalls scope(callsOn(type, &leases));
+    const SystemCalls calls = callsOn(type, &leases);
+    const ScopedSystemCalls scope(calls);
     EXPECT_EQ(replaceFile(path, "new", seen).outcome, Outcome::Written) << type;
     EXPECT_EQ(folder.content(name), "new");
     EXPECT_EQ(folder.names(), QStringList{name});
@@ -332,7 +333,8 @@ TEST_F(ChangedMeanwhileTest, OnAServerARefusedLeaseTellsOfNobodyAndAFileIsReplac
   for (const unsigned type : onThisMachine) {
     const Fingerprint seen = read("old");
     int leases = 0;
-    const ScopedSystemCalls scope(callsOn(type, &leases));
+    const SystemCalls calls = callsOn(type, &leases);
+    const ScopedSystemCalls scope(calls);
     expectKept(replaceFile(path, "new", seen), "old");
     EXPECT_GT(leases, 0) << type;
   }
